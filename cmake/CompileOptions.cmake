@@ -1,0 +1,13 @@
+# The options that all of this project's own code is compiled with.
+add_library(coreui_options INTERFACE)
+target_compile_definitions(coreui_options INTERFACE
+    QT_NO_CAST_TO_ASCII QT_NO_CAST_FROM_BYTEARRAY QT_STRICT_ITERATORS)
+target_compile_options(coreui_options INTERFACE -Wall -Wextra -Wshadow -Wconversion)
+if(COREUI_WARNINGS_AS_ERRORS)
+    target_compile_options(coreui_options INTERFACE -Werror)
+endif()
+if(COREUI_SANITIZE)
+    target_compile_options(coreui_options INTERFACE
+        -fsanitize=${COREUI_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
+    target_link_options(coreui_options INTERFACE -fsanitize=${COREUI_SANITIZE})
+endif()

@@ -1,0 +1,35 @@
+# An installed tree: the library, its public headers in the folders they have here, and a package for
+# find_package(HvMirefoldCoreUI) with the target HvMirefold::CoreUI.
+include(CMakePackageConfigHelpers)
+
+set(COREUI_PUBLIC_HEADERS
+    base/Export.h
+    base/FileHandle.h
+    catalogue/EntryPool.h
+    catalogue/FileInfo.h
+    catalogue/FileInfoWrapper.h
+    catalogue/FileManager.h
+    catalogue/FileSequenceEvaluator.h
+    catalogue/FrameRange.h)
+
+foreach(header IN LISTS COREUI_PUBLIC_HEADERS)
+    get_filename_component(folder ${header} DIRECTORY)
+    install(FILES ${PROJECT_SOURCE_DIR}/src/${header}
+        DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/HvMirefoldCoreUI/${folder})
+endforeach()
+
+set_target_properties(CoreUI PROPERTIES EXPORT_NAME CoreUI)
+install(TARGETS CoreUI EXPORT HvMirefoldCoreUITargets LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
+
+set(COREUI_PACKAGE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/HvMirefoldCoreUI)
+install(EXPORT HvMirefoldCoreUITargets NAMESPACE HvMirefold:: DESTINATION ${COREUI_PACKAGE_DIR})
+configure_package_config_file(
+    ${PROJECT_SOURCE_DIR}/cmake/HvMirefoldCoreUIConfig.cmake.in
+    ${PROJECT_BINARY_DIR}/HvMirefoldCoreUIConfig.cmake
+    INSTALL_DESTINATION ${COREUI_PACKAGE_DIR})
+write_basic_package_version_file(
+    ${PROJECT_BINARY_DIR}/HvMirefoldCoreUIConfigVersion.cmake COMPATIBILITY SameMinorVersion)
+install(FILES
+    ${PROJECT_BINARY_DIR}/HvMirefoldCoreUIConfig.cmake
+    ${PROJECT_BINARY_DIR}/HvMirefoldCoreUIConfigVersion.cmake
+    DESTINATION ${COREUI_PACKAGE_DIR})

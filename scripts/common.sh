@@ -1,0 +1,36 @@
+# What the scripts share: the project's folder, and the packages that it needs on Debian.
+
+project=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+
+build_packages=(build-essential cmake ninja-build qtbase5-dev)
+display_packages=(xvfb xauth libgl1-mesa-dri fonts-dejavu-core)
+check_packages=(clang-format clang-tidy)
+
+# install_missing PACKAGE...: installs the packages that are not there. Prints nothing where all are.
+install_missing() {
+    local package missing=()
+    for package in "$@"; do
+        dpkg-query -W -f '${db:Status-Status}\n' "$package" 2>/dev/null | grep -qx installed ||
+            missing+=("$package")
+    done
+    [ ${#missing[@]} -gt 0 ] || return 0
+    echo "Installing ${missing[*]}" >&2
+    local as_root=()
+    [ "$(id -u)" = 0 ] || as_root=(sudo)
+    {
+        "${as_root[@]}" apt-get update
+        "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
+            apt-get install -y --no-install-recommends "${missing[@]}"
+    } >&2
+}
+
+# build PRESET [TARGET...]: configures and builds; what the tools say goes to standard error.
+build() {
+    local preset=$1
+    shift
+    (
+        cd "$project"
+        cmake --preset "$preset"
+        cmake --build --preset "$preset" ${1:+--target "$@"}
+    ) >&2
+}

@@ -1,0 +1,150 @@
+#include "catalogue/FileGatherer.h"
+
+#include "base/Text.h"
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace Halvern::UI {
+
+namespace {
+
+// The type of an entry for which the file system gave none.
+int queriedKind(int folder, const char* name)
+{
+    struct stat status;
+    if (::fstatat(folder, name, &status, 0) != 0)
+        return DT_UNKNOWN;
+    return S_ISDIR(status.st_mode) ? DT_DIR : DT_REG;
+}
+
+// A query that fails gives a record too, so that the records after it keep their places.
+FileInfoWrapper queriedInfo(int folder, const char* name)
+{
+    struct stat status;
+    if (::fstatat(folder, name, &status, 0) != 0)
+        return {};
+    return {static_cast<unsigned long long>(status.st_size), S_ISDIR(status.st_mode), status.st_mtime};
+}
+
+} // namespace
+
+FileGatherer::FileGatherer()
+{
+    setObjectName(QStringLiteral("FileGatherer"));
+    connect(this, SIGNAL(finished()), this, SLOT(threadFinished()));
+}
+
+FileGatherer::~FileGatherer()
+{
+    stop();
+}
+
+void FileGatherer::prepare(const std::string& directory)
+{
+    m_directory = directory;
+    m_discardedNames = m_names.reset();
+    m_infos.reset();
+    m_allNamesRead = false;
+    m_namesAnnounced = false;
+    m_endAnnounced = false;
+    // Not in run(): a run that is stopped before its thread has begun must not begin after all.
+    m_keepRunning = true;
+}
+
+void FileGatherer::startReading(const std::string& directory)
+{
+    prepare(directory);
+    start();
+}
+
+void FileGatherer::readNow(const std::string& directory)
+{
+    prepare(directory);
+    run();
+    threadFinished();
+}
+
+void FileGatherer::stop()
+{
+    const bool wereBlocked = blockSignals(true);
+    m_keepRunning = false;
+    wait();
+    blockSignals(wereBlocked);
+    m_endAnnounced = true;
+}
+
+FileGatherer::InfoQueue::BatchPointer FileGatherer::takeInfos()
+{
+    return m_namesAnnounced ? m_infos.take() : nullptr;
+}
+
+bool FileGatherer::takeNamesFinished()
+{
+    if (m_namesAnnounced || !m_allNamesRead || m_names.hasNext())
+        return false;
+    m_namesAnnounced = true;
+    return true;
+}
+
+void FileGatherer::run()
+{
+    m_discardedNames.clear();
+    const int folder = ::open(m_directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    readNames(folder);
+    readAttributes(folder);
+    if (folder >= 0)
+        ::close(folder);
+}
+
+void FileGatherer::readNames(int folder)
+{
+    // The stream closes the descriptor it is given, and the attributes are read after it.
+    DIR* stream = folder >= 0 ? ::fdopendir(::fcntl(folder, F_DUPFD_CLOEXEC, 0)) : nullptr;
+    FileNameRecord record;
+    while (stream && m_keepRunning) {
+        const dirent* entry = ::readdir(stream);
+        if (!entry)
+            break;
+        Base::copyTruncated(record.name, entry->d_name);
+        record.kind = entry->d_type == DT_UNKNOWN ? queriedKind(folder, entry->d_name) : entry->d_type;
+        if (m_names.append(record))
+            emit fileNameBatchReady();
+    }
+    if (stream)
+        ::closedir(stream);
+    if (!m_keepRunning)
+        return;
+    if (m_names.finish())
+        emit fileNameBatchReady();
+    m_allNamesRead = true;
+    emit fileNameFinished(false);
+}
+
+void FileGatherer::readAttributes(int folder)
+{
+    for (std::size_t batch = 0; batch < m_names.completeCount(); ++batch) {
+        for (const FileNameRecord& record : m_names.complete(batch)) {
+            if (!m_keepRunning)
+                return;
+            if (m_infos.append(queriedInfo(folder, record.name)))
+                emit fileInfoBatchReady();
+        }
+    }
+    if (m_keepRunning && m_infos.finish())
+        emit fileInfoBatchReady();
+}
+
+void FileGatherer::threadFinished()
+{
+    // Left in the queue by a run that was stopped, or by one that ended just before another was started.
+    if (isRunning() || m_endAnnounced)
+        return;
+    m_endAnnounced = true;
+    m_keepRunning = false;
+    emit finishedGatheringFiles();
+}
+
+} // namespace Halvern::UI

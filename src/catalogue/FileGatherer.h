@@ -1,0 +1,87 @@
+#pragma once
+
+#include "catalogue/BatchQueue.h"
+#include "catalogue/FileInfoWrapper.h"
+
+#include <QThread>
+#include <atomic>
+#include <string>
+
+namespace Halvern::UI {
+
+/// One name as the directory gave it, not yet an entry.
+struct FileNameRecord
+{
+    char name[1024]; ///< Bytes, terminated; longer names are cut.
+    int kind;        ///< The directory-entry type: 4 (DT_DIR) for a directory.
+};
+
+/// Reads one directory at a time for a FileManager, first all names and then the attributes of each, and
+/// hands both over in batches. The object lives on the manager's thread and belongs to it; run() is what
+/// works on the other thread. The signals only say that something is there to be taken: one that a stopped
+/// run left in the queue finds nothing of that run, and what it takes of the next run would have been taken a
+/// moment later.
+class FileGatherer : public QThread
+{
+    Q_OBJECT
+
+public:
+    static constexpr std::size_t NameBatchSize = 2000;
+    static constexpr std::size_t InfoBatchSize = 1000;
+
+    using NameQueue = BatchQueue<FileNameRecord>;
+    using InfoQueue = BatchQueue<FileInfoWrapper>;
+
+    FileGatherer();
+    ~FileGatherer() override;
+
+    /// Begins to read @p directory on the worker thread. No run may be under way.
+    void startReading(const std::string& directory);
+    /// Reads @p directory on the calling thread and returns when all is read.
+    void readNow(const std::string& directory);
+    /// Ends a run: it sends no further signals. Waits for the worker, which is one call to the file system at
+    /// most, without a time limit. Batches that were not taken stay until the next run begins.
+    void stop();
+
+    /// The next complete batch of names, or null.
+    NameQueue::BatchPointer takeNames() { return m_names.take(); }
+    /// The next complete batch of attributes, or null; null also before takeNamesFinished() has said true, so
+    /// that attributes never arrive before their names.
+    InfoQueue::BatchPointer takeInfos();
+    /// True once in a run: when all its names were read and taken.
+    bool takeNamesFinished();
+
+signals:
+    void fileNameBatchReady();
+    void fileInfoBatchReady();
+    /// The names are complete. The argument is false: their attributes are still to come.
+    void fileNameFinished(bool withInfo);
+    void finishedGatheringFiles();
+
+protected:
+    void run() override;
+
+private slots:
+    void threadFinished();
+
+private:
+    void prepare(const std::string& directory);
+    void readNames(int folder);
+    void readAttributes(int folder);
+
+    // Set by the GUI thread while no worker runs, read by the worker.
+    std::string m_directory;
+    std::vector<std::shared_ptr<NameQueue::Batch>> m_discardedNames; // emptied by the worker
+
+    // Shared by both threads.
+    std::atomic<bool> m_keepRunning{false};
+    std::atomic<bool> m_allNamesRead{false};
+    NameQueue m_names{NameBatchSize};
+    InfoQueue m_infos{InfoBatchSize};
+
+    // GUI thread only.
+    bool m_namesAnnounced = false;
+    bool m_endAnnounced = true;
+};
+
+} // namespace Halvern::UI

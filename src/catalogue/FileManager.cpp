@@ -1,0 +1,243 @@
+#include "catalogue/FileManager.h"
+
+#include "base/Text.h"
+#include "catalogue/FileGatherer.h"
+
+#include <dirent.h>
+
+namespace Halvern::UI {
+
+namespace {
+
+constexpr std::size_t TypicalFileCount = 4000;
+
+constexpr const char* builtInSequenceExtensions[] = {
+    "arri",  "ari",   "bmp",   "cin", "crw",  "cr2",  "dpx",   "dng",    "exr", "fpi",
+    "ftif",  "ftiff", "gif",   "hdr", "hdri", "iff",  "iff16", "it8",    "jpg", "jpeg",
+    "pic",   "png",   "png16", "psd", "rgb",  "rgba", "rgbe",  "rgbea",  "rla", "sgi",
+    "sgi16", "sxr",   "targa", "tga", "tif",  "tiff", "tif16", "tiff16", "xpm", "yuv"};
+
+bool canOpenDirectory(const std::string& path)
+{
+    DIR* directory = ::opendir(path.c_str());
+    if (directory)
+        ::closedir(directory);
+    return directory != nullptr;
+}
+
+} // namespace
+
+FileManager::FileManager()
+    : gatherer(std::make_unique<FileGatherer>())
+{
+    files.reserve(TypicalFileCount);
+    sequenceOf.reserve(TypicalFileCount);
+    setInitialSequenceExtensions();
+    connect(gatherer.get(), SIGNAL(fileNameBatchReady()), this, SLOT(fileNameBatchReady()));
+    connect(gatherer.get(), SIGNAL(fileInfoBatchReady()), this, SLOT(fileInfoBatchReady()));
+    connect(gatherer.get(), SIGNAL(fileNameFinished(bool)), this, SLOT(fileNameFinished(bool)));
+}
+
+FileManager::~FileManager()
+{
+    gatherer->stop();
+}
+
+void FileManager::setInitialSequenceExtensions()
+{
+    static bool done = false;
+    if (done)
+        return;
+    done = true;
+    for (const char* extension : builtInSequenceExtensions)
+        addSequenceFileExtension(extension);
+}
+
+bool FileManager::getFilesFromFolder(const std::string& path, bool force)
+{
+    return getFilesFromFolderPrivate(path, force, true);
+}
+
+bool FileManager::getFilesFromFolderSynchronously(const std::string& path, bool force)
+{
+    return getFilesFromFolderPrivate(path, force, false);
+}
+
+bool FileManager::getFilesFromFolderPrivate(const std::string& path, bool force, bool asynchronous)
+{
+    if (readingSynchronously)
+        return false;
+    const bool readable = canOpenDirectory(path);
+    if (readable && !force && path == currentDirectory)
+        return false;
+    gatherer->stop();
+    currentDirectory = path;
+    cleanData();
+    if (!readable)
+        return false;
+    if (asynchronous) {
+        gatherer->startReading(path);
+    } else {
+        readingSynchronously = true;
+        gatherer->readNow(path);
+        readingSynchronously = false;
+    }
+    return true;
+}
+
+std::vector<std::string> FileManager::getFilenameList(const std::string& path, bool splitGaps, bool longNames,
+                                                      bool includeDirectories, bool includeHidden)
+{
+    std::vector<std::string> names;
+    if (!getFilesFromFolderSynchronously(path, true))
+        return names;
+    std::vector<FileInfo*> entries;
+    buildRunningList(&entries, splitGaps ? Base::FileHandle::RegisteredSplitSequences
+                                         : Base::FileHandle::RegisteredSequences);
+    for (const FileInfo* entry : entries) {
+        if ((entry->isDirectory() && !includeDirectories) ||
+            (entry->displayName()[0] == '.' && !includeHidden))
+            continue;
+        if (entry->isSequence() && longNames)
+            names.push_back(entry->getSequenceLongName().toLatin1().toStdString());
+        else
+            names.emplace_back(entry->displayName());
+    }
+    return names;
+}
+
+void FileManager::setFiles(const std::list<std::string>& names)
+{
+    auto records = std::make_shared<std::vector<FileNameRecord>>(names.size());
+    auto record = records->begin();
+    for (const std::string& name : names) {
+        Base::copyTruncated(record->name, name.c_str());
+        record->kind = 0;
+        ++record;
+    }
+    pendingNames = std::move(records);
+}
+
+void FileManager::insertFiles()
+{
+    const auto names = std::exchange(pendingNames, nullptr);
+    if (!names || names->empty())
+        return;
+    forgetSplitSequences();
+    for (const FileNameRecord& record : *names) {
+        FileInfo* file = pool.create();
+        file->setBasicInformation(record.name, false);
+        file->setIsDirectory(record.kind == DT_DIR);
+        files.push_back(file);
+        sequenceOf.push_back(nullptr);
+        enterFile(files.size() - 1, true);
+    }
+}
+
+void FileManager::cleanData()
+{
+    entriesByName.clear();
+    files.clear();
+    sequenceOf.clear();
+    sequences.clear();
+    sequencesInUse = 0;
+    forgetSplitSequences();
+    forgetFollowers();
+    unsummed.clear();
+    infoCursor = 0;
+    splitIndex = 0;
+    pool.clear();
+    ++entryGeneration;
+}
+
+void FileManager::updateInfo(const std::vector<FileInfoWrapper>* batch, bool announce)
+{
+    if (!batch)
+        return;
+    if (reevaluationEnabled)
+        reevaluateSequences();
+    const int first = infoCursor;
+    for (const FileInfoWrapper& info : *batch) {
+        const auto index = static_cast<std::size_t>(infoCursor);
+        if (index == files.size())
+            break;
+        applyInfo(index, info);
+        ++infoCursor;
+    }
+    for (FileInfo* sequence : unsummed)
+        sequence->synchSequenceData();
+    unsummed.clear();
+    if (!announce)
+        return;
+    if (reevaluationEnabled)
+        emit refreshList();
+    else
+        emit infoUpdated(first, infoCursor - first);
+}
+
+// What contains the file follows the one change. Summing over all members again at every batch would make the
+// work grow with the square of the directory.
+void FileManager::applyInfo(std::size_t index, const FileInfoWrapper& info)
+{
+    FileInfo* file = files[index];
+    const unsigned long long previousSize = file->size();
+    file->setAdditionalInfo(info);
+    FileInfo* sequence = sequenceOf[index];
+    if (sequence && sequence->sequenceFileCount() >= 2)
+        sequence->updateFromMember(previousSize, *file);
+    for (const Followers* followers : {&splitFollowers, &hostFollowers}) {
+        const auto range = followers->equal_range(file);
+        for (auto follower = range.first; follower != range.second; ++follower)
+            follower->second->updateFromMember(previousSize, *file);
+    }
+}
+
+void FileManager::followMembers(FileInfo* sequence)
+{
+    if (static_cast<std::size_t>(infoCursor) == files.size())
+        return;
+    for (const auto& member : sequence->sequenceFiles()) {
+        if (member.second)
+            hostFollowers.emplace(member.second, sequence);
+    }
+}
+
+void FileManager::forgetFollowers()
+{
+    hostFollowers.clear();
+}
+
+void FileManager::fileNameBatchReady()
+{
+    if (auto names = gatherer->takeNames()) {
+        pendingNames = std::move(names);
+        insertFiles();
+    }
+}
+
+void FileManager::fileInfoBatchReady()
+{
+    const auto infos = gatherer->takeInfos();
+    updateInfo(infos.get(), true);
+}
+
+void FileManager::fileNameFinished(bool withInfo)
+{
+    // A stopped run may have left its announcement in the queue.
+    if (sender() == gatherer.get() && !gatherer->takeNamesFinished())
+        return;
+    if (withInfo) {
+        const auto infos = gatherer->takeInfos();
+        updateInfo(infos.get(), false);
+    }
+    emit refreshList();
+    if (withInfo)
+        emit infoUpdated(0, -1);
+}
+
+void FileManager::addSequenceFileExtension(const char* extension)
+{
+    FileInfo::addSequenceFileExtension(extension);
+}
+
+} // namespace Halvern::UI

@@ -1,0 +1,184 @@
+// How a flat list of files becomes sequences, runs and rows.
+
+#include "catalogue/FileManager.h"
+
+#include "catalogue/FrameName.h"
+
+#include <algorithm>
+#include <string_view>
+
+namespace Halvern::UI {
+
+using Base::FileHandle;
+
+namespace {
+
+bool isSingleFrame(const FrameRange& range)
+{
+    return range.first == range.last;
+}
+
+} // namespace
+
+bool FileManager::isSequence(const char* name, int& frame, char* pattern, int& digits, bool& padded)
+{
+    return FrameName::read(name, frame, pattern, digits, padded);
+}
+
+void FileManager::reevaluateSequences()
+{
+    entriesByName.clear();
+    forgetSplitSequences();
+    unsummed.clear();
+    sequencesInUse = 0;
+    for (std::size_t index = 0; index < files.size(); ++index)
+        enterFile(index, false);
+    sequences.resize(sequencesInUse);
+}
+
+// Puts one file under its name, or into the sequence of its pattern.
+void FileManager::enterFile(std::size_t index, bool everyMemberSetsWidth)
+{
+    FileInfo* file = files[index];
+    sequenceOf[index] = nullptr;
+    int frame = 0;
+    int digits = 0;
+    bool padded = false;
+    char pattern[FileInfo::NameSize];
+    if (file->isDirectory() || !isSequence(file->fileName(), frame, pattern, digits, padded)) {
+        entriesByName.emplace(file->fileName(), file);
+        return;
+    }
+    const auto present = entriesByName.find(std::string_view(pattern));
+    if (present == entriesByName.end()) {
+        FileInfo* sequence = nextSequence();
+        createSecondarySequence(sequence, pattern, digits, padded, frame, file);
+        sequenceOf[index] = sequence;
+        return;
+    }
+    FileInfo* sequence = present->second;
+    if (addMember(sequence, frame, file) && sequence->isSequence())
+        sequenceOf[index] = sequence;
+    if (everyMemberSetsWidth)
+        sequence->setNumberOfHashes(digits, padded, assumeZeroPadding);
+}
+
+FileInfo* FileManager::nextSequence()
+{
+    if (sequencesInUse == sequences.size())
+        sequences.push_back(pool.create());
+    FileInfo* sequence = sequences[sequencesInUse++];
+    sequence->setFrameInformation(0, 0, 0);
+    return sequence;
+}
+
+// False when the frame has a member already.
+bool FileManager::addMember(FileInfo* sequence, int frame, FileInfo* member)
+{
+    const std::size_t before = sequence->sequenceFiles().size();
+    sequence->insertSequenceFile(frame, member);
+    sequence->invalidateSequenceName();
+    if (sequence->isSequence() && sequence->sequenceFileCount() >= 2)
+        unsummed.insert(sequence);
+    return sequence->sequenceFiles().size() > before;
+}
+
+void FileManager::createSecondarySequence(FileInfo* sequence, const char* pattern, int digits, bool padded,
+                                          int frame, FileInfo* member)
+{
+    sequence->setBasicInformation(pattern, true);
+    sequence->setNumberOfHashes(digits, padded, assumeZeroPadding);
+    addMember(entriesByName.emplace(pattern, sequence).first->second, frame, member);
+}
+
+void FileManager::forgetSplitSequences()
+{
+    splitEntries.clear();
+    splitFollowers.clear();
+    splitDone = false;
+}
+
+void FileManager::createSplitSequences()
+{
+    if (splitDone)
+        return;
+    splitDone = true;
+    for (const auto& named : entriesByName) {
+        FileInfo* sequence = named.second;
+        if (!sequence->isSequence() || sequence->sequenceFileCount() == 1)
+            continue;
+        sequence->constructSequenceName();
+        if (!sequence->hasGaps())
+            continue;
+        for (const FrameRange& range : sequence->frameRanges()) {
+            if (!isSingleFrame(range))
+                splitEntries.push_back(makeSplitSequence(sequence, range));
+        }
+    }
+}
+
+FileInfo* FileManager::makeSplitSequence(FileInfo* parent, const FrameRange& range)
+{
+    FileInfo* run = pool.create();
+    run->setBasicInformation(parent->fileName(), true);
+    run->setFrameInformation(range.first, range.last, parent->numberOfHashes());
+    run->setParentSequence(parent);
+    run->synchSequenceData();
+    run->constructSequenceName();
+    if (static_cast<std::size_t>(infoCursor) < files.size()) {
+        const auto& members = parent->sequenceFiles();
+        const auto end = members.upper_bound(range.last);
+        for (auto member = members.lower_bound(range.first); member != end; ++member)
+            splitFollowers.emplace(member->second, run);
+    }
+    return run;
+}
+
+void FileManager::buildRunningList(std::vector<FileInfo*>* out, FileHandle::ListType type)
+{
+    splitIndex = 0;
+    if (type == FileHandle::AllFiles) {
+        *out = files;
+        return;
+    }
+    out->clear();
+    const bool split = type == FileHandle::SplitSequences || type == FileHandle::RegisteredSplitSequences;
+    const bool registeredOnly = type >= FileHandle::RegisteredSequences;
+    if (split)
+        createSplitSequences();
+    for (const auto& named : entriesByName) {
+        FileInfo* entry = named.second;
+        if (!entry->isSequence())
+            out->push_back(entry);
+        else if (entry->sequenceFileCount() == 1)
+            out->push_back(entry->sequenceFiles().begin()->second);
+        else
+            appendSequence(*out, entry, split, registeredOnly);
+    }
+}
+
+void FileManager::appendSequence(std::vector<FileInfo*>& out, FileInfo* sequence, bool split,
+                                 bool registeredOnly)
+{
+    sequence->constructSequenceName();
+    if (registeredOnly && !sequence->isAutoSequenceChecked())
+        sequence->detectAutoSequence();
+    const bool shown = !registeredOnly || sequence->isAutoSequence();
+    if (!shown) {
+        for (const auto& member : sequence->sequenceFiles())
+            out.push_back(member.second);
+    } else if (!split || !sequence->hasGaps()) {
+        out.push_back(sequence);
+    }
+    if (!split || !sequence->hasGaps())
+        return;
+    // The runs of a sequence that is not shown are passed over, so that those behind keep their places.
+    for (const FrameRange& range : sequence->frameRanges()) {
+        FileInfo* run =
+            isSingleFrame(range) ? sequence->sequenceFiles().at(range.first) : splitEntries[splitIndex++];
+        if (shown)
+            out.push_back(run);
+    }
+}
+
+} // namespace Halvern::UI

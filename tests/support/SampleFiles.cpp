@@ -1,0 +1,38 @@
+#include "support/SampleFiles.h"
+
+#include <QFile>
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace SampleFiles {
+
+bool make(const QString& folder, const QByteArray& name, int size)
+{
+    const QByteArray path = QFile::encodeName(folder) + '/' + name;
+    const int file = ::open(path.constData(), O_CREAT | O_WRONLY | O_TRUNC | O_CLOEXEC, 0644);
+    if (file < 0)
+        return false;
+    const bool sized = ::ftruncate(file, size) == 0;
+    ::close(file);
+    return sized;
+}
+
+bool make(const QString& folder, std::initializer_list<const char*> names)
+{
+    for (const char* name : names) {
+        if (!make(folder, QByteArray(name)))
+            return false;
+    }
+    return true;
+}
+
+bool makeFrames(const QString& folder, const char* pattern, int first, int last)
+{
+    for (int frame = first; frame <= last; ++frame) {
+        if (!make(folder, QString::asprintf(pattern, frame).toUtf8()))
+            return false;
+    }
+    return true;
+}
+
+} // namespace SampleFiles

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+#include <initializer_list>
+
+/// Makes the files that a test needs. Names are bytes, handed to the system unchanged.
+namespace SampleFiles {
+
+/// Makes one file of @p size bytes in @p folder; false where the system refuses it.
+bool make(const QString& folder, const QByteArray& name, int size = 0);
+
+/// Makes empty files; false at the first that the system refuses.
+bool make(const QString& folder, std::initializer_list<const char*> names);
+
+/// Makes the empty files of the frames @p first to @p last, named by the printf pattern @p pattern.
+bool makeFrames(const QString& folder, const char* pattern, int first, int last);
+
+} // namespace SampleFiles

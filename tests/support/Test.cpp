@@ -1,0 +1,57 @@
+#include "support/Test.h"
+
+#include <QMutex>
+#include <QSettings>
+#include <QStringList>
+
+namespace {
+
+QMutex mutex;
+QList<QRegularExpression> expected;
+QStringList unexpected;
+QtMessageHandler previous = nullptr;
+
+void handleMessage(QtMsgType type, const QMessageLogContext& context, const QString& text)
+{
+    if (type == QtWarningMsg || type == QtCriticalMsg) {
+        const QMutexLocker lock(&mutex);
+        for (int i = 0; i < expected.size(); ++i) {
+            if (expected.at(i).match(text).hasMatch()) {
+                expected.removeAt(i);
+                return;
+            }
+        }
+        unexpected.append(text);
+    }
+    previous(type, context, text);
+}
+
+} // namespace
+
+void Test::expectWarning(const QString& pattern)
+{
+    const QMutexLocker lock(&mutex);
+    expected.append(QRegularExpression(pattern));
+}
+
+void Test::initTestCase()
+{
+    QSettings::setPath(QSettings::IniFormat, QSettings::UserScope, m_settings.path());
+    previous = qInstallMessageHandler(handleMessage);
+}
+
+void Test::cleanup()
+{
+    const QMutexLocker lock(&mutex);
+    const QStringList warnings = unexpected;
+    const bool missed = !expected.isEmpty();
+    unexpected.clear();
+    expected.clear();
+    QVERIFY2(warnings.isEmpty(), qPrintable("unexpected warning: " + warnings.join(QStringLiteral(" | "))));
+    QVERIFY2(!missed, "an announced warning did not come");
+}
+
+void Test::cleanupTestCase()
+{
+    qInstallMessageHandler(previous);
+}
