@@ -10,7 +10,14 @@ set(COREUI_PUBLIC_HEADERS
     catalogue/FileInfoWrapper.h
     catalogue/FileManager.h
     catalogue/FileSequenceEvaluator.h
-    catalogue/FrameRange.h)
+    catalogue/FrameRange.h
+    dialog/FilePathEdit.h
+    dialog/Filename.h
+    widgets/AppSettings.h
+    widgets/DisclosableWidget.h
+    widgets/DisclosureButton.h
+    widgets/PackedColour.h
+    widgets/VisibilitySetter.h)
 
 foreach(header IN LISTS COREUI_PUBLIC_HEADERS)
     get_filename_component(folder ${header} DIRECTORY)

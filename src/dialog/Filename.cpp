@@ -1,0 +1,161 @@
+#include "dialog/Filename.h"
+
+#include "base/Text.h"
+#include "dialog/Glob.h"
+
+#include <QFile>
+#include <QString>
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+/// What was found out about one name; there is one for the process.
+struct StatusCache
+{
+    bool used = false;
+    bool examined = false;
+    std::string name;
+    struct stat status = {};
+};
+
+/// The status of @p name, from the cache where it was the last name; null where it can't be examined.
+const struct stat* examine(const char* name)
+{
+    static StatusCache cache;
+    if (!name)
+        return nullptr;
+    if (!cache.used || cache.name != name) {
+        cache.used = true;
+        cache.name = name;
+        const QByteArray encoded = QFile::encodeName(QString::fromUtf8(name));
+        cache.examined = ::stat(encoded.constData(), &cache.status) == 0;
+        // A name that is not UTF-8, or not expressible in the locale, is still a name on disk.
+        if (!cache.examined && encoded != name)
+            cache.examined = ::stat(name, &cache.status) == 0;
+    }
+    return cache.examined ? &cache.status : nullptr;
+}
+
+bool beginsWith(std::string_view text, std::string_view start)
+{
+    return text.substr(0, start.size()) == start;
+}
+
+int writeText(char* to, int size, const std::string& text)
+{
+    return static_cast<int>(Halvern::Base::copyTruncated(to, static_cast<std::size_t>(size), text.c_str()));
+}
+
+int writeJoined(char* to, int size, std::string base, std::string_view rest)
+{
+    base.resize(std::min(base.size(), static_cast<std::size_t>(std::max(size - 2, 0))));
+    if (base.empty() || base.back() != '/')
+        base += '/';
+    base += rest;
+    return writeText(to, size, base);
+}
+
+void cutToPreviousSeparator(std::string& base)
+{
+    const std::size_t separator = base.rfind('/');
+    base.resize(separator == std::string::npos ? 0 : separator);
+}
+
+std::string workingDirectory()
+{
+    if (const char* logical = std::getenv("PWD"))
+        return logical;
+    const std::unique_ptr<char, decltype(&std::free)> physical(::getcwd(nullptr, 0), &std::free);
+    return physical ? std::string(physical.get()) : std::string();
+}
+
+} // namespace
+
+const char* filename_name(const char* path)
+{
+    const char* separator = path ? std::strrchr(path, '/') : nullptr;
+    return separator ? separator + 1 : path;
+}
+
+int filename_absolute(char* to, int size, const char* from, const char* cwd)
+{
+    if (!to || size < 1)
+        return 0;
+    // The buffers may be the same, so nothing is written before the text is complete.
+    std::string_view rest(from ? from : "");
+    if (beginsWith(rest, "/"))
+        return writeText(to, size, std::string(rest));
+
+    std::string base;
+    if (cwd) {
+        base = cwd;
+    } else if (beginsWith(rest, "~")) {
+        const char* home = std::getenv("HOME");
+        if (!home)
+            return writeText(to, size, std::string(rest));
+        base = home;
+        if (base.empty())
+            return writeJoined(to, size, base, rest);
+        if (rest == "~")
+            return writeJoined(to, size, base, {});
+        if (beginsWith(rest, "~/")) {
+            rest.remove_prefix(2);
+        } else {
+            cutToPreviousSeparator(base);
+            rest.remove_prefix(1);
+        }
+    } else {
+        base = workingDirectory();
+    }
+
+    for (;;) {
+        if (beginsWith(rest, "./")) {
+            rest.remove_prefix(2);
+        } else if (beginsWith(rest, "../") && !base.empty()) {
+            cutToPreviousSeparator(base);
+            rest.remove_prefix(3);
+        } else {
+            break;
+        }
+    }
+    return writeJoined(to, size, base, rest);
+}
+
+bool filename_match(const char* name, const char* pattern)
+{
+    return name && pattern && Glob(pattern).matches(name);
+}
+
+bool filename_isdir(const char* name)
+{
+    const struct stat* status = examine(name);
+    return status && S_ISDIR(status->st_mode);
+}
+
+bool filename_exists(const char* name)
+{
+    return name && *name && examine(name);
+}
+
+std::int64_t filename_size(const char* name)
+{
+    const struct stat* status = examine(name);
+    return status ? status->st_size : 0;
+}
+
+std::int64_t filename_mtime(const char* name)
+{
+    const struct stat* status = examine(name);
+    if (!status)
+        return 0;
+    if (status->st_mtime != 0)
+        return status->st_mtime;
+    return status->st_atime != 0 ? status->st_atime : status->st_ctime;
+}
