@@ -5,6 +5,7 @@ include(CMakePackageConfigHelpers)
 set(COREUI_PUBLIC_HEADERS
     base/Export.h
     base/FileHandle.h
+    browser/FileBrowser.h
     catalogue/EntryPool.h
     catalogue/FileInfo.h
     catalogue/FileInfoWrapper.h

@@ -1,0 +1,96 @@
+#pragma once
+
+#include "browser/FileBrowser.h"
+#include "catalogue/FileManager.h"
+
+#include <QAbstractItemModel>
+#include <vector>
+
+namespace Halvern::UI {
+
+/// The rows of one directory as a flat table of name, size and modification time. It owns the manager that
+/// reads the directory; the entries of its rows belong to that manager.
+///
+/// Between the start of a read and buildRunningList() the rows keep their number and are empty: their entries
+/// are gone. entry() is null for them and for every row that is not there, so that nothing follows them.
+class FileBrowser::DirectoryModel : public QAbstractItemModel
+{
+    Q_OBJECT
+
+public:
+    enum Column
+    {
+        NameColumn,
+        SizeColumn,
+        ModifiedColumn,
+        ColumnCount
+    };
+
+    explicit DirectoryModel(FileBrowser* owner);
+
+    QModelIndex index(int row, int column, const QModelIndex& parent = QModelIndex()) const override;
+    QModelIndex parent(const QModelIndex& child) const override;
+    int rowCount(const QModelIndex& parent = QModelIndex()) const override;
+    int columnCount(const QModelIndex& parent = QModelIndex()) const override;
+    /// Besides the displayed texts: Qt::UserRole is the bare name, Qt::BackgroundRole the colour of queued
+    /// and hovered rows. Sizes up to 1024 bytes are numbers, larger ones texts like "12KB" or "3MB".
+    QVariant data(const QModelIndex& index, int role = Qt::DisplayRole) const override;
+    QVariant headerData(int section, Qt::Orientation orientation, int role = Qt::DisplayRole) const override;
+
+    /// Begins to read @p dir; with @p force also where it is the present directory. @p mode is not read: the
+    /// mode in force is that of setSequenceMode().
+    void setDirectory(const QDir& dir, SequenceMode mode, bool force);
+    /// Rebuilds the rows from the entries that have arrived and resets the model.
+    void buildRunningList();
+    /// Reads the present directory again; does nothing while there are no rows.
+    void refreshList();
+    void resetModel();
+    /// Announces the cells from @p topLeft to @p bottomRight as changed.
+    void refreshModel(const QModelIndex& topLeft, const QModelIndex& bottomRight);
+    /// Announces all cells as changed.
+    void updateInfo(int first, int count);
+
+    /// The row under the mouse, -1 for none. Setting it announces nothing.
+    int hoveredRow() const { return hovered; }
+    void setHoveredRow(int row) { hovered = row; }
+
+    /// Expanded (the initial mode) gives every file its row. Takes effect at the next buildRunningList().
+    void setSequenceMode(SequenceMode mode) { sequenceMode = mode; }
+    /// Whether the built-in rules split sequences at gaps (default: no); takes effect in the same way.
+    void setSplitSequences(bool split) { splitSequences = split; }
+    /// Null for the built-in rules; not owned. Takes effect in the same way.
+    void setEvaluator(FileSequenceEvaluator* newEvaluator) { evaluator = newEvaluator; }
+    bool hasEvaluator() const { return evaluator != nullptr; }
+
+    /// False while a read is under way whose rows were not built yet.
+    bool isListReady() const { return listReady; }
+    /// The entry of a row, borrowed; null where there is none to follow.
+    FileInfo* entry(int row) const;
+    /// The entry of a row that is known to be there.
+    FileInfo* fileInfo(const QModelIndex& index) const
+    {
+        return entries[static_cast<std::size_t>(index.row())];
+    }
+    /// The path of an entry; a sequence gives its name with placeholder and range.
+    QString getFullFilePath(const FileInfo& info) const;
+    QString getFullFilePath(int row) const;
+    QString getFullFilePath(const QModelIndex& index) const { return getFullFilePath(index.row()); }
+
+private:
+    std::vector<FileInfo*> evaluateFiles();
+    QVariant displayText(const FileInfo& info, int column) const;
+    QVariant background(int row, const FileInfo& info) const;
+
+    FileSequenceEvaluator* evaluator = nullptr;
+    QDir directory;
+    int hovered = -1;
+    bool listReady = false;
+    FileBrowser* browser;
+    std::vector<FileInfo*> entries;
+    unsigned entriesGeneration = 0; // of the manager when the entries were taken
+    FileManager manager;
+    SequenceMode sequenceMode = SequenceMode::Expanded;
+    bool splitSequences = false;
+};
+
+} // namespace Halvern::UI

@@ -1,0 +1,265 @@
+#pragma once
+
+#include "base/Export.h"
+
+#include <QAbstractItemModel>
+#include <QColor>
+#include <QDir>
+#include <QPointer>
+#include <QStringList>
+#include <QWidget>
+
+class FilePathEdit;
+class QCheckBox;
+class QComboBox;
+class QGridLayout;
+class QLabel;
+class QListView;
+class QPushButton;
+class QTimer;
+
+namespace Halvern::UI {
+
+class DisclosureButton;
+class FileInfo;
+class FileSequenceEvaluator;
+
+/// A file browser for production work on image sequences: navigation buttons above, a panel for favourites on
+/// the left, the list of files with sequences collapsed, a filename field, options, and the buttons Next,
+/// Open and Cancel below. A host embeds it, reacts to accepted() and rejected(), and reads selectedFiles().
+///
+/// GUI thread only; files are listed on a worker thread of its own. Its controls are found by objectName,
+/// which is the name of their field. Default folders, colours and settings keys are class-wide: every browser
+/// of the process shares them. Nothing throws; a directory that does not exist is ignored.
+class HVCOREUI_EXPORT FileBrowser : public QWidget
+{
+    Q_OBJECT
+
+public:
+    class DirectoryModel;
+    class ProxyModel;
+    class FilesList;
+    class FilesMenu;
+
+    enum class SequenceMode
+    {
+        Collapsed = 0, ///< Numbered files share a row; as class-wide default, paths keep their "#".
+        Expanded = 1   ///< Every file has its row; as class-wide default, paths are given in printf form.
+    };
+
+    enum class SelectionType
+    {
+        Files = 0,       ///< Next takes selected rows only.
+        Directories = 1, ///< Only directories are picked; Next without a selection takes the directory.
+        FilesAndDirectories = 2 ///< Everything is picked; Next without a selection takes the directory.
+    };
+
+    /// Reads the stored settings and sets the stored directory, or the working directory; the files are
+    /// listed when the browser is first shown, if nothing asked for them before. @p parent owns it.
+    explicit FileBrowser(QWidget* parent = nullptr);
+    /// Stores the directory and the preview state.
+    ~FileBrowser() override;
+
+    /// Goes to @p dir: enters it into the history and sets the buttons. Unless @p keepFilename, its path is
+    /// placed in the filename field and fileSelected() emitted for it. @p doRefresh lists it (default of the
+    /// bindings: true). Nothing happens where @p dir does not exist or is the present directory.
+    void setDirectory(QDir dir, bool keepFilename, bool doRefresh);
+    /// The present directory.
+    QDir directory() const { return currentDirectory; }
+    /// Places a path in the filename field, goes to its directory and selects the bare name, so that typing
+    /// replaces it. A name without "/" is relative to the present directory. The listing is not narrowed to
+    /// it.
+    void setFilename(const QString& name);
+    /// Adds patterns like "*.exr *.dpx" to the filter box, and lists again with @p doRefresh.
+    void setFilters(QStringList& filters, bool doRefresh);
+    /// While set, the typed name does not narrow the list, and folders are always listed (default: off).
+    void setFilterBlock(bool block) { filterBlock = block; }
+
+    /// What was chosen, without duplicates: the text of the filename field, or in a browser for several
+    /// selections the selected rows, and the pick list behind it. A sequence is given with its placeholder
+    /// and range, "/shots/img.####.exr 1-100". Names that do not exist are given as they were typed.
+    QStringList selectedFiles() const;
+    /// The paths that were queued with Next and "Add", in that order.
+    const QStringList& pickedFiles() const { return pickList; }
+
+    /// Whether several rows can be selected (default: no). Shows the Next button where they can.
+    void setMultipleSelections(bool multiple);
+    void setSelectionType(SelectionType type) { selectionType = type; }
+    /// Whether names of files that do not exist are acceptable (default: no). Hosts read it; the browser only
+    /// stores it.
+    void setMayNotExist(bool may) { mayNotExist = may; }
+    /// Shows or hides Next, Open and Cancel together.
+    void setButtonsVisible(bool visible);
+    void setAcceptButtonText(const QString& text);
+    void setAcceptButtonTooltip(const QString& text);
+    /// Open is disabled in a new browser, and only its host enables it.
+    void setAcceptButtonEnabled(bool enabled);
+    void setNextButtonEnabled(bool enabled);
+
+    /// Whether sequences can be collapsed (default: yes). Shows or hides the check boxes for it and rebuilds
+    /// the list accordingly; while off, sequence settings are not written.
+    void setSequencesEnabled(bool enabled);
+    /// What the "sequences" box says.
+    SequenceMode getSequenceMode() const;
+    /// Lets @p evaluator decide what a sequence is, null for the built-in rules, and rebuilds the list. The
+    /// caller keeps ownership and the object alive while the browser has it.
+    void setFileSequenceEvaluator(FileSequenceEvaluator* evaluator);
+
+    /// Puts a widget below the browser, shown and hidden with the preview button. It becomes a child and must
+    /// have a slot fileSelected(const Halvern::UI::FileInfo&, QDir).
+    void setPreviewWidget(QWidget* widget);
+
+    /// Gives the settings of list, sort order and directory a namespace of their own, for all browsers of the
+    /// process, and reads them: "render" gives keys like "FileBrowser/render/sortorder". Empty: no effect.
+    void buildSettingsNamespace(const QString& ns);
+    /// Reads sequence display, sort order and directory from the settings again.
+    void updateFromPreferences();
+
+    void removeListDuplicates(QStringList& list) const { list.removeDuplicates(); }
+
+    /// Turns the frame placeholder from the first to the last "#" into a printf token: "img.####.exr" gives
+    /// "img.%04d.exr", "img.#.exr" gives "img.%d.exr". Text without "#" is returned as it is.
+    static QString replaceHashes(const QString& name);
+    /// replaceHashes() where the default sequence mode is Expanded, else @p name.
+    static QString normalizeFile(const QString& name);
+
+    /// The colour behind the row under the mouse; black by default. Colours may be set from any thread.
+    static void SetHighlightColor(const QColor& colour);
+    static const QColor& GetHightlightColor() { return _highlightColor; }
+    /// The colour behind rows that are in the pick list; red by default.
+    static void SetQueuedColor(const QColor& colour);
+    static const QColor& GetQueuedColor() { return _alreadyQueuedColor; }
+    /// Whether a new browser opens where the last one was (default: yes) or in the working directory.
+    static void SetUseLastSavedDir(bool use) { _useLastSavedDir = use; }
+    static bool GetUseLastSavedDir() { return _useLastSavedDir; }
+    static void SetDefaultSequenceMode(SequenceMode mode) { _sequenceMode = mode; }
+    static SequenceMode GetDefaultSequenceMode() { return _sequenceMode; }
+    /// Whether unpadded frame numbers of one width are shown with that width (default: no). For browsers that
+    /// are made from then on.
+    static void SetAssumeZeroPadding(bool assume) { _assumeZeroPadding = assume; }
+    /// What a leading "." stands for in typed folders like "./shots/"; by default the working directory.
+    static void SetDefaultPath(const QString& path) { _defaultPath = path; }
+
+signals:
+    /// A directory was entered, a single row selected, or a path typed. @p info lives until the signal
+    /// returns.
+    void fileSelected(const Halvern::UI::FileInfo& info, QDir dir);
+    void fileDoubleClick(const Halvern::UI::FileInfo& info);
+    void fileDoubleClick();
+    /// The preview is about to be shown.
+    void previewOpening();
+    void previewClosed();
+    /// Open, or Return in the filename field.
+    void accepted();
+    /// Cancel.
+    void rejected();
+    /// Never emitted by the browser itself.
+    void textChanged();
+    void filenameTextChanged(QString text);
+
+protected:
+    /// Keys of the filename field: Up and Down move in the list, Tab completes.
+    bool eventFilter(QObject* watched, QEvent* event) override;
+    void showEvent(QShowEvent* event) override;
+
+private slots:
+    void onFileInfoAvailable() {}
+    void filterChanged(QString text);
+    void navigateUp();
+    void navigateBack();
+    void navigateForwards();
+    void showPreview(bool state);
+    void showSequences(bool state);
+    void splitIncompleteSequences(bool state);
+    void autoComplete(QString text);
+    void fileSelectionChanged();
+    void fileClicked(QModelIndex index);
+    void newFolder();
+    void refresh();
+    void fileDoubleClicked(QModelIndex index);
+    void hoverItem(QModelIndex index);
+    void managerRefreshList();
+    void managerFilesUpdated(int start, int end);
+    void addItemToQueue();
+    void removeItemFromQueue();
+    void deleteItem() {}
+    void refreshDirectory();
+    void fileMenuClosed();
+    void sortingChanged(int region, Qt::SortOrder sort);
+    virtual void nextClicked();
+    virtual void accept();
+    virtual void reject();
+    void loadDirectorySettings();
+    void showArrivedAttributes();
+
+private:
+    void initWidgets();
+    void initFavoritesPanel();
+    void initFilesList();
+    void initNavigationButtons();
+    void initOptions();
+    void initDialogButtons();
+    void initLayout();
+    void clearFilterBlock();
+    void loadSortOrder();
+    void updateNavigationButtons();
+    QString typedNamePrefix() const;
+    QString getCommonPrefix() const;
+    void completeTypedName();
+    void _updateSplitSequencesButton();
+    void finishQueueing();
+    QModelIndexList selectedSourceRows() const;
+
+    SelectionType selectionType = SelectionType::Files;
+    bool sequencesEnabled = true;
+    bool mayNotExist = false;
+    bool multipleSelections = false;
+    bool buttonsVisible = true;
+    QListView* favoritesList = nullptr;
+    FilesMenu* filesMenu = nullptr;
+    FilesList* filesList = nullptr;
+    FilePathEdit* filenameEdit = nullptr;
+    QLabel* filterLabel = nullptr;
+    QComboBox* filterCombo = nullptr;
+    QPushButton* upButton = nullptr;
+    QPushButton* backButton = nullptr;
+    QPushButton* forwardButton = nullptr;
+    QPushButton* newFolderButton = nullptr;
+    DisclosureButton* previewButton = nullptr;
+    QCheckBox* sequencesCheck = nullptr;
+    QCheckBox* splitCheck = nullptr;
+    QPushButton* addFavoriteButton = nullptr;
+    QPushButton* editFavoriteButton = nullptr;
+    QPushButton* removeFavoriteButton = nullptr;
+    QStringList pickList;
+    DirectoryModel* directoryModel = nullptr;
+    ProxyModel* proxyModel = nullptr;
+    QDir currentDirectory;
+    QList<QDir> history;
+    int historyIndex = -1;
+    bool hasDirectory = false;
+    QPointer<QWidget> previewWidget;
+    bool filterBlock = false;
+    QPushButton* openButton = nullptr;
+    QPushButton* nextButton = nullptr;
+    QPushButton* cancelButton = nullptr;
+    QGridLayout* mainLayout = nullptr;
+    bool listed = false; // refresh() ran at least once
+    QTimer* attributesTimer =
+        nullptr; // brings attributes that arrived to the list, several batches at a time
+
+    static QColor _highlightColor;
+    static QColor _alreadyQueuedColor;
+    static bool _useLastSavedDir;
+    static SequenceMode _sequenceMode;
+    static bool _assumeZeroPadding;
+    static QString _defaultPath;
+    static QString _orderLogicalIndexIdentifier;
+    static QString _sortOrderIdentifier;
+    static QString _sequencesIdentifier;
+    static QString _splitSequencesIdentifier;
+    static QString _directoryIdentifier;
+    static QString _previewIdentifier;
+};
+
+} // namespace Halvern::UI

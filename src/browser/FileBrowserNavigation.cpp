@@ -1,0 +1,347 @@
+// Where the browser is: directories, history, the filename field and the listing that follows them.
+
+#include "browser/FileBrowser.h"
+
+#include "browser/DirectoryModel.h"
+#include "browser/FilesList.h"
+#include "browser/ProxyModel.h"
+#include "dialog/FilePathEdit.h"
+#include "widgets/AppSettings.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QElapsedTimer>
+#include <QFileInfo>
+#include <QInputDialog>
+#include <QKeyEvent>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QTimer>
+
+namespace Halvern::UI {
+
+void FileBrowser::setDirectory(QDir dir, bool keepFilename, bool doRefresh)
+{
+    if ((hasDirectory && dir == currentDirectory) || !dir.exists())
+        return;
+    currentDirectory = dir;
+    hasDirectory = true;
+    // Back and forward set the index first and find the directory there already.
+    if (historyIndex < 0 || history.value(historyIndex) != dir) {
+        while (history.size() > historyIndex + 1)
+            history.removeLast();
+        history.append(dir);
+        ++historyIndex;
+    }
+    updateNavigationButtons();
+    if (!keepFilename) {
+        QString path = dir.absolutePath();
+        if (!path.endsWith(QLatin1Char('/')))
+            path += QLatin1Char('/');
+        filenameEdit->setText(path);
+        emit fileSelected(FileInfo(dir.path().toUtf8().constData(), false), currentDirectory);
+    }
+    if (doRefresh)
+        refresh();
+}
+
+void FileBrowser::updateNavigationButtons()
+{
+    forwardButton->setEnabled(historyIndex < history.size() - 1);
+    backButton->setEnabled(historyIndex >= 1);
+    upButton->setEnabled(currentDirectory != QDir(QDir::rootPath()));
+}
+
+void FileBrowser::navigateBack()
+{
+    if (historyIndex > 0)
+        setDirectory(history.at(--historyIndex), false, true);
+}
+
+void FileBrowser::navigateForwards()
+{
+    if (historyIndex < history.size() - 1)
+        setDirectory(history.at(++historyIndex), false, true);
+}
+
+void FileBrowser::navigateUp()
+{
+    constexpr int MostSteps = 100;
+    QDir parent = currentDirectory;
+    bool found = parent.cdUp();
+    for (int step = 0; !found && step < MostSteps; ++step) {
+        parent.setPath(parent.absolutePath() + QLatin1String("/.."));
+        parent.makeAbsolute();
+        found = parent.exists();
+    }
+    if (found)
+        setDirectory(parent, false, true);
+}
+
+// The part of the filename field behind its last separator, which narrows the listing.
+QString FileBrowser::typedNamePrefix() const
+{
+    const QString text = filenameEdit->text();
+    int separator = text.lastIndexOf(QLatin1Char('/'));
+    if (separator < 0 || text.endsWith(QLatin1Char('\\')))
+        separator = text.lastIndexOf(QLatin1Char('\\'));
+    return text.mid(separator + 1);
+}
+
+void FileBrowser::refresh()
+{
+    listed = true;
+    proxyModel->setNamePrefix(QString());
+    directoryModel->setDirectory(currentDirectory, getSequenceMode(), false);
+    proxyModel->setFilterBlocked(filterBlock);
+    proxyModel->setNamePrefix(typedNamePrefix());
+    proxyModel->setFilterPattern(filterCombo->currentText());
+    proxyModel->apply();
+    filesList->clearSelection();
+    if (proxyModel->rowCount() != 1)
+        return;
+    const QModelIndex only = proxyModel->index(0, 0);
+    const FileInfo* info = directoryModel->entry(proxyModel->mapToSource(only).row());
+    if (info &&
+        directoryModel->getFullFilePath(*info).compare(filenameEdit->text(), Qt::CaseInsensitive) == 0)
+        filesList->setCurrentIndex(only);
+}
+
+void FileBrowser::showEvent(QShowEvent* event)
+{
+    QWidget::showEvent(event);
+    if (!listed)
+        refresh();
+}
+
+void FileBrowser::refreshDirectory()
+{
+    directoryModel->refreshList();
+}
+
+void FileBrowser::setFilename(const QString& name)
+{
+    const bool hasFolder = name.contains(QLatin1Char('/'));
+    const QFileInfo info = hasFolder ? QFileInfo(name) : QFileInfo(currentDirectory, name);
+    setDirectory(info.dir(), false, true);
+    const QString path = info.filePath();
+    const int nameLength = info.fileName().length();
+    filenameEdit->setText(path);
+    filenameEdit->setFocus(Qt::OtherFocusReason);
+    filenameEdit->setSelection(path.length() - nameLength, nameLength);
+    if (!name.isEmpty() && !name.endsWith(QLatin1Char('/')))
+        setFilterBlock(true);
+}
+
+// Typing and filtering narrow the listing again after setFilename().
+void FileBrowser::clearFilterBlock()
+{
+    if (!filterBlock)
+        return;
+    filterBlock = false;
+    proxyModel->setFilterBlocked(false);
+}
+
+void FileBrowser::autoComplete(QString text)
+{
+    QFileInfo info(text);
+    clearFilterBlock();
+    const bool home = text == QLatin1String("~/");
+    if (home) {
+        setDirectory(QDir(QDir::homePath()), false, true);
+        info = QFileInfo(QDir::home().absolutePath() + QLatin1Char('/'));
+    }
+    if (!home && text.endsWith(QLatin1Char('/'))) {
+        QString folder = text;
+        if (text.startsWith(QLatin1String("./")) && !_defaultPath.isEmpty())
+            folder.replace(0, 1, _defaultPath);
+        setDirectory(QDir(folder), true, true);
+    } else {
+        setDirectory(info.dir(), true, true);
+    }
+    emit fileSelected(FileInfo(info), currentDirectory);
+    refresh();
+}
+
+bool FileBrowser::eventFilter(QObject* /*watched*/, QEvent* event)
+{
+    if (event->type() != QEvent::KeyPress)
+        return false;
+    switch (static_cast<QKeyEvent*>(event)->key()) {
+    case Qt::Key_Up:
+        filesList->setCurrentIndex(filesList->rowAbove());
+        return true;
+    case Qt::Key_Down:
+        filesList->setCurrentIndex(filesList->rowBelow());
+        return true;
+    case Qt::Key_Tab:
+        completeTypedName();
+        return true;
+    default:
+        return false;
+    }
+}
+
+void FileBrowser::completeTypedName()
+{
+    QString prefix = getCommonPrefix();
+    if (prefix.isEmpty())
+        return;
+    if (prefix.endsWith(QLatin1Char('/')))
+        prefix.chop(1);
+    if (QFileInfo(currentDirectory, prefix).isDir())
+        prefix += QLatin1Char('/');
+    const QString path = currentDirectory.filePath(prefix);
+    filenameEdit->setText(path);
+    autoComplete(path);
+}
+
+QString FileBrowser::getCommonPrefix() const
+{
+    const int rows = proxyModel->rowCount();
+    if (rows < 1)
+        return {};
+    const QString first = proxyModel->index(0, 0).data().toString();
+    const QString firstLower = first.toLower();
+    int length = first.length();
+    for (int row = 1; row < rows; ++row) {
+        const QString other = proxyModel->index(row, 0).data().toString().toLower();
+        length = qMin(length, other.length());
+        if (length < 1)
+            break;
+        int agreeing = 0;
+        while (agreeing < length && agreeing < firstLower.length() &&
+               firstLower.at(agreeing) == other.at(agreeing))
+            ++agreeing;
+        // A row that shares nothing ends the comparison with the length that was reached before it.
+        if (agreeing == 0)
+            break;
+        length = agreeing;
+    }
+    return first.left(length);
+}
+
+void FileBrowser::newFolder()
+{
+    const QString name = QInputDialog::getText(this, tr("New Folder"), tr("New Folder Name"),
+                                               QLineEdit::Normal, QStringLiteral("New Folder"));
+    if (name.isEmpty())
+        return;
+    if (!currentDirectory.mkdir(name)) {
+        QMessageBox box(QMessageBox::Warning, tr("New Folder"), tr("Can't create folder ") + name,
+                        QMessageBox::Ok, this);
+        box.setTextFormat(Qt::PlainText);
+        box.exec();
+        return;
+    }
+    QDir created = currentDirectory;
+    if (created.cd(name))
+        setDirectory(created, false, true);
+    refresh();
+}
+
+void FileBrowser::setFilters(QStringList& filters, bool doRefresh)
+{
+    {
+        const QSignalBlocker blocker(filterCombo);
+        filterCombo->addItems(filters);
+    }
+    if (doRefresh)
+        refresh();
+}
+
+void FileBrowser::filterChanged(QString /*text*/)
+{
+    clearFilterBlock();
+    refresh();
+    proxyModel->apply();
+}
+
+void FileBrowser::showSequences(bool state)
+{
+    splitCheck->setEnabled(state);
+    const SequenceMode mode = state ? SequenceMode::Collapsed : SequenceMode::Expanded;
+    if (sequencesEnabled)
+        AppSettings().setValue(_sequencesIdentifier, static_cast<int>(mode));
+    directoryModel->setSequenceMode(mode);
+    directoryModel->buildRunningList();
+}
+
+void FileBrowser::setSequencesEnabled(bool enabled)
+{
+    sequencesCheck->setVisible(enabled);
+    directoryModel->setSequenceMode(enabled ? SequenceMode::Collapsed : SequenceMode::Expanded);
+    directoryModel->buildRunningList();
+    sequencesEnabled = enabled;
+    _updateSplitSequencesButton();
+}
+
+void FileBrowser::splitIncompleteSequences(bool state)
+{
+    if (sequencesEnabled)
+        AppSettings().setValue(_splitSequencesIdentifier, state);
+    directoryModel->setSplitSequences(state);
+    directoryModel->buildRunningList();
+}
+
+void FileBrowser::_updateSplitSequencesButton()
+{
+    splitCheck->setVisible(sequencesEnabled && !directoryModel->hasEvaluator());
+}
+
+void FileBrowser::setFileSequenceEvaluator(FileSequenceEvaluator* evaluator)
+{
+    directoryModel->setEvaluator(evaluator);
+    directoryModel->buildRunningList();
+    _updateSplitSequencesButton();
+}
+
+FileBrowser::SequenceMode FileBrowser::getSequenceMode() const
+{
+    return sequencesCheck->isChecked() ? SequenceMode::Collapsed : SequenceMode::Expanded;
+}
+
+void FileBrowser::managerRefreshList()
+{
+    attributesTimer->setInterval(0);
+    directoryModel->buildRunningList();
+    const FileInfo folder{QFileInfo(currentDirectory.path())};
+    newFolderButton->setEnabled(folder.isWritable());
+}
+
+void FileBrowser::managerFilesUpdated(int /*start*/, int /*end*/)
+{
+    if (!attributesTimer->isActive())
+        attributesTimer->start();
+}
+
+void FileBrowser::showArrivedAttributes()
+{
+    if (!directoryModel->isListReady())
+        return;
+    // Sorting many rows takes its time; the pause after it leaves the greater part of the thread to the user.
+    constexpr int PauseFactor = 4;
+    constexpr int LongestPause = 1000; // milliseconds
+    QElapsedTimer timer;
+    timer.start();
+    filesList->keepPlace([this] { directoryModel->resetModel(); });
+    attributesTimer->setInterval(qMin(LongestPause, PauseFactor * static_cast<int>(timer.elapsed())));
+}
+
+QString FileBrowser::replaceHashes(const QString& name)
+{
+    const int first = name.indexOf(QLatin1Char('#'));
+    if (first < 0)
+        return name;
+    const int last = name.lastIndexOf(QLatin1Char('#'));
+    const int width = last + 1 - first;
+    const QString digits = width > 1 ? QString(QLatin1Char('0') + QString::number(width)) : QString();
+    return name.left(first) + QLatin1Char('%') + digits + QLatin1Char('d') + name.mid(last + 1);
+}
+
+QString FileBrowser::normalizeFile(const QString& name)
+{
+    return _sequenceMode != SequenceMode::Collapsed ? replaceHashes(name) : name;
+}
+
+} // namespace Halvern::UI

@@ -1,0 +1,79 @@
+// What a browser remembers from one run of the application to the next.
+
+#include "browser/FileBrowser.h"
+
+#include "browser/DirectoryModel.h"
+#include "browser/FilesList.h"
+#include "widgets/AppSettings.h"
+
+#include <QCheckBox>
+#include <QHeaderView>
+
+namespace Halvern::UI {
+
+QString FileBrowser::_orderLogicalIndexIdentifier = QStringLiteral("FileBrowser/orderlogicalindex");
+QString FileBrowser::_sortOrderIdentifier = QStringLiteral("FileBrowser/sortorder");
+QString FileBrowser::_sequencesIdentifier = QStringLiteral("FileBrowser/sequences");
+QString FileBrowser::_splitSequencesIdentifier = QStringLiteral("FileBrowser/splitsequences");
+QString FileBrowser::_directoryIdentifier = QStringLiteral("FileBrowser/directory");
+QString FileBrowser::_previewIdentifier = QStringLiteral("FileBrowser/preview");
+
+void FileBrowser::buildSettingsNamespace(const QString& ns)
+{
+    if (ns.isEmpty())
+        return;
+    const QString prefix = QLatin1String("FileBrowser/") + ns;
+    _orderLogicalIndexIdentifier = prefix + QLatin1String("/orderlogicalindex");
+    _sortOrderIdentifier = prefix + QLatin1String("/sortorder");
+    _sequencesIdentifier = prefix + QLatin1String("/sequences");
+    _splitSequencesIdentifier = prefix + QLatin1String("/splitsequences");
+    _directoryIdentifier = prefix + QLatin1String("/directory");
+    updateFromPreferences();
+}
+
+void FileBrowser::updateFromPreferences()
+{
+    if (sequencesEnabled) {
+        const AppSettings settings;
+        const int mode = settings.value(_sequencesIdentifier, 0).toInt();
+        const bool split = settings.value(_splitSequencesIdentifier, false).toBool();
+        directoryModel->setSplitSequences(split);
+        directoryModel->buildRunningList();
+        splitCheck->setChecked(split);
+        const bool expanded = mode == static_cast<int>(SequenceMode::Expanded);
+        directoryModel->setSequenceMode(expanded ? SequenceMode::Expanded : SequenceMode::Collapsed);
+        directoryModel->buildRunningList();
+        sequencesCheck->setChecked(!expanded);
+    }
+    loadSortOrder();
+    loadDirectorySettings();
+}
+
+void FileBrowser::loadSortOrder()
+{
+    const AppSettings settings;
+    const int column = settings.value(_orderLogicalIndexIdentifier, 0).toInt();
+    const int order = settings.value(_sortOrderIdentifier, 0).toInt();
+    // A column that the list does not have would leave it in the order of the disk.
+    const bool known = column >= 0 && column < DirectoryModel::ColumnCount;
+    filesList->header()->setSortIndicator(
+        known ? column : 0, order == Qt::DescendingOrder ? Qt::DescendingOrder : Qt::AscendingOrder);
+}
+
+void FileBrowser::sortingChanged(int region, Qt::SortOrder sort)
+{
+    AppSettings settings;
+    settings.setValue(_orderLogicalIndexIdentifier, region);
+    settings.setValue(_sortOrderIdentifier, static_cast<int>(sort));
+}
+
+void FileBrowser::loadDirectorySettings()
+{
+    const QVariant stored = AppSettings().value(_directoryIdentifier);
+    const QDir candidate(_useLastSavedDir && stored.isValid() ? stored.toString() : QDir::currentPath());
+    setDirectory(candidate, false, false);
+    if (!candidate.exists())
+        navigateUp();
+}
+
+} // namespace Halvern::UI

@@ -1,0 +1,47 @@
+#pragma once
+
+#include "browser/FileBrowser.h"
+
+#include <QTreeView>
+#include <functional>
+
+namespace Halvern::UI {
+
+/// The view of the files: keyboard navigation through directories, hover, and the pick-list menu on a right
+/// click, which neither selects nor moves the current row.
+class FileBrowser::FilesList : public QTreeView
+{
+    Q_OBJECT
+
+public:
+    explicit FilesList(FileBrowser* owner);
+
+    /// Pixels that the list would like to be wide.
+    void setWidthHint(int width) { widthHint = width; }
+    QSize sizeHint() const override;
+
+    /// The row of the view that was under the mouse when it moved last, -1 for none.
+    int hoveredViewRow() const { return mouseRow; }
+    /// Where the cursor key would go: the index one row above or below the current one.
+    QModelIndex rowAbove() { return moveCursor(MoveUp, Qt::NoModifier); }
+    QModelIndex rowBelow() { return moveCursor(MoveDown, Qt::NoModifier); }
+
+    /// Runs @p reset, which resets the model but leaves its rows as they are, and puts the selection, the
+    /// current row and the scroll position back without announcing a change of them.
+    void keepPlace(const std::function<void()>& reset);
+
+protected:
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void leaveEvent(QEvent* event) override;
+
+private:
+    bool navigates(const QKeyEvent& event);
+
+    FileBrowser* browser;
+    int widthHint = 0;
+    int mouseRow = -1;
+};
+
+} // namespace Halvern::UI

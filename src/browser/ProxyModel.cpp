@@ -1,0 +1,115 @@
+#include "browser/ProxyModel.h"
+
+#include "browser/DirectoryModel.h"
+
+#include <QRegularExpression>
+#include <algorithm>
+#include <cctype>
+#include <cstring>
+
+namespace Halvern::UI {
+
+namespace {
+
+int lowerCase(char byte)
+{
+    return std::tolower(static_cast<unsigned char>(byte));
+}
+
+// Names with equal keys come before each other in both directions, and so does the answer.
+bool nameLess(const FileInfo& left, const FileInfo& right)
+{
+    constexpr std::size_t KeyedLength = 129;
+    if (left.getFilenameLength() < KeyedLength && right.getFilenameLength() < KeyedLength)
+        return std::strcmp(left.getStringSortName(), right.getStringSortName()) <= 0;
+    return std::strcoll(left.displayName(), right.displayName()) <= 0;
+}
+
+bool sizeLess(const FileInfo& left, const FileInfo& right)
+{
+    if (left.isDirectory() != right.isDirectory())
+        return left.isDirectory();
+    if (left.isDirectory() || left.size() == right.size())
+        return nameLess(left, right);
+    return left.size() < right.size();
+}
+
+} // namespace
+
+FileBrowser::ProxyModel::ProxyModel(FileBrowser* owner)
+    : QSortFilterProxyModel(owner)
+    , browser(owner)
+{
+    setDynamicSortFilter(false);
+    setSortCaseSensitivity(Qt::CaseInsensitive);
+    setSourceModel(owner->directoryModel);
+}
+
+void FileBrowser::ProxyModel::setNamePrefix(const QString& text)
+{
+    static const QRegularExpression token(QStringLiteral("(?:%)(\\d*)(?:d)"));
+    QString prefix = text;
+    const QRegularExpressionMatch match = token.match(text);
+    if (match.hasMatch()) {
+        // No name is longer than a name buffer, however wide the token says the frame is.
+        const int width = qBound(1, match.captured(1).toInt(), static_cast<int>(FileInfo::NameSize));
+        prefix.replace(token, QString(width, QLatin1Char('#')));
+    }
+    namePrefix = prefix.toUtf8().constData();
+}
+
+void FileBrowser::ProxyModel::apply()
+{
+    if (browser->directoryModel->isListReady())
+        invalidate();
+}
+
+bool FileBrowser::ProxyModel::filterAcceptsRow(int sourceRow, const QModelIndex& /*sourceParent*/) const
+{
+    const DirectoryModel& model = *browser->directoryModel;
+    if (!model.isListReady())
+        return true;
+    const FileInfo* info = model.entry(sourceRow);
+    if (!info)
+        return false;
+    const char* name = info->displayName();
+    if (!filterPattern.isEmpty()) {
+        if (filterBlocked && name[0] == '.')
+            return false;
+        if (filterBlocked && info->isDirectory())
+            return true;
+        if (!info->isDirectory() && !QDir::match(filterPattern, QString::fromUtf8(info->fileName())))
+            return false;
+    }
+    return filterBlocked || matchesPrefix(name);
+}
+
+bool FileBrowser::ProxyModel::matchesPrefix(const char* name) const
+{
+    if (name[0] == '.' && (namePrefix.empty() || namePrefix[0] != '.'))
+        return false;
+    // A name that ends early differs at its terminator.
+    return (namePrefix.empty() || name[0] != '\0') &&
+           std::equal(namePrefix.begin(), namePrefix.end(), name,
+                      [](char wanted, char present) { return lowerCase(wanted) == lowerCase(present); });
+}
+
+bool FileBrowser::ProxyModel::lessThan(const QModelIndex& left, const QModelIndex& right) const
+{
+    const FileInfo* leftInfo = browser->directoryModel->entry(left.row());
+    const FileInfo* rightInfo = browser->directoryModel->entry(right.row());
+    if (left.column() != right.column() || !leftInfo || !rightInfo)
+        return false;
+    switch (left.column()) {
+    case DirectoryModel::NameColumn:
+        return nameLess(*leftInfo, *rightInfo);
+    case DirectoryModel::SizeColumn:
+        return sizeLess(*leftInfo, *rightInfo);
+    case DirectoryModel::ModifiedColumn:
+        return leftInfo->modificationTime() < rightInfo->modificationTime();
+    default:
+        return false;
+    }
+}
+
+} // namespace Halvern::UI

@@ -1,0 +1,45 @@
+#pragma once
+
+#include "browser/FileBrowser.h"
+
+#include <QSortFilterProxyModel>
+#include <string>
+
+namespace Halvern::UI {
+
+/// Filters and orders the rows of a DirectoryModel: hides names that begin with ".", applies the wildcard
+/// filter and the typed name prefix, and sorts. It filters and sorts when it is told to, not when data
+/// change.
+class FileBrowser::ProxyModel : public QSortFilterProxyModel
+{
+    Q_OBJECT
+
+public:
+    explicit ProxyModel(FileBrowser* owner);
+
+    /// Rows must begin with @p text in any letter case; a leading "." shows hidden names too. printf tokens
+    /// become the "#" of listed sequences: "shot.%04d" stands for "shot.####".
+    void setNamePrefix(const QString& text);
+    /// The prefix as rows are compared with it, UTF-8.
+    const std::string& prefix() const { return namePrefix; }
+    /// Wildcard patterns, separated by blanks or semicolons, that files must match; empty for all.
+    void setFilterPattern(const QString& patterns) { filterPattern = patterns; }
+    /// While set, folders always pass and the name prefix is not looked at.
+    void setFilterBlocked(bool blocked) { filterBlocked = blocked; }
+    /// Filters and sorts afresh. While a read is under way nothing happens: the rows are built anew after it.
+    void apply();
+
+protected:
+    bool filterAcceptsRow(int sourceRow, const QModelIndex& sourceParent) const override;
+    bool lessThan(const QModelIndex& left, const QModelIndex& right) const override;
+
+private:
+    bool matchesPrefix(const char* name) const;
+
+    std::string namePrefix;
+    QString filterPattern;
+    FileBrowser* browser;
+    bool filterBlocked = false;
+};
+
+} // namespace Halvern::UI
