@@ -12,6 +12,7 @@ set(COREUI_PUBLIC_HEADERS
     catalogue/FileManager.h
     catalogue/FileSequenceEvaluator.h
     catalogue/FrameRange.h
+    dialog/FileDialog.h
     dialog/FilePathEdit.h
     dialog/Filename.h
     widgets/AppSettings.h

@@ -1,8 +1,8 @@
-// Opens the file browser on a directory and prints what was chosen.
+// Opens the file dialog on a directory and prints what was chosen.
 //
 // Exit status: 0 after Open, 1 after Cancel, 2 for a directory that does not exist or a wrong option.
 
-#include "browser/FileBrowser.h"
+#include "dialog/FileDialog.h"
 
 #include <QApplication>
 #include <QCheckBox>
@@ -11,13 +11,12 @@
 #include <QElapsedTimer>
 #include <QFile>
 #include <QFileInfo>
-#include <QTextStream>
-#include <QTimer>
 #include <QTreeView>
-#include <cstdio>
 #include <iostream>
+#include <optional>
 
 using Halvern::UI::FileBrowser;
+using Halvern::UI::FileDialog;
 
 namespace {
 
@@ -72,61 +71,40 @@ void printRows(const QAbstractItemModel& rows)
     std::cout.flush();
 }
 
-// The browser leaves it to its host when Open may be pressed.
-void enableOpenAsChosen(FileBrowser& browser, FileBrowser::SelectionType type)
+struct Options
 {
-    QObject::connect(&browser, &FileBrowser::filenameTextChanged, &browser,
-                     [&browser, type](const QString& text) {
-                         const bool directory = text.endsWith(QLatin1Char('/')) || QFileInfo(text).isDir();
-                         const bool wanted = (type == FileBrowser::SelectionType::Directories) == directory;
-                         browser.setAcceptButtonEnabled(!text.isEmpty() && wanted);
-                     });
-}
+    bool list = false;
+    bool expanded = false;
+    bool multiple = false;
+    bool directories = false;
+    QString screenshot;
+    QString filter;
+    QString directory;
 
-int run(FileBrowser& browser)
+    bool isInteractive() const { return !list && screenshot.isEmpty(); }
+    bool needsWindow() const { return !list || !screenshot.isEmpty(); }
+};
+
+// Reads the command line; a status where the program ends with it.
+std::optional<int> parse(const QStringList& arguments, Options& options)
 {
-    int status = Cancelled;
-    QObject::connect(&browser, &FileBrowser::accepted, &browser, [&] {
-        for (const QString& path : browser.selectedFiles())
-            printLine(path);
-        std::cout.flush();
-        status = Opened;
-        browser.close();
-    });
-    QObject::connect(&browser, &FileBrowser::rejected, &browser, &QWidget::close);
-    browser.activateWindow();
-    QApplication::exec();
-    return status;
-}
-
-} // namespace
-
-int main(int argc, char** argv)
-{
-    QStringList arguments;
-    for (int i = 0; i < argc; ++i)
-        arguments.append(QString::fromLocal8Bit(argv[i]));
+    const auto text = [](const char* latin) { return QString::fromLatin1(latin); };
+    const QCommandLineOption list(text("list"), text("Print the rows and exit."));
+    const QCommandLineOption screenshot(text("screenshot"), text("Write a picture of the window and exit."),
+                                        text("FILE"));
+    const QCommandLineOption filter(
+        text("filter"), text("List matching files only, for example \"*.exr *.dpx\"."), text("PATTERNS"));
+    const QCommandLineOption expanded(text("expanded"), text("List every frame of a sequence."));
+    const QCommandLineOption multiple(text("multiple"), text("Choose several files."));
+    const QCommandLineOption directories(text("directories"), text("Choose directories."));
+    const QCommandLineOption otherwise(text("default"), text("The directory to open where none is named."),
+                                       text("DIRECTORY"), text("."));
     QCommandLineParser parser;
-    parser.setApplicationDescription(QStringLiteral("Opens the file browser and prints the chosen paths."));
+    parser.setApplicationDescription(text("Opens the file dialog and prints the chosen paths."));
     const QCommandLineOption help = parser.addHelpOption();
-    const QCommandLineOption list(QStringLiteral("list"), QStringLiteral("Print the rows and exit."));
-    const QCommandLineOption screenshot(QStringLiteral("screenshot"),
-                                        QStringLiteral("Write a picture of the window and exit."),
-                                        QStringLiteral("FILE"));
-    const QCommandLineOption filter(QStringLiteral("filter"),
-                                    QStringLiteral("List matching files only, for example \"*.exr *.dpx\"."),
-                                    QStringLiteral("PATTERNS"));
-    const QCommandLineOption expanded(QStringLiteral("expanded"),
-                                      QStringLiteral("List every frame of a sequence."));
-    const QCommandLineOption multiple(QStringLiteral("multiple"), QStringLiteral("Choose several files."));
-    const QCommandLineOption directories(QStringLiteral("directories"),
-                                         QStringLiteral("Choose directories."));
-    const QCommandLineOption otherwise(QStringLiteral("default"),
-                                       QStringLiteral("The directory to open where none is named."),
-                                       QStringLiteral("DIRECTORY"), QStringLiteral("."));
     parser.addOptions({list, screenshot, filter, expanded, multiple, directories, otherwise});
-    parser.addPositionalArgument(QStringLiteral("directory"), QStringLiteral("The directory to open."),
-                                 QStringLiteral("[DIRECTORY]"));
+    parser.addPositionalArgument(text("directory"), text("The directory to open."), text("[DIRECTORY]"));
+
     const bool understood = parser.parse(arguments);
     if (parser.isSet(help)) {
         std::cout << parser.helpText().toLocal8Bit().constData();
@@ -134,47 +112,81 @@ int main(int argc, char** argv)
     }
     if (!understood)
         return fail(parser.errorText());
-    if (parser.positionalArguments().size() > 1)
-        return fail(QStringLiteral("more than one directory"));
-    const QString path = parser.positionalArguments().isEmpty() ? parser.value(otherwise)
-                                                                : parser.positionalArguments().first();
-    if (!QFileInfo(path).isDir())
-        return fail(path + QStringLiteral(": no such directory"));
+    const QStringList named = parser.positionalArguments();
+    if (named.size() > 1)
+        return fail(text("more than one directory"));
+    options.list = parser.isSet(list);
+    options.expanded = parser.isSet(expanded);
+    options.multiple = parser.isSet(multiple);
+    options.directories = parser.isSet(directories);
+    options.screenshot = parser.value(screenshot);
+    options.filter = parser.value(filter);
+    options.directory = named.isEmpty() ? parser.value(otherwise) : named.first();
+    if (!QFileInfo(options.directory).isDir())
+        return fail(options.directory + text(": no such directory"));
+    return std::nullopt;
+}
 
-    const bool printsOnly = parser.isSet(list) && !parser.isSet(screenshot);
-    if (printsOnly)
+void configure(FileDialog& dialog, const Options& options)
+{
+    dialog.setWindowTitle(QStringLiteral("Browse"));
+    dialog.setSelectionType(options.directories ? FileBrowser::SelectionType::Directories
+                                                : FileBrowser::SelectionType::Files);
+    dialog.setMultipleSelections(options.multiple);
+    dialog.setSequencesEnabled(true);
+    if (options.expanded)
+        dialog.findChild<QCheckBox*>(QStringLiteral("sequencesCheck"))->setChecked(false);
+    if (!options.filter.isEmpty()) {
+        QStringList patterns(options.filter);
+        dialog.setFilters(patterns, false);
+    }
+    dialog.setDirectory(QDir(options.directory), false, false);
+}
+
+// Prints and pictures what the list shows, without anybody at the keyboard.
+int report(FileDialog& dialog, const Options& options)
+{
+    if (options.needsWindow()) {
+        dialog.resize(1100, 600);
+        dialog.show();
+    } else {
+        dialog.refreshWidget();
+    }
+    QAbstractItemModel& rows = *dialog.findChild<QTreeView*>(QStringLiteral("filesList"))->model();
+    waitForRows(rows);
+    if (options.list)
+        printRows(rows);
+    if (!options.screenshot.isEmpty() && !dialog.grab().save(options.screenshot))
+        return fail(options.screenshot + QStringLiteral(": cannot write the picture"));
+    return Opened;
+}
+
+int choose(FileDialog& dialog)
+{
+    if (dialog.exec() != QDialog::Accepted)
+        return Cancelled;
+    for (const QString& path : dialog.selectedFiles())
+        printLine(path);
+    std::cout.flush();
+    return Opened;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    Options options;
+    {
+        // What kind of application is needed is known only after the command line was read.
+        const QCoreApplication reader(argc, argv);
+        if (const auto status = parse(reader.arguments(), options))
+            return *status;
+    }
+    if (!options.needsWindow())
         qputenv("QT_QPA_PLATFORM", "offscreen");
     const QApplication application(argc, argv);
-
-    const auto type = parser.isSet(directories) ? FileBrowser::SelectionType::Directories
-                                                : FileBrowser::SelectionType::Files;
     FileBrowser::SetUseLastSavedDir(false);
-    FileBrowser browser;
-    browser.setWindowTitle(QStringLiteral("Browse"));
-    browser.setSelectionType(type);
-    browser.setMultipleSelections(parser.isSet(multiple));
-    browser.setSequencesEnabled(true);
-    if (parser.isSet(expanded))
-        browser.findChild<QCheckBox*>(QStringLiteral("sequencesCheck"))->setChecked(false);
-    if (parser.isSet(filter)) {
-        QStringList patterns(parser.value(filter));
-        browser.setFilters(patterns, false);
-    }
-    enableOpenAsChosen(browser, type);
-    browser.setDirectory(QDir(path), false, false);
-    browser.resize(1100, 600);
-    if (printsOnly)
-        QMetaObject::invokeMethod(&browser, "refresh");
-    else
-        browser.show();
-    if (!parser.isSet(list) && !parser.isSet(screenshot))
-        return run(browser);
-
-    QAbstractItemModel& rows = *browser.findChild<QTreeView*>(QStringLiteral("filesList"))->model();
-    waitForRows(rows);
-    if (parser.isSet(list))
-        printRows(rows);
-    if (parser.isSet(screenshot) && !browser.grab().save(parser.value(screenshot)))
-        return fail(parser.value(screenshot) + QStringLiteral(": cannot write the picture"));
-    return Opened;
+    FileDialog dialog;
+    configure(dialog, options);
+    return options.isInteractive() ? choose(dialog) : report(dialog, options);
 }

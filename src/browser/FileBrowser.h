@@ -21,6 +21,7 @@ class QTimer;
 namespace Halvern::UI {
 
 class DisclosureButton;
+class FileDialog;
 class FileInfo;
 class FileSequenceEvaluator;
 
@@ -47,12 +48,15 @@ public:
         Expanded = 1   ///< Every file has its row; as class-wide default, paths are given in printf form.
     };
 
+    Q_ENUM(SequenceMode)
+
     enum class SelectionType
     {
         Files = 0,       ///< Next takes selected rows only.
         Directories = 1, ///< Only directories are picked; Next without a selection takes the directory.
         FilesAndDirectories = 2 ///< Everything is picked; Next without a selection takes the directory.
     };
+    Q_ENUM(SelectionType)
 
     /// Reads the stored settings and sets the stored directory, or the working directory; the files are
     /// listed when the browser is first shown, if nothing asked for them before. @p parent owns it.
@@ -193,6 +197,8 @@ private slots:
     void showArrivedAttributes();
 
 private:
+    friend class FileDialog;
+
     void initWidgets();
     void initFavoritesPanel();
     void initFilesList();
@@ -260,6 +266,7 @@ private:
     static QString _splitSequencesIdentifier;
     static QString _directoryIdentifier;
     static QString _previewIdentifier;
+    static QString _sizeIdentifier;
 };
 
 } // namespace Halvern::UI

@@ -17,6 +17,7 @@ QString FileBrowser::_sequencesIdentifier = QStringLiteral("FileBrowser/sequence
 QString FileBrowser::_splitSequencesIdentifier = QStringLiteral("FileBrowser/splitsequences");
 QString FileBrowser::_directoryIdentifier = QStringLiteral("FileBrowser/directory");
 QString FileBrowser::_previewIdentifier = QStringLiteral("FileBrowser/preview");
+QString FileBrowser::_sizeIdentifier = QStringLiteral("FileBrowser/size");
 
 void FileBrowser::buildSettingsNamespace(const QString& ns)
 {

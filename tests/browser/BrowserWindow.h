@@ -63,6 +63,7 @@ public:
     }
     void focusList()
     {
+        QApplication::setActiveWindow(&browser);
         list()->setFocus();
         QTRY_VERIFY(list()->hasFocus());
     }

@@ -17,7 +17,7 @@ public:
     /// fails if it does not.
     static void expectWarning(const QString& pattern);
 
-private slots:
+protected slots:
     void initTestCase();
     void cleanup();
     void cleanupTestCase();

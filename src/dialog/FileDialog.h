@@ -1,0 +1,72 @@
+#pragma once
+
+#include "base/Export.h"
+#include "browser/FileBrowser.h"
+
+#include <QDialog>
+
+namespace Halvern::UI {
+
+/// A dialog around one FileBrowser: it decides after every change of the selection whether Open and Next may
+/// be pressed, remembers its size from one run to the next, and takes a file that is dropped on it.
+///
+/// The host makes it, runs it with exec(), reads selectedFiles() after it was accepted, and destroys it;
+/// title and place are the host's. Configuration calls go to the browser's member of the same name, which
+/// documents them.
+class HVCOREUI_EXPORT FileDialog : public QDialog
+{
+    Q_OBJECT
+
+public:
+    /// The texts name the Open button and its tooltip, as Latin-1; null leaves what the browser has.
+    explicit FileDialog(QWidget* parent = nullptr, const char* acceptText = nullptr,
+                        const char* acceptTooltip = nullptr);
+    /// Stores the size; the browser stores what it remembers.
+    ~FileDialog() override;
+
+    void setFilterBlock(bool block);
+    void setDirectory(const QDir& dir, bool keepFilename, bool doRefresh);
+    void setFilename(const QString& name);
+    void setFilters(QStringList& filters, bool doRefresh);
+    /// While the preview is open the dialog may be larger; when it closes the dialog gets back the size that
+    /// it had when the preview opened.
+    void setPreviewWidget(QWidget* widget);
+    void setSelectionType(FileBrowser::SelectionType type);
+    void setSequencesEnabled(bool enabled);
+    /// Whether Open may be pressed for a name that does not exist.
+    void setMayNotExist(bool may);
+    void setMultipleSelections(bool multiple);
+    void buildSettingsNamespace(const QString& ns);
+    QDir directory() const;
+    QStringList selectedFiles() const;
+    /// Applies the filename field and the filter to the list again, and then the state of the buttons.
+    void refreshWidget();
+
+    /// The browser that fills the dialog, owned by it.
+    FileBrowser* fileBrowser() const { return browser; }
+
+    /// Shows the dialog with the filename field as it was prepared: what is selected in it stays selected.
+    void setVisible(bool visible) override;
+
+protected:
+    /// Accepts the drag of exactly one local file.
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    /// Places the path of the first file in the filename field.
+    void dropEvent(QDropEvent* event) override;
+
+private slots:
+    void fileSelectionChanged();
+    void fileDoubleClicked(const Halvern::UI::FileInfo& info);
+    void resetFileFilter();
+    void onPreviewOpening();
+    void onPreviewClosed();
+
+private:
+    bool isAcceptable(const FileInfo& info) const;
+    bool selectionIsAcceptable() const;
+
+    FileBrowser* browser;
+    QSize sizeBeforePreview{-1, -1};
+};
+
+} // namespace Halvern::UI
