@@ -39,10 +39,11 @@ void printLine(const QString& text)
 }
 
 // Waits until the rows and their attributes are there: each row has a time, or nothing has changed for a
-// while (a link that points nowhere never gets one).
-void waitForRows(QAbstractItemModel& rows)
+// while (a link that points nowhere never gets one). False where no rows come at all.
+bool waitForRows(QAbstractItemModel& rows)
 {
-    constexpr int QuietTime = 1000; // milliseconds
+    constexpr int ListingTime = 120000; // milliseconds
+    constexpr int QuietTime = 1000;     // milliseconds
     constexpr int ModifiedColumn = 2;
     bool listed = false;
     QElapsedTimer quiet;
@@ -59,9 +60,10 @@ void waitForRows(QAbstractItemModel& rows)
         }
         return true;
     };
-    while (!(listed && complete()) && quiet.elapsed() < QuietTime)
+    while (!(listed && complete()) && quiet.elapsed() < (listed ? QuietTime : ListingTime))
         QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents, 20);
     rows.disconnect(&rows);
+    return listed;
 }
 
 void printRows(const QAbstractItemModel& rows)
@@ -124,6 +126,8 @@ std::optional<int> parse(const QStringList& arguments, Options& options)
     options.directory = named.isEmpty() ? parser.value(otherwise) : named.first();
     if (!QFileInfo(options.directory).isDir())
         return fail(options.directory + text(": no such directory"));
+    if (!QFileInfo(options.directory).isReadable())
+        return fail(options.directory + text(": cannot be read"));
     return std::nullopt;
 }
 
@@ -153,7 +157,8 @@ int report(FileDialog& dialog, const Options& options)
         dialog.refreshWidget();
     }
     QAbstractItemModel& rows = *dialog.findChild<QTreeView*>(QStringLiteral("filesList"))->model();
-    waitForRows(rows);
+    if (!waitForRows(rows))
+        return fail(options.directory + QStringLiteral(": the directory does not answer"));
     if (options.list)
         printRows(rows);
     if (!options.screenshot.isEmpty() && !dialog.grab().save(options.screenshot))

@@ -16,11 +16,17 @@ install_missing() {
     [ ${#missing[@]} -gt 0 ] || return 0
     echo "Installing ${missing[*]}" >&2
     local as_root=()
-    [ "$(id -u)" = 0 ] || as_root=(sudo)
+    if [ "$(id -u)" != 0 ]; then
+        command -v sudo >/dev/null || {
+            echo "Neither root nor sudo: install these packages first." >&2
+            return 1
+        }
+        as_root=(sudo)
+    fi
     {
-        "${as_root[@]}" apt-get update
-        "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
-            apt-get install -y --no-install-recommends "${missing[@]}"
+        "${as_root[@]}" apt-get update &&
+            "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
+                apt-get install -y --no-install-recommends "${missing[@]}"
     } >&2
 }
 
@@ -29,8 +35,8 @@ build() {
     local preset=$1
     shift
     (
-        cd "$project"
-        cmake --preset "$preset"
-        cmake --build --preset "$preset" ${1:+--target "$@"}
+        cd "$project" &&
+            cmake --preset "$preset" &&
+            cmake --build --preset "$preset" ${1:+--target "$@"}
     ) >&2
 }

@@ -135,9 +135,10 @@ void FileBrowser::DirectoryModel::setDirectory(const QDir& dir, SequenceMode /*m
         hovered = -1;
         browser->filesMenu->forgetItems();
     }
-    if (started)
+    if (started) {
         listReady = false;
-    else if (entriesDied || (!force && dir != directory)) {
+        entriesGeneration = manager.generation();
+    } else if (entriesDied || (!force && dir != directory)) {
         beginResetModel();
         entries.clear();
         entriesGeneration = manager.generation();
@@ -150,8 +151,13 @@ void FileBrowser::DirectoryModel::buildRunningList()
 {
     using Base::FileHandle;
     const bool evaluated = evaluator && sequenceMode != SequenceMode::Expanded;
-    // The host's code runs while the model still stands as it was.
+    const FileInfo* hoveredEntry = entry(hovered);
+    // The host's code runs while the model still stands as it was. Where it made the browser read another
+    // directory, its answer is about entries that are gone.
+    const unsigned generation = manager.generation();
     std::vector<FileInfo*> evaluatedRows = evaluated ? evaluateFiles() : std::vector<FileInfo*>();
+    if (generation != manager.generation())
+        return;
     beginResetModel();
     if (evaluated)
         entries.swap(evaluatedRows);
@@ -162,6 +168,8 @@ void FileBrowser::DirectoryModel::buildRunningList()
                                                           : FileHandle::RegisteredSequences);
     entriesGeneration = manager.generation();
     listReady = true;
+    if (entry(hovered) != hoveredEntry)
+        hovered = -1;
     endResetModel();
 }
 

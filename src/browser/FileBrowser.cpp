@@ -330,6 +330,9 @@ void FileBrowser::setPreviewWidget(QWidget* widget)
     const QVariant open = AppSettings().value(_previewIdentifier);
     if (open.isValid())
         previewButton->setChecked(open.toBool());
+    // A layout shows what is added to it; the button says otherwise.
+    if (!previewButton->isChecked())
+        widget->hide();
 }
 
 void FileBrowser::showPreview(bool state)

@@ -8,6 +8,7 @@
 #include "dialog/FilePathEdit.h"
 #include "widgets/AppSettings.h"
 
+#include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QElapsedTimer>
@@ -254,7 +255,6 @@ void FileBrowser::filterChanged(QString /*text*/)
 {
     clearFilterBlock();
     refresh();
-    proxyModel->apply();
 }
 
 void FileBrowser::showSequences(bool state)
@@ -319,13 +319,18 @@ void FileBrowser::showArrivedAttributes()
 {
     if (!directoryModel->isListReady())
         return;
+    // A row that goes between press and release takes the click with it.
+    constexpr int ClickTime = 50; // milliseconds
+    if (QApplication::mouseButtons() != Qt::NoButton) {
+        attributesTimer->start(ClickTime);
+        return;
+    }
     // Sorting many rows takes its time; the pause after it leaves the greater part of the thread to the user.
     constexpr int PauseFactor = 4;
-    constexpr int LongestPause = 1000; // milliseconds
     QElapsedTimer timer;
     timer.start();
     filesList->keepPlace([this] { directoryModel->resetModel(); });
-    attributesTimer->setInterval(qMin(LongestPause, PauseFactor * static_cast<int>(timer.elapsed())));
+    attributesTimer->setInterval(PauseFactor * static_cast<int>(timer.elapsed()));
 }
 
 QString FileBrowser::replaceHashes(const QString& name)

@@ -46,11 +46,13 @@ void FileBrowser::fileSelectionChanged()
     const int row = rows.first().row();
     filenameEdit->setText(normalizeFile(directoryModel->getFullFilePath(row)));
     // Whoever listens to the field may have gone to another directory by now.
-    const FileInfo* info = directoryModel->entry(row);
-    if (!info)
+    const FileInfo* entry = directoryModel->entry(row);
+    if (!entry)
         return;
+    // A copy: a receiver that changes the directory would take the entry from those behind it.
+    const FileInfo info = *entry;
     const QSignalBlocker blocker(filenameEdit);
-    emit fileSelected(*info, currentDirectory);
+    emit fileSelected(info, currentDirectory);
 }
 
 void FileBrowser::fileClicked(QModelIndex index)
@@ -62,10 +64,11 @@ void FileBrowser::fileClicked(QModelIndex index)
 
 void FileBrowser::fileDoubleClicked(QModelIndex index)
 {
-    const FileInfo* info = directoryModel->entry(proxyModel->mapToSource(index).row());
-    if (!info)
+    const FileInfo* entry = directoryModel->entry(proxyModel->mapToSource(index).row());
+    if (!entry)
         return;
-    emit fileDoubleClick(*info);
+    const FileInfo info = *entry;
+    emit fileDoubleClick(info);
     emit fileDoubleClick();
 }
 
@@ -88,7 +91,8 @@ void FileBrowser::nextClicked()
         selectionType == SelectionType::Directories || selectionType == SelectionType::FilesAndDirectories;
     if (rows.isEmpty() && takesDirectory)
         pickList.append(normalizeFile(directory().absolutePath()));
-    finishQueueing();
+    // The selection stays, so that a second press is about the same rows.
+    filesList->keepPlace([this] { finishQueueing(); });
 }
 
 void FileBrowser::addItemToQueue()

@@ -99,13 +99,13 @@ void FileBrowser::FilesList::keepPlace(const std::function<void()>& reset)
     };
     std::transform(selected.begin(), selected.end(), selected.begin(), viewRow);
     std::sort(selected.begin(), selected.end());
+    selected.erase(selected.begin(), std::lower_bound(selected.begin(), selected.end(), 0));
     QItemSelection selection;
     for (std::size_t from = 0, to = 0; from < selected.size(); from = to) {
         for (to = from + 1; to < selected.size() && selected[to] == selected[to - 1] + 1;)
             ++to;
-        if (selected[from] >= 0)
-            selection.select(proxy.index(selected[from], 0),
-                             proxy.index(selected[to - 1], DirectoryModel::ColumnCount - 1));
+        selection.select(proxy.index(selected[from], 0),
+                         proxy.index(selected[to - 1], DirectoryModel::ColumnCount - 1));
     }
     const QSignalBlocker blocker(selectionModel());
     selectionModel()->select(selection, QItemSelectionModel::ClearAndSelect);

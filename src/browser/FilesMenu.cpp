@@ -27,9 +27,12 @@ void FileBrowser::FilesMenu::defaultSetup()
 {
     connect(this, SIGNAL(aboutToHide()), browser, SLOT(fileMenuClosed()));
     addAction = makeAction(tr("Add"), SLOT(addItemToQueue()));
+    addAction->setObjectName(QStringLiteral("addAction"));
     addAction->setShortcut(QKeySequence(QStringLiteral("Space")));
     removeAction = makeAction(tr("Remove"), SLOT(removeItemFromQueue()));
+    removeAction->setObjectName(QStringLiteral("removeAction"));
     refreshAction = makeAction(tr("Refresh"), SLOT(refreshDirectory()));
+    refreshAction->setObjectName(QStringLiteral("refreshAction"));
     refreshAction->setShortcut(QKeySequence(QStringLiteral("F5")));
 }
 

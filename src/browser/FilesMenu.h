@@ -34,8 +34,12 @@ public:
     const QList<FileInfo*>& items() const { return editItems; }
     /// "Add" or "Remove" was carried out: the next shortcut collects its items anew.
     void finishEditing() { menuOpen = false; }
-    /// The entries are about to die.
-    void forgetItems() { editItems.clear(); }
+    /// The entries are about to die: the next shortcut collects its items anew.
+    void forgetItems()
+    {
+        editItems.clear();
+        menuOpen = false;
+    }
 
 private:
     QAction* makeAction(const QString& text, const char* slot);

@@ -2,7 +2,6 @@
 
 #include "browser/DirectoryModel.h"
 
-#include <QRegularExpression>
 #include <algorithm>
 #include <cctype>
 #include <cstring>
@@ -58,6 +57,18 @@ void FileBrowser::ProxyModel::setNamePrefix(const QString& text)
     namePrefix = prefix.toUtf8().constData();
 }
 
+// As QDir::match() does it, which would compile the patterns for every row.
+void FileBrowser::ProxyModel::setFilterPattern(const QString& patterns)
+{
+    if (patterns == filterPattern)
+        return;
+    filterPattern = patterns;
+    filterExpressions.clear();
+    for (const QString& pattern : QDir::nameFiltersFromString(patterns))
+        filterExpressions.append(QRegularExpression(QRegularExpression::wildcardToRegularExpression(pattern),
+                                                    QRegularExpression::CaseInsensitiveOption));
+}
+
 void FileBrowser::ProxyModel::apply()
 {
     if (browser->directoryModel->isListReady())
@@ -78,10 +89,17 @@ bool FileBrowser::ProxyModel::filterAcceptsRow(int sourceRow, const QModelIndex&
             return false;
         if (filterBlocked && info->isDirectory())
             return true;
-        if (!info->isDirectory() && !QDir::match(filterPattern, QString::fromUtf8(info->fileName())))
+        if (!info->isDirectory() && !matchesPattern(info->fileName()))
             return false;
     }
     return filterBlocked || matchesPrefix(name);
+}
+
+bool FileBrowser::ProxyModel::matchesPattern(const char* name) const
+{
+    const QString text = QString::fromUtf8(name);
+    return std::any_of(filterExpressions.begin(), filterExpressions.end(),
+                       [&text](const QRegularExpression& one) { return one.match(text).hasMatch(); });
 }
 
 bool FileBrowser::ProxyModel::matchesPrefix(const char* name) const

@@ -2,7 +2,9 @@
 
 #include "browser/FileBrowser.h"
 
+#include <QRegularExpression>
 #include <QSortFilterProxyModel>
+#include <QVector>
 #include <string>
 
 namespace Halvern::UI {
@@ -23,7 +25,7 @@ public:
     /// The prefix as rows are compared with it, UTF-8.
     const std::string& prefix() const { return namePrefix; }
     /// Wildcard patterns, separated by blanks or semicolons, that files must match; empty for all.
-    void setFilterPattern(const QString& patterns) { filterPattern = patterns; }
+    void setFilterPattern(const QString& patterns);
     /// While set, folders always pass and the name prefix is not looked at.
     void setFilterBlocked(bool blocked) { filterBlocked = blocked; }
     /// Filters and sorts afresh. While a read is under way nothing happens: the rows are built anew after it.
@@ -34,10 +36,12 @@ protected:
     bool lessThan(const QModelIndex& left, const QModelIndex& right) const override;
 
 private:
+    bool matchesPattern(const char* name) const;
     bool matchesPrefix(const char* name) const;
 
     std::string namePrefix;
     QString filterPattern;
+    QVector<QRegularExpression> filterExpressions; // one for each pattern of filterPattern
     FileBrowser* browser;
     bool filterBlocked = false;
 };

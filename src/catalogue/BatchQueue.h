@@ -43,9 +43,19 @@ public:
     /// Worker only: completes a batch that holds fewer records. False when there is none.
     bool finish() { return m_filling && publish(); }
 
-    /// Worker only: the complete batches, which stay until reset().
+    /// Worker only: the complete batches, each of which stays until release() or reset().
     std::size_t completeCount() const { return m_complete.load(std::memory_order_relaxed); }
     const Batch& complete(std::size_t index) const { return *m_slots[index]; }
+
+    /// Worker only: the worker is done with a batch, in order. It goes when the GUI thread has taken it too.
+    void release(std::size_t index)
+    {
+        std::shared_ptr<Batch> dropped; // freed when the flag is down again
+        const InUse guard(m_inUse);
+        m_released = index + 1;
+        if (index < m_next)
+            dropped.swap(m_slots[index]);
+    }
 
     /// GUI thread only: the next complete batch, or null. The worker may go on reading it.
     BatchPointer take()
@@ -53,7 +63,8 @@ public:
         if (!hasNext())
             return nullptr;
         const InUse guard(m_inUse);
-        return m_slots[m_next++];
+        std::shared_ptr<Batch>& slot = m_slots[m_next++];
+        return m_next <= m_released ? std::move(slot) : slot;
     }
 
     /// GUI thread only: whether a complete batch waits to be taken.
@@ -65,6 +76,7 @@ public:
     {
         m_complete = 0;
         m_next = 0;
+        m_released = 0;
         m_filling.reset();
         return std::exchange(m_slots, {});
     }
@@ -103,7 +115,8 @@ private:
     std::shared_ptr<Batch> m_filling;            // worker only
     std::vector<std::shared_ptr<Batch>> m_slots; // enlarged by the worker; guarded by m_inUse
     std::atomic<std::size_t> m_complete{0};      // written by the worker, read by both
-    std::size_t m_next = 0;                      // GUI thread only
+    std::size_t m_next = 0;                      // changed by the GUI thread; guarded by m_inUse
+    std::size_t m_released = 0;                  // changed by the worker; guarded by m_inUse
     std::atomic_flag m_inUse = ATOMIC_FLAG_INIT;
 };
 

@@ -4,6 +4,7 @@
 
 #include <dirent.h>
 #include <fcntl.h>
+#include <iterator>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -45,13 +46,20 @@ FileGatherer::~FileGatherer()
 void FileGatherer::prepare(const std::string& directory)
 {
     m_directory = directory;
-    m_discardedNames = m_names.reset();
-    m_infos.reset();
-    m_allNamesRead = false;
-    m_namesAnnounced = false;
+    discardBatches();
     m_endAnnounced = false;
     // Not in run(): a run that is stopped before its thread has begun must not begin after all.
     m_keepRunning = true;
+}
+
+void FileGatherer::discardBatches()
+{
+    auto names = m_names.reset();
+    m_discardedNames.insert(m_discardedNames.end(), std::make_move_iterator(names.begin()),
+                            std::make_move_iterator(names.end()));
+    m_infos.reset();
+    m_allNamesRead = false;
+    m_namesAnnounced = false;
 }
 
 void FileGatherer::startReading(const std::string& directory)
@@ -73,6 +81,7 @@ void FileGatherer::stop()
     m_keepRunning = false;
     wait();
     blockSignals(wereBlocked);
+    discardBatches();
     m_endAnnounced = true;
 }
 
@@ -102,7 +111,10 @@ void FileGatherer::run()
 void FileGatherer::readNames(int folder)
 {
     // The stream closes the descriptor it is given, and the attributes are read after it.
-    DIR* stream = folder >= 0 ? ::fdopendir(::fcntl(folder, F_DUPFD_CLOEXEC, 0)) : nullptr;
+    const int copy = ::fcntl(folder, F_DUPFD_CLOEXEC, 0);
+    DIR* stream = copy >= 0 ? ::fdopendir(copy) : nullptr;
+    if (!stream && copy >= 0)
+        ::close(copy);
     FileNameRecord record;
     while (stream && m_keepRunning) {
         const dirent* entry = ::readdir(stream);
@@ -132,6 +144,7 @@ void FileGatherer::readAttributes(int folder)
             if (m_infos.append(queriedInfo(folder, record.name)))
                 emit fileInfoBatchReady();
         }
+        m_names.release(batch);
     }
     if (m_keepRunning && m_infos.finish())
         emit fileInfoBatchReady();

@@ -39,8 +39,8 @@ public:
     void startReading(const std::string& directory);
     /// Reads @p directory on the calling thread and returns when all is read.
     void readNow(const std::string& directory);
-    /// Ends a run: it sends no further signals. Waits for the worker, which is one call to the file system at
-    /// most, without a time limit. Batches that were not taken stay until the next run begins.
+    /// Ends a run: it sends no further signals, and what was not taken of it is gone. Waits for the worker,
+    /// which is one call to the file system at most, without a time limit.
     void stop();
 
     /// The next complete batch of names, or null.
@@ -66,6 +66,7 @@ private slots:
 
 private:
     void prepare(const std::string& directory);
+    void discardBatches();
     void readNames(int folder);
     void readAttributes(int folder);
 

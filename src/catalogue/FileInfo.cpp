@@ -86,9 +86,14 @@ void FileInfo::platformSpecificInitialization()
     // In most locales the key is several times as long as the name, and strxfrm leaves a buffer that is too
     // small in no particular state. The key is therefore made whole and cut here.
     char key[SortNameSize * 16];
-    if (std::strxfrm(key, lowered, sizeof key) >= sizeof key)
-        key[sizeof key - 1] = '\0';
-    copyTruncated(m_sortName, key);
+    const std::size_t length = std::strxfrm(key, lowered, sizeof key);
+    if (length < sizeof key) {
+        copyTruncated(m_sortName, key);
+        return;
+    }
+    std::string longKey(length + 1, '\0');
+    std::strxfrm(longKey.data(), lowered, longKey.size());
+    copyTruncated(m_sortName, longKey.c_str());
 }
 
 void FileInfo::setFileName(const char* name)

@@ -192,6 +192,11 @@ void FileManager::applyInfo(std::size_t index, const FileInfoWrapper& info)
     }
 }
 
+FileInfo* FileManager::createEntry()
+{
+    return pool.create();
+}
+
 void FileManager::followMembers(FileInfo* sequence)
 {
     if (static_cast<std::size_t>(infoCursor) == files.size())

@@ -88,7 +88,7 @@ public:
     static void addSequenceFileExtension(const char* extension);
 
     /// A fresh entry, owned by the manager like all others; it stands in no list.
-    FileInfo* createEntry() { return pool.create(); }
+    FileInfo* createEntry();
     /// Keeps an entry from createEntry() in step with its members as attributes arrive.
     void followMembers(FileInfo* sequence);
     /// Ends the following of everything that followMembers() was called for.

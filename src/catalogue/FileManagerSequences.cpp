@@ -75,6 +75,8 @@ FileInfo* FileManager::nextSequence()
 // False when the frame has a member already.
 bool FileManager::addMember(FileInfo* sequence, int frame, FileInfo* member)
 {
+    if (splitDone)
+        forgetSplitSequences();
     const std::size_t before = sequence->sequenceFiles().size();
     sequence->insertSequenceFile(frame, member);
     sequence->invalidateSequenceName();

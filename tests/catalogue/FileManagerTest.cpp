@@ -197,6 +197,14 @@ void FileManagerTest::unreadableDirectoryLeavesNothing()
     QVERIFY(allFiles(manager).empty());
     QCoreApplication::processEvents();
     QCOMPARE(refreshed.size(), 0);
+
+    // Nor does a read that had all its names, and had announced them, when it was stopped.
+    QVERIFY(manager.getFilesFromFolder(folder.path().toStdString(), true));
+    QThread::msleep(100);
+    QVERIFY(!manager.getFilesFromFolder((folder.path() + "/gone").toStdString(), true));
+    QCoreApplication::processEvents();
+    QCOMPARE(refreshed.size(), 0);
+    QVERIFY(allFiles(manager).empty());
     QVERIFY(!manager.getFilesFromFolder(std::string(), true));
     QVERIFY(
         manager.getFilenameList((folder.path() + "/gone").toStdString(), false, false, true, true).empty());

@@ -176,6 +176,10 @@ void SequenceListTest::listsMayBeBuiltBetweenBatches()
     insert(manager, frames("a.%d.exr", {6, 100}));
     QCOMPARE(names(manager, 4), (QStringList{"a.#.exr 1-2", "a.#.exr 5-6", "a.100.exr"}));
     QCOMPARE(names(manager, 3), QStringList("a.#.exr 1-100"));
+    FileInfo host("a.50.exr", false);
+    manager.createSecondarySequence(manager.createEntry(), "a.#.exr", 2, false, 50, &host);
+    manager.createSecondarySequence(manager.createEntry(), "a.#.exr", 2, false, 51, &host);
+    QCOMPARE(names(manager, 4).size(), 4);
 }
 
 void SequenceListTest::registersBuiltInExtensions()
