@@ -14,6 +14,7 @@ set(COREUI_PUBLIC_HEADERS
     browser/FileBrowser.h
     catalogue/EntryPool.h
     catalogue/FileInfo.h
+    catalogue/FileInfoList.h
     catalogue/FileInfoWrapper.h
     catalogue/FileManager.h
     catalogue/FileSequenceEvaluator.h
