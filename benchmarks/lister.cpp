@@ -42,8 +42,9 @@ double timeLister(const QString& folder, int files, bool sequences)
     timer.start();
     const int count = list.fill(folder);
     const double time = milliseconds(timer);
-    const int expected = sequences ? files / FramesPerSequence : files;
-    const bool right = count == files + 2 && list.entries().size() == static_cast<std::size_t>(expected + 2);
+    const int rows = sequences ? files / FramesPerSequence : files;
+    const auto expected = static_cast<std::size_t>(rows) + 2; // with "." and ".."
+    const bool right = count == files + 2 && list.entries().size() == expected;
     return right ? time : NAN;
 }
 
