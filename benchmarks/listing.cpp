@@ -1,6 +1,7 @@
 // Times how a directory of numbered frames comes to the screen, beside what the system needs at least and
 // what Qt's own model needs, all in one run. Usage: listing-benchmark [FILES [ROUNDS]]
 
+#include "Measuring.h"
 #include "browser/FileBrowser.h"
 #include "widgets/AppSettings.h"
 
@@ -14,39 +15,18 @@
 #include <cstdio>
 #include <cstdlib>
 #include <dirent.h>
-#include <fcntl.h>
 #include <functional>
 #include <string>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <vector>
 
+using namespace Measuring;
 using Halvern::UI::FileBrowser;
 
 namespace {
 
-constexpr int FramesPerSequence = 1000;
 constexpr qint64 TimeLimit = 300000; // milliseconds
-
-double milliseconds(const QElapsedTimer& timer)
-{
-    return static_cast<double>(timer.nsecsElapsed()) / 1e6;
-}
-
-bool makeTree(const QString& folder, int files)
-{
-    const int directory = ::open(QFile::encodeName(folder).constData(), O_RDONLY | O_DIRECTORY);
-    for (int i = 0; i < files; ++i) {
-        const QByteArray name =
-            QString::asprintf("shot_%03d.%04d.exr", i / FramesPerSequence, i % FramesPerSequence + 1)
-                .toLatin1();
-        const int file = ::openat(directory, name.constData(), O_CREAT | O_WRONLY | O_CLOEXEC, 0644);
-        if (file < 0 || ::ftruncate(file, 1) != 0)
-            return false;
-        ::close(file);
-    }
-    return ::close(directory) == 0;
-}
 
 struct SystemTimes
 {
@@ -152,20 +132,6 @@ double timeFileSystemModel(const QString& folder, int expectedRows)
     view.setRootIndex(root);
     runUntil([&] { return loaded && model.rowCount(root) == expectedRows; });
     return milliseconds(timer);
-}
-
-double median(std::vector<double> values)
-{
-    std::sort(values.begin(), values.end());
-    return values[values.size() / 2];
-}
-
-void print(const char* what, const std::vector<double>& values, double baseline)
-{
-    const double middle = median(values);
-    std::printf("%-52s %9.1f %9.1f %9.1f %8.2f\n", what, middle,
-                *std::min_element(values.begin(), values.end()),
-                *std::max_element(values.begin(), values.end()), middle / baseline);
 }
 
 } // namespace

@@ -5,9 +5,16 @@ include(CMakePackageConfigHelpers)
 set(COREUI_PUBLIC_HEADERS
     base/Export.h
     base/FileHandle.h
+    base/FileSystem.h
+    base/FrameRange.h
+    base/FrameRanges.h
+    base/Locale.h
+    base/Path.h
+    base/Text.h
     browser/FileBrowser.h
     catalogue/EntryPool.h
     catalogue/FileInfo.h
+    catalogue/FileInfoList.h
     catalogue/FileInfoWrapper.h
     catalogue/FileManager.h
     catalogue/FileSequenceEvaluator.h

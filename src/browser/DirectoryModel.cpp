@@ -1,5 +1,6 @@
 #include "browser/DirectoryModel.h"
 
+#include "base/Path.h"
 #include "browser/FilesMenu.h"
 #include "catalogue/FileSequenceEvaluator.h"
 
@@ -208,10 +209,7 @@ void FileBrowser::DirectoryModel::updateInfo(int /*first*/, int /*count*/)
 
 QString FileBrowser::DirectoryModel::getFullFilePath(const FileInfo& info) const
 {
-    QString path = directory.absolutePath();
-    if (!path.endsWith(QLatin1Char('/')))
-        path += QLatin1Char('/');
-    return path + QString::fromUtf8(info.displayName());
+    return Base::withSeparator(directory.absolutePath()) + QString::fromUtf8(info.displayName());
 }
 
 QString FileBrowser::DirectoryModel::getFullFilePath(int row) const

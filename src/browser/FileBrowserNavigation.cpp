@@ -2,6 +2,7 @@
 
 #include "browser/FileBrowser.h"
 
+#include "base/Path.h"
 #include "browser/DirectoryModel.h"
 #include "browser/FilesList.h"
 #include "browser/ProxyModel.h"
@@ -36,10 +37,7 @@ void FileBrowser::setDirectory(QDir dir, bool keepFilename, bool doRefresh)
     }
     updateNavigationButtons();
     if (!keepFilename) {
-        QString path = dir.absolutePath();
-        if (!path.endsWith(QLatin1Char('/')))
-            path += QLatin1Char('/');
-        filenameEdit->setText(path);
+        filenameEdit->setText(Base::withSeparator(dir.absolutePath()));
         emit fileSelected(FileInfo(dir.path().toUtf8().constData(), false), currentDirectory);
     }
     if (doRefresh)

@@ -1,19 +1,14 @@
 #include "browser/ProxyModel.h"
 
+#include "base/Text.h"
 #include "browser/DirectoryModel.h"
 
 #include <algorithm>
-#include <cctype>
 #include <cstring>
 
 namespace Halvern::UI {
 
 namespace {
-
-int lowerCase(char byte)
-{
-    return std::tolower(static_cast<unsigned char>(byte));
-}
 
 // Names with equal keys come before each other in both directions, and so does the answer.
 bool nameLess(const FileInfo& left, const FileInfo& right)
@@ -108,8 +103,9 @@ bool FileBrowser::ProxyModel::matchesPrefix(const char* name) const
         return false;
     // A name that ends early differs at its terminator.
     return (namePrefix.empty() || name[0] != '\0') &&
-           std::equal(namePrefix.begin(), namePrefix.end(), name,
-                      [](char wanted, char present) { return lowerCase(wanted) == lowerCase(present); });
+           std::equal(namePrefix.begin(), namePrefix.end(), name, [](char wanted, char present) {
+               return Base::lowerCase(wanted) == Base::lowerCase(present);
+           });
 }
 
 bool FileBrowser::ProxyModel::lessThan(const QModelIndex& left, const QModelIndex& right) const

@@ -1,11 +1,11 @@
 #include "catalogue/FileGatherer.h"
 
+#include "base/FileSystem.h"
 #include "base/Text.h"
 
 #include <dirent.h>
 #include <fcntl.h>
 #include <iterator>
-#include <sys/stat.h>
 #include <unistd.h>
 
 namespace Halvern::UI {
@@ -15,19 +15,19 @@ namespace {
 // The type of an entry for which the file system gave none.
 int queriedKind(int folder, const char* name)
 {
-    struct stat status;
-    if (::fstatat(folder, name, &status, 0) != 0)
+    const auto status = Base::fileStatus(name, folder);
+    if (!status)
         return DT_UNKNOWN;
-    return S_ISDIR(status.st_mode) ? DT_DIR : DT_REG;
+    return S_ISDIR(status->st_mode) ? DT_DIR : DT_REG;
 }
 
 // A query that fails gives a record too, so that the records after it keep their places.
 FileInfoWrapper queriedInfo(int folder, const char* name)
 {
-    struct stat status;
-    if (::fstatat(folder, name, &status, 0) != 0)
+    const auto status = Base::fileStatus(name, folder);
+    if (!status)
         return {};
-    return {static_cast<unsigned long long>(status.st_size), S_ISDIR(status.st_mode), status.st_mtime};
+    return {static_cast<unsigned long long>(status->st_size), S_ISDIR(status->st_mode), status->st_mtime};
 }
 
 } // namespace

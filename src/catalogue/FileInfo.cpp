@@ -1,28 +1,22 @@
 #include "catalogue/FileInfo.h"
 
+#include "base/FileSystem.h"
 #include "base/Text.h"
 
 #include <QDateTime>
 #include <QFile>
 #include <QFileInfo>
 #include <algorithm>
-#include <cctype>
 #include <cstdint>
 #include <cstring>
 #include <set>
 #include <string>
-#include <sys/stat.h>
 
 namespace Halvern::UI {
 
 using Base::copyTruncated;
 
 namespace {
-
-char lower(char byte)
-{
-    return static_cast<char>(std::tolower(static_cast<unsigned char>(byte)));
-}
 
 std::uint64_t extensionHash(const char* extension)
 {
@@ -32,7 +26,7 @@ std::uint64_t extensionHash(const char* extension)
         ++extension;
     std::uint64_t hash = 0;
     for (; *extension; ++extension)
-        hash = hash * 65599 + static_cast<unsigned char>(lower(*extension));
+        hash = hash * 65599 + static_cast<unsigned char>(Base::lowerCase(*extension));
     return hash;
 }
 
@@ -82,7 +76,7 @@ void FileInfo::platformSpecificInitialization()
     if (m_fileNameLength >= SortNameSize)
         return;
     char lowered[SortNameSize];
-    std::transform(m_fileName, m_fileName + m_fileNameLength + 1, lowered, lower);
+    std::transform(m_fileName, m_fileName + m_fileNameLength + 1, lowered, Base::lowerCase);
     // In most locales the key is several times as long as the name, and strxfrm leaves a buffer that is too
     // small in no particular state. The key is therefore made whole and cut here.
     char key[SortNameSize * 16];
@@ -286,8 +280,7 @@ bool FileInfo::isDirSafe(const QDir& dir) const
         return info.isDir();
     // A name outside ASCII is rarely what its Latin-1 reading says; the system knows it by its bytes.
     const QByteArray path = QFile::encodeName(dir.absolutePath()) + '/' + m_fileName;
-    struct stat status;
-    return ::stat(path.constData(), &status) == 0 && S_ISDIR(status.st_mode);
+    return Base::isDirectory(path.constData());
 }
 
 void FileInfo::addSequenceFileExtension(const char* extension)

@@ -1,5 +1,8 @@
 #include "catalogue/FrameName.h"
 
+#include "base/Text.h"
+
+#include <QStringBuilder>
 #include <climits>
 #include <cstdlib>
 #include <cstring>
@@ -43,7 +46,7 @@ bool read(const char* name, int& frame, char* pattern, int& digits, bool& padded
     const int length = static_cast<int>(std::strlen(name));
     const char* dot = std::strrchr(name, '.');
     const DigitRun run = findFrameDigits(length, dot ? static_cast<int>(dot - name) : -1,
-                                         [name](int i) { return name[i] >= '0' && name[i] <= '9'; });
+                                         [name](int i) { return Base::isDigit(name[i]); });
     if (run.length == 0)
         return false;
     const long number = std::strtol(name + run.begin, nullptr, 10);
@@ -77,15 +80,24 @@ bool read(const QString& name, QString& pattern, int& frame)
     return true;
 }
 
+QStringRef prefix(const QString& pattern)
+{
+    return pattern.leftRef(pattern.indexOf(QLatin1Char('#')));
+}
+
+QStringRef suffix(const QString& pattern)
+{
+    return pattern.midRef(pattern.lastIndexOf(QLatin1Char('#')) + 1);
+}
+
 bool reconcilePatterns(QString& a, QString& b)
 {
     if (a == b)
         return true;
-    const auto prefix = [](const QString& text) { return text.left(text.indexOf(QLatin1Char('#'))); };
-    const auto suffix = [](const QString& text) { return text.mid(text.lastIndexOf(QLatin1Char('#')) + 1); };
     if (prefix(a) != prefix(b) || suffix(a) != suffix(b))
         return false;
-    a = b = prefix(b) + QLatin1Char('#') + suffix(b);
+    const QString common = prefix(b) + QLatin1Char('#') + suffix(b);
+    a = b = common;
     return true;
 }
 

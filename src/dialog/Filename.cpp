@@ -1,5 +1,6 @@
 #include "dialog/Filename.h"
 
+#include "base/FileSystem.h"
 #include "base/Text.h"
 #include "dialog/Glob.h"
 
@@ -9,10 +10,12 @@
 #include <cstdlib>
 #include <cstring>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
-#include <sys/stat.h>
 #include <unistd.h>
+
+using Halvern::Base::startsWith;
 
 namespace {
 
@@ -20,9 +23,8 @@ namespace {
 struct StatusCache
 {
     bool used = false;
-    bool examined = false;
     std::string name;
-    struct stat status = {};
+    std::optional<struct stat> status;
 };
 
 /// The status of @p name, from the cache where it was the last name; null where it can't be examined.
@@ -35,17 +37,12 @@ const struct stat* examine(const char* name)
         cache.used = true;
         cache.name = name;
         const QByteArray encoded = QFile::encodeName(QString::fromUtf8(name));
-        cache.examined = ::stat(encoded.constData(), &cache.status) == 0;
+        cache.status = Halvern::Base::fileStatus(encoded.constData());
         // A name that is not UTF-8, or not expressible in the locale, is still a name on disk.
-        if (!cache.examined && encoded != name)
-            cache.examined = ::stat(name, &cache.status) == 0;
+        if (!cache.status && encoded != name)
+            cache.status = Halvern::Base::fileStatus(name);
     }
-    return cache.examined ? &cache.status : nullptr;
-}
-
-bool beginsWith(std::string_view text, std::string_view start)
-{
-    return text.substr(0, start.size()) == start;
+    return cache.status ? &*cache.status : nullptr;
 }
 
 int writeText(char* to, int size, const std::string& text)
@@ -90,13 +87,13 @@ int filename_absolute(char* to, int size, const char* from, const char* cwd)
         return 0;
     // The buffers may be the same, so nothing is written before the text is complete.
     std::string_view rest(from ? from : "");
-    if (beginsWith(rest, "/"))
+    if (startsWith(rest, "/"))
         return writeText(to, size, std::string(rest));
 
     std::string base;
     if (cwd) {
         base = cwd;
-    } else if (beginsWith(rest, "~")) {
+    } else if (startsWith(rest, "~")) {
         const char* home = std::getenv("HOME");
         if (!home)
             return writeText(to, size, std::string(rest));
@@ -105,7 +102,7 @@ int filename_absolute(char* to, int size, const char* from, const char* cwd)
             return writeJoined(to, size, base, rest);
         if (rest == "~")
             return writeJoined(to, size, base, {});
-        if (beginsWith(rest, "~/")) {
+        if (startsWith(rest, "~/")) {
             rest.remove_prefix(2);
         } else {
             cutToPreviousSeparator(base);
@@ -116,9 +113,9 @@ int filename_absolute(char* to, int size, const char* from, const char* cwd)
     }
 
     for (;;) {
-        if (beginsWith(rest, "./")) {
+        if (startsWith(rest, "./")) {
             rest.remove_prefix(2);
-        } else if (beginsWith(rest, "../") && !base.empty()) {
+        } else if (startsWith(rest, "../") && !base.empty()) {
             cutToPreviousSeparator(base);
             rest.remove_prefix(3);
         } else {

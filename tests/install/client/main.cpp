@@ -1,7 +1,12 @@
 // A host as it is written outside the project: public headers, the installed package, nothing else.
 
+#include <base/FileSystem.h>
+#include <base/FrameRanges.h>
+#include <base/Path.h>
+#include <base/Text.h>
 #include <browser/FileBrowser.h>
 #include <catalogue/FileInfo.h>
+#include <catalogue/FileInfoList.h>
 #include <catalogue/FileManager.h>
 #include <catalogue/FileSequenceEvaluator.h>
 #include <dialog/FilePathEdit.h>
@@ -35,6 +40,12 @@ int main(int argc, char** argv)
     for (const std::string& name : names)
         std::puts(name.c_str());
 
+    FileInfoList list;
+    const auto frames = Halvern::Base::FrameRanges::parse(Halvern::Base::trimmed(" 1-9x2 "));
+    const bool lists = list.fill(QDir::rootPath()) > 0 && frames && frames->count() == 5 &&
+                       Halvern::Base::isDirectory(Halvern::Base::normalisedPath("/tmp/..").c_str()) &&
+                       Halvern::Base::startsWith(Halvern::Base::TemporaryDirectory, "/var");
+
     Nothing evaluator;
     FileBrowser browser;
     browser.setFileSequenceEvaluator(&evaluator);
@@ -43,5 +54,5 @@ int main(int argc, char** argv)
     DisclosureButton button(nullptr, true);
     const bool works = filename_isdir("/") && QColorToRgb0(rgb0toQColor(128)) == 0x808080ff &&
                        browser.directory() == QDir::root() && AppSettings().format() == QSettings::IniFormat;
-    return works ? 0 : 1;
+    return works && lists ? 0 : 1;
 }

@@ -1,0 +1,44 @@
+#pragma once
+
+#include "base/Export.h"
+
+#include <fcntl.h>
+#include <functional>
+#include <optional>
+#include <string>
+#include <sys/stat.h>
+
+/// The file system by names that are bytes, handed to the system unchanged. Failures are answers: nothing is
+/// printed and nothing throws.
+namespace Halvern::Base {
+
+/// Where files go that need not outlive the work at hand.
+inline constexpr const char* TemporaryDirectory = "/var/tmp/";
+
+/// What the system knows of @p name, symbolic links followed; nothing where it can't be examined. A relative
+/// name is looked up in the opened directory @p folder, by default in the working directory.
+HVCOREUI_EXPORT std::optional<struct stat> fileStatus(const char* name, int folder = AT_FDCWD);
+
+/// Whether @p name is a directory or a link to one.
+HVCOREUI_EXPORT bool isDirectory(const char* name, int folder = AT_FDCWD);
+
+/// Whether this process may read the file, or list the directory.
+HVCOREUI_EXPORT bool isReadable(const std::string& path);
+/// Whether this process may write the file, or make files in the directory.
+HVCOREUI_EXPORT bool isWritable(const std::string& path);
+
+/// Makes a directory and those above it; true when it is there in the end, made now or before.
+HVCOREUI_EXPORT bool makeDirectories(const std::string& path);
+/// Removes a file, or a directory with all that is in it; links are removed, never what they point to. True
+/// when nothing of the name is left, also where there was nothing.
+HVCOREUI_EXPORT bool removeAll(const std::string& path);
+/// Gives a file or directory another name, in one step that replaces a file of that name.
+HVCOREUI_EXPORT bool renameFile(const std::string& from, const std::string& to);
+
+/// Calls @p visit with the path of everything below @p folder, directories before what is in them, in the
+/// order of the disk. Links are visited but not followed, and what can't be read is passed over. False where
+/// @p folder itself can't be read.
+HVCOREUI_EXPORT bool walk(const std::string& folder,
+                          const std::function<void(const std::string& path)>& visit);
+
+} // namespace Halvern::Base

@@ -1,0 +1,14 @@
+#pragma once
+
+namespace Halvern::Base {
+
+/// One run of frames: `first`, `first + step`, … `last`. A single frame is a run whose `first` equals its
+/// `last`.
+struct FrameRange
+{
+    int first = 0;
+    int last = 0;
+    int step = 1;
+};
+
+} // namespace Halvern::Base

@@ -1,0 +1,175 @@
+#include "catalogue/FileInfoList.h"
+
+#include "base/FileSystem.h"
+#include "catalogue/FrameName.h"
+#include "catalogue/FrameRun.h"
+#include "catalogue/NaturalOrder.h"
+
+#include <cstdlib>
+#include <dirent.h>
+#include <utility>
+
+namespace Halvern::UI {
+
+namespace {
+
+int compareEntries(const dirent** a, const dirent** b)
+{
+    return NaturalOrder::compare((*a)->d_name, (*b)->d_name);
+}
+
+int compareEntriesForSequences(const dirent** a, const dirent** b)
+{
+    return NaturalOrder::compareForSequences((*a)->d_name, (*b)->d_name);
+}
+
+/// The names of a directory, sorted.
+class DirectoryScan
+{
+public:
+    DirectoryScan(const QByteArray& folder, bool forSequences)
+        : m_folder(folder)
+        , m_count(::scandir(folder.constData(), &m_entries, nullptr,
+                            forSequences ? compareEntriesForSequences : compareEntries))
+    {
+    }
+    DirectoryScan(const DirectoryScan&) = delete;
+    DirectoryScan& operator=(const DirectoryScan&) = delete;
+    ~DirectoryScan()
+    {
+        for (int i = 0; i < m_count; ++i)
+            std::free(m_entries[i]);
+        std::free(m_entries);
+    }
+
+    int count() const { return m_count; }
+    const char* name(int index) const { return m_entries[index]->d_name; }
+    bool isDirectory(int index) const
+    {
+        const unsigned char type = m_entries[index]->d_type;
+        if (type == DT_DIR || type == DT_REG)
+            return type == DT_DIR;
+        return Base::isDirectory((m_folder + '/' + name(index)).constData());
+    }
+
+private:
+    QByteArray m_folder;
+    dirent** m_entries = nullptr;
+    int m_count;
+};
+
+std::vector<ListedName> listPlain(const DirectoryScan& scan)
+{
+    std::vector<ListedName> names;
+    names.reserve(static_cast<std::size_t>(scan.count()));
+    for (int i = 0; i < scan.count(); ++i)
+        names.push_back({QString::fromLocal8Bit(scan.name(i)).toUtf8(), false});
+    return names;
+}
+
+std::vector<ListedName> listCollapsed(const DirectoryScan& scan, bool split)
+{
+    std::vector<ListedName> names;
+    FrameRun run;
+    QString firstOfRun;
+    const auto finishRun = [&] {
+        if (run.size() > 1) {
+            for (ListedName& listed : run.listedNames(split))
+                names.push_back(std::move(listed));
+        } else if (run.size() == 1) {
+            names.push_back({firstOfRun.toUtf8(), false});
+        }
+        run = FrameRun();
+    };
+    QString pattern;
+    int frame = 0;
+    for (int i = 0; i < scan.count(); ++i) {
+        const QString name = QString::fromLocal8Bit(scan.name(i));
+        if (!FileInfoList::toFrameName(name, pattern, frame)) {
+            finishRun();
+            names.push_back({name.toUtf8(), false});
+            continue;
+        }
+        if (run.take(pattern, frame)) {
+            // Asked once the run has a second name, so that lone numbered files cost no look at the disk.
+            if (run.size() != 2 || !scan.isDirectory(i - 1))
+                continue;
+            names.push_back({firstOfRun.toUtf8(), false});
+            run = FrameRun();
+        }
+        finishRun();
+        run = FrameRun(pattern, frame);
+        firstOfRun = name;
+    }
+    finishRun();
+    return names;
+}
+
+} // namespace
+
+FileInfoList::FileInfoList()
+{
+    connect(this, SIGNAL(lazyStatFetchNext()), this, SLOT(takeQueuedStep()), Qt::QueuedConnection);
+}
+
+int FileInfoList::fill(const QString& path)
+{
+    // Assigned, since entries are too large to keep the room for a directory that is gone.
+    m_entries = std::vector<FileInfo>();
+    m_path = path;
+    const DirectoryScan scan(path.toUtf8(), m_sequencesEnabled);
+    if (scan.count() < 0)
+        return scan.count();
+    FrameName::resetSmallestPaddedWidth();
+    const std::vector<ListedName> names =
+        m_sequencesEnabled ? listCollapsed(scan, m_splitSequences) : listPlain(scan);
+    m_entries.reserve(names.size());
+    for (const ListedName& name : names)
+        m_entries.emplace_back(name.text.constData(), name.isSequence);
+    startLazyStat();
+    return scan.count();
+}
+
+bool FileInfoList::toFrameName(const QString& name, QString& pattern, int& frame)
+{
+    return FrameName::read(name, pattern, frame);
+}
+
+bool FileInfoList::makeCommonSequence(QString& a, QString& b)
+{
+    return FrameName::reconcilePatterns(a, b);
+}
+
+void FileInfoList::startLazyStat()
+{
+    m_lazyStatCursor = 0;
+    if (!m_entries.empty())
+        queueStep();
+}
+
+void FileInfoList::queueStep()
+{
+    ++m_queuedSteps;
+    emit lazyStatFetchNext();
+}
+
+// A step that an earlier listing left in the queue must not hurry the walk of the present one.
+void FileInfoList::takeQueuedStep()
+{
+    if (m_queuedSteps > 0 && --m_queuedSteps == 0)
+        onLazyStatFetchNext();
+}
+
+void FileInfoList::onLazyStatFetchNext()
+{
+    if (m_entries.empty())
+        return;
+    if (m_lazyStatCursor < m_entries.size())
+        ++m_lazyStatCursor;
+    if (m_lazyStatCursor == m_entries.size())
+        emit fileInfoAvailable();
+    else
+        queueStep();
+}
+
+} // namespace Halvern::UI
