@@ -14,6 +14,7 @@ set(COREUI_PUBLIC_HEADERS
     catalogue/FrameRange.h
     dialog/FilePathEdit.h
     dialog/Filename.h
+    favorites/Favorite.h
     widgets/AppSettings.h
     widgets/DisclosableWidget.h
     widgets/DisclosureButton.h
