@@ -11,6 +11,7 @@
 #include <QElapsedTimer>
 #include <QFile>
 #include <QFileInfo>
+#include <QStandardPaths>
 #include <QTextStream>
 #include <QTimer>
 #include <QTreeView>
@@ -149,6 +150,10 @@ int main(int argc, char** argv)
     const auto type = parser.isSet(directories) ? FileBrowser::SelectionType::Directories
                                                 : FileBrowser::SelectionType::Files;
     FileBrowser::SetUseLastSavedDir(false);
+    const QString settings = QStandardPaths::writableLocation(QStandardPaths::ConfigLocation);
+    QDir().mkpath(settings);
+    FileBrowser::SetPreferencesPath(settings + QStringLiteral("/HvMirefoldCoreUI.favorites"),
+                                    QStringLiteral("browse"));
     FileBrowser browser;
     browser.setWindowTitle(QStringLiteral("Browse"));
     browser.setSelectionType(type);

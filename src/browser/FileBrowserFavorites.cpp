@@ -79,8 +79,13 @@ void FileBrowser::favoriteSelected(QModelIndex current)
     const bool editable = favorite && favorite->isEditable();
     editFavoriteButton->setEnabled(editable);
     removeFavoriteButton->setEnabled(editable);
-    if (favorite && favorite->hasFolder())
-        setDirectory(favorite->dir, false, true);
+    const int row = favoritesProxy->sourceRow(current);
+    if (row < 0)
+        return;
+    // What the row shows, though another browser may have changed it since.
+    const Favorite shown = favoritesModel->shown(row);
+    if (shown.hasFolder())
+        setDirectory(shown.dir, false, true);
 }
 
 void FileBrowser::hoverFavorite(QModelIndex index)

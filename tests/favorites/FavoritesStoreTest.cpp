@@ -79,6 +79,11 @@ bool write(const QString& path, const QByteArray& text)
     return file.open(QFile::WriteOnly) && file.write(text) == text.size();
 }
 
+bool setMode(const QString& path, mode_t mode)
+{
+    return ::chmod(QFile::encodeName(path).constData(), mode) == 0;
+}
+
 // name:path for persistent ones, (name:path) for others
 QStringList shown(FavoritesStore& store)
 {
@@ -117,14 +122,12 @@ class FavoritesStoreTest : public Test
 
 private slots:
     void init() { file = folder.filePath(QStringLiteral("favorites")); }
-    void startsWithDefaults_data();
     void startsWithDefaults();
     void fallbackPersistsAfterReset();
     void addsReplacesAndRemoves();
     void keepsTheOrderOfRanks();
     void resolves();
     void oneProcessReadsWhatAnotherWrote();
-    void reportsErrorsAndKeepsTheFile_data();
     void reportsErrorsAndKeepsTheFile();
     void keepsLinksAndPermissions();
     void fileIsWholeWheneverTheSaverDies();
@@ -134,45 +137,35 @@ private:
     QString file;
 };
 
-void FavoritesStoreTest::startsWithDefaults_data()
-{
-    QTest::addColumn<bool>("given");
-    QTest::addColumn<bool>("persist");
-    QTest::addColumn<bool>("stored");
-    QTest::addColumn<QStringList>("names");
-    const QString home = QDir::homePath();
-    const QString here = QDir::currentPath();
-    const QStringList fallbacks = {"(Home:" + home + ")", "(Current:" + here + ")"};
-    QTest::newRow("nothing given") << false << true << false << fallbacks;
-    QTest::newRow("given") << true << false << false
-                           << QStringList{"(Home:/h)", "(Root:/r)", "(Current:/w)", "(Comp:/p)"};
-    QTest::newRow("given to persist")
-        << true << true << false << QStringList{"Home:/h", "Root:/r", "Current:/w", "Comp:/p"};
-    QTest::newRow("file") << false << false << true << fallbacks + QStringList("x:/x");
-    QTest::newRow("file has the defaults") << true << true << true << QStringList("x:/x");
-}
-
 void FavoritesStoreTest::startsWithDefaults()
 {
-    QFETCH(const bool, given);
-    QFETCH(const bool, persist);
-    QFETCH(const bool, stored);
-    QFile::remove(file);
-    if (stored)
-        QVERIFY(write(file, "add_favorite_dir x x \"\" /x/\n"));
-    FavoritesStore store;
-    QVERIFY(!store.favorites() && !store.evaluator());
-    store.setPreferences(file, given ? QStringLiteral("Comp") : QString());
-    const auto path = [given](const char* text) { return given ? QString::fromLatin1(text) : QString(); };
-    store.setDefaultFolders(path("/h"), path("/r"), path("/w"), path("/p"), persist);
-    store.initialize();
-    store.initialize();
-    QTEST(shown(store), "names");
-    const int inFile = contents(file).count("add_favorite_dir");
-    QCOMPARE(inFile, stored ? 1 : shown(store).filter(QRegularExpression(QStringLiteral("^[^(]"))).size());
-    QVERIFY(store.evaluator());
-    store.addDefaults();
-    QCOMPARE(shown(store).filter(QStringLiteral("Home:")).size(), persist && given ? 1 : 2);
+    const QString fallbacks = "(Home:" + QDir::homePath() + ") (Current:" + QDir::currentPath() + ')';
+    struct Row
+    {
+        bool given, persist, stored;
+        QString names;
+        int inFile;
+    };
+    const Row rows[] = {{false, true, false, fallbacks, 0},
+                        {true, false, false, "(Home:/h) (Root:/r) (Current:/w) (Comp:/p)", 0},
+                        {true, true, false, "Home:/h Root:/r Current:/w Comp:/p", 4},
+                        {false, false, true, fallbacks + " x:/x", 1},
+                        {true, true, true, "x:/x", 1}};
+    for (const Row& row : rows) {
+        QFile::remove(file);
+        QVERIFY(!row.stored || write(file, "add_favorite_dir x x \"\" /x/\n"));
+        FavoritesStore store;
+        QVERIFY(!store.favorites() && !store.evaluator());
+        store.setPreferences(file, row.given ? QStringLiteral("Comp") : QString());
+        const auto path = [&](const char* text) { return row.given ? QString(text) : QString(); };
+        store.setDefaultFolders(path("/h"), path("/r"), path("/w"), path("/p"), row.persist);
+        store.initialize();
+        store.initialize();
+        QCOMPARE(shown(store).join(' '), row.names);
+        QCOMPARE(contents(file).count("add_favorite_dir"), row.inFile);
+        store.addDefaults();
+        QCOMPARE(shown(store).filter("Home:").size(), row.persist && row.given ? 1 : 2);
+    }
 }
 
 void FavoritesStoreTest::fallbackPersistsAfterReset()
@@ -223,29 +216,24 @@ void FavoritesStoreTest::addsReplacesAndRemoves()
 void FavoritesStoreTest::keepsTheOrderOfRanks()
 {
     FavoritesStore store;
-    struct Kind
-    {
-        const char* name;
-        bool drive;
-        bool persistent;
-        int type;
-    };
-    const Kind kinds[] = {{"d1", true, false, 0},  {"p1", false, true, 0},  {"f1", false, true, -1},
-                          {"t1", false, false, 0}, {"d2", true, true, -1},  {"p2", false, true, 4},
-                          {"f2", false, true, -5}, {"t2", false, false, -1}};
-    for (const Kind& kind : kinds) {
-        Favorite favorite(kind.drive, kind.persistent);
-        favorite.name = QLatin1String(kind.name);
-        favorite.type = kind.type;
+    int number = 0;
+    const auto add = [&](bool drive, bool persistent, int type) {
+        Favorite favorite(drive, persistent);
+        favorite.name = QString::number(number++);
+        favorite.type = type;
         store.add(favorite);
-    }
-    QVERIFY(write(file, "add_favorite_dir p3 p3 \"\" /\nadd_favorite_dir p3 p3 \"\" /\n"));
+    };
+    for (int type : {0, -1, 4, -5})
+        for (bool drive : {true, false})
+            for (bool persistent : {true, false})
+                add(drive, persistent, type);
+    QVERIFY(write(file, "add_favorite_dir p p \"\" /\nadd_favorite_dir p p \"\" /\n"));
     store.setPreferences(file, QString());
     store.load();
-    QString order;
+    QStringList order;
     for (const Favorite& favorite : *store.favorites())
         order += favorite.name;
-    QCOMPARE(order, QStringLiteral("t1t2f1f2p1p2p3p3d1d2"));
+    QCOMPARE(order.join(' '), QStringLiteral("3 7 11 15 6 14 2 10 p p 0 1 4 5 8 9 12 13"));
 }
 
 void FavoritesStoreTest::resolves()
@@ -297,40 +285,32 @@ void FavoritesStoreTest::oneProcessReadsWhatAnotherWrote()
     QCOMPARE(store.favorites()->at(2).dir.path(), QStringLiteral("/shots/2"));
 }
 
-void FavoritesStoreTest::reportsErrorsAndKeepsTheFile_data()
-{
-    QTest::addColumn<QString>("mode");
-    QTest::addColumn<int>("folderMode");
-    QTest::addColumn<int>("fileMode");
-    QTest::addColumn<QString>("messages");
-    QTest::newRow("disk full") << "limited" << 0777 << 0666 << "Can't write %1: File too large\n";
-    QTest::newRow("file not writable")
-        << "unprivileged" << 0777 << 0444 << "Can't write %1: Permission denied\n";
-    QTest::newRow("folder not writable")
-        << "unprivileged" << 0555 << 0666 << "Can't write %1: Permission denied\n";
-    QTest::newRow("file not readable")
-        << "unprivileged" << 0777 << 0222
-        << "Can't read %1: Permission denied\nCan't write %1: Permission denied\n";
-}
-
 void FavoritesStoreTest::reportsErrorsAndKeepsTheFile()
 {
-    QFETCH(const QString, mode);
-    QFETCH(const int, folderMode);
-    QFETCH(const int, fileMode);
-    QFETCH(const QString, messages);
-    const QTemporaryDir place;
-    const QString path = place.filePath(QStringLiteral("favorites"));
-    const QByteArray old = "add_favorite_dir x x \"\" /x/\n";
-    QVERIFY(write(path, old));
-    QVERIFY(::chmod(QFile::encodeName(path).constData(), static_cast<mode_t>(fileMode)) == 0);
-    QVERIFY(::chmod(QFile::encodeName(place.path()).constData(), static_cast<mode_t>(folderMode)) == 0);
-    QCOMPARE(runSaver(mode, path), messages.arg(path));
-    QVERIFY(::chmod(QFile::encodeName(place.path()).constData(), 0700) == 0);
-    QVERIFY(::chmod(QFile::encodeName(path).constData(), 0600) == 0);
-    QCOMPARE(contents(path), old);
-    QCOMPARE(QDir(place.path()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
-             QStringList("favorites"));
+    struct Row
+    {
+        const char* mode;
+        mode_t folderMode;
+        mode_t fileMode;
+        const char* messages;
+    };
+    const Row rows[] = {
+        {"limited", 0777, 0666, "Can't write %1: File too large\n"},
+        {"unprivileged", 0777, 0444, "Can't write %1: Permission denied\n"},
+        {"unprivileged", 0555, 0666, "Can't write %1: Permission denied\n"},
+        {"unprivileged", 0777, 0222, "Can't read %1: Permission denied\nCan't write %1: Permission denied\n"},
+    };
+    for (const Row& row : rows) {
+        const QTemporaryDir place;
+        const QString path = place.filePath(QStringLiteral("favorites"));
+        const QByteArray old = "add_favorite_dir x x \"\" /x/\n";
+        QVERIFY(write(path, old) && setMode(path, row.fileMode) && setMode(place.path(), row.folderMode));
+        QCOMPARE(runSaver(row.mode, path), QString(row.messages).arg(path));
+        QVERIFY(setMode(place.path(), 0700) && setMode(path, 0600));
+        QCOMPARE(contents(path), old);
+        QCOMPARE(QDir(place.path()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
+                 QStringList("favorites"));
+    }
 }
 
 void FavoritesStoreTest::keepsLinksAndPermissions()
@@ -343,7 +323,7 @@ void FavoritesStoreTest::keepsLinksAndPermissions()
     QVERIFY(QFile::link(QStringLiteral("target"), link));
     QCOMPARE(runSaver(QStringLiteral("plain"), link), QString());
     QVERIFY(QFileInfo(link).isSymLink() && contents(target).contains("/shots/400/"));
-    QVERIFY(::chmod(QFile::encodeName(target).constData(), 0640) == 0);
+    QVERIFY(setMode(target, 0640));
     QVERIFY(write(target, "old\n"));
     QCOMPARE(runSaver(QStringLiteral("plain"), link), QString());
     QVERIFY(QFileInfo(link).isSymLink() && contents(target).contains("/shots/400/"));
