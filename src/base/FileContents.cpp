@@ -64,7 +64,7 @@ int followLinks(std::string& path)
         if (length < 0)
             return errno == EINVAL || errno == ENOENT ? 0 : errno;
         const std::string to(target, static_cast<std::size_t>(length));
-        path = to[0] == '/' ? to : folderOf(path) + to;
+        path = to[0] == '/' ? to : folderOf(path).append(to);
     }
     return ELOOP;
 }

@@ -12,7 +12,10 @@ FavoritesList::FavoritesList(FavoritesProxy* proxy, QWidget* parent)
     : QListView(parent)
     , favorites(proxy)
 {
+    constexpr int IconSize = 16;
     setMouseTracking(true);
+    // Platforms have larger icons for some folders than for others.
+    setIconSize(QSize(IconSize, IconSize));
     // Asking every row for its size would take seconds where there are ten thousand.
     setUniformItemSizes(true);
     setModel(proxy);
@@ -39,7 +42,7 @@ void FavoritesList::contextMenuEvent(QContextMenuEvent* event)
 void FavoritesList::focusInEvent(QFocusEvent* event)
 {
     // The item view would make its first row the current one, and that would take the browser there.
-    QAbstractScrollArea::focusInEvent(event);
+    QAbstractScrollArea::focusInEvent(event); // NOLINT(bugprone-parent-virtual-call)
     viewport()->update();
 }
 

@@ -65,11 +65,14 @@ public:
 template <class Dialog>
 void press(QPushButton* button, const std::function<void(Dialog&)>& use)
 {
-    QTimer::singleShot(0, [&use] {
+    QTimer timer;
+    timer.setSingleShot(true);
+    QObject::connect(&timer, &QTimer::timeout, [&use] {
         auto* dialog = qobject_cast<Dialog*>(QApplication::activeModalWidget());
         QVERIFY(dialog && QTest::qWaitForWindowExposed(dialog));
         use(*dialog);
     });
+    timer.start(0);
     button->click();
 }
 

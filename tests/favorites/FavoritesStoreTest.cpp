@@ -142,15 +142,15 @@ void FavoritesStoreTest::startsWithDefaults()
     const QString fallbacks = "(Home:" + QDir::homePath() + ") (Current:" + QDir::currentPath() + ')';
     struct Row
     {
-        bool given, persist, stored;
         QString names;
         int inFile;
+        bool given, persist, stored;
     };
-    const Row rows[] = {{false, true, false, fallbacks, 0},
-                        {true, false, false, "(Home:/h) (Root:/r) (Current:/w) (Comp:/p)", 0},
-                        {true, true, false, "Home:/h Root:/r Current:/w Comp:/p", 4},
-                        {false, false, true, fallbacks + " x:/x", 1},
-                        {true, true, true, "x:/x", 1}};
+    const Row rows[] = {{fallbacks, 0, false, true, false},
+                        {"(Home:/h) (Root:/r) (Current:/w) (Comp:/p)", 0, true, false, false},
+                        {"Home:/h Root:/r Current:/w Comp:/p", 4, true, true, false},
+                        {fallbacks + " x:/x", 1, false, false, true},
+                        {"x:/x", 1, true, true, true}};
     for (const Row& row : rows) {
         QFile::remove(file);
         QVERIFY(!row.stored || write(file, "add_favorite_dir x x \"\" /x/\n"));
