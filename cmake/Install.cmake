@@ -22,6 +22,7 @@ set(COREUI_PUBLIC_HEADERS
     dialog/FileDialog.h
     dialog/FilePathEdit.h
     dialog/Filename.h
+    favorites/Favorite.h
     widgets/AppSettings.h
     widgets/DisclosableWidget.h
     widgets/DisclosureButton.h

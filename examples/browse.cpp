@@ -11,6 +11,7 @@
 #include <QElapsedTimer>
 #include <QFile>
 #include <QFileInfo>
+#include <QStandardPaths>
 #include <QTreeView>
 #include <iostream>
 #include <optional>
@@ -191,6 +192,10 @@ int main(int argc, char** argv)
         qputenv("QT_QPA_PLATFORM", "offscreen");
     const QApplication application(argc, argv);
     FileBrowser::SetUseLastSavedDir(false);
+    const QString settings = QStandardPaths::writableLocation(QStandardPaths::ConfigLocation);
+    QDir().mkpath(settings);
+    FileBrowser::SetPreferencesPath(settings + QStringLiteral("/HvMirefoldCoreUI.favorites"),
+                                    QStringLiteral("browse"));
     FileDialog dialog;
     configure(dialog, options);
     return options.isInteractive() ? choose(dialog) : report(dialog, options);

@@ -6,6 +6,7 @@
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QPushButton>
+#include <QTemporaryDir>
 #include <QTreeView>
 #include <cstdio>
 
@@ -83,6 +84,8 @@ int main(int argc, char** argv)
         return 2;
     }
     FileBrowser::SetUseLastSavedDir(false);
+    const QTemporaryDir settings;
+    FileBrowser::SetPreferencesPath(settings.path() + QStringLiteral("/favorites"), QStringLiteral("Comp"));
     FileBrowser::SetQueuedColor(QColor(255, 170, 120));
     const QDir directory(QString::fromLocal8Bit(argv[1]));
     const QString folder = QString::fromLocal8Bit(argv[2]);

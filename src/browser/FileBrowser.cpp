@@ -7,6 +7,9 @@
 #include "browser/FilesMenu.h"
 #include "browser/ProxyModel.h"
 #include "dialog/FilePathEdit.h"
+#include "favorites/FavoritesList.h"
+#include "favorites/FavoritesModel.h"
+#include "favorites/FavoritesProxy.h"
 #include "widgets/AppSettings.h"
 #include "widgets/DisclosureButton.h"
 
@@ -15,7 +18,6 @@
 #include <QGridLayout>
 #include <QHeaderView>
 #include <QLabel>
-#include <QListView>
 #include <QMutex>
 #include <QPushButton>
 #include <QStyle>
@@ -57,6 +59,7 @@ FileBrowser::FileBrowser(QWidget* parent)
     attributesTimer = new QTimer(this);
     attributesTimer->setSingleShot(true);
     connect(attributesTimer, SIGNAL(timeout()), this, SLOT(showArrivedAttributes()));
+    prepareFavorites();
     initWidgets();
     initLayout();
     setSelectionType(SelectionType::Files);
@@ -64,11 +67,14 @@ FileBrowser::FileBrowser(QWidget* parent)
     setMultipleSelections(false);
     setFocusProxy(filenameEdit);
     setFocus(Qt::OtherFocusReason);
+    favoritesChanged = false;
     loadDirectorySettings();
 }
 
 FileBrowser::~FileBrowser()
 {
+    if (favoritesChanged)
+        SaveFavorites();
     AppSettings settings;
     settings.setValue(_directoryIdentifier, currentDirectory.absolutePath());
     settings.setValue(_previewIdentifier, previewButton->checkState() == Qt::Checked);
@@ -78,6 +84,9 @@ FileBrowser::~FileBrowser()
     delete filesList;
     delete proxyModel;
     delete directoryModel;
+    delete favoritesList;
+    delete favoritesProxy;
+    delete favoritesModel;
 }
 
 void FileBrowser::initWidgets()
@@ -95,7 +104,7 @@ void FileBrowser::initFavoritesPanel()
     constexpr int ButtonHeight = 15;
     constexpr int SmallButtonWidth = 30;
     constexpr int EditButtonWidth = 130;
-    favoritesList = named(new QListView(this), "favoritesList");
+    initFavoritesList();
     addFavoriteButton =
         makeButton(this, "addFavoriteButton", tr("+"), tr("Add a favorite for the current directory."));
     addFavoriteButton->setMaximumSize(SmallButtonWidth, ButtonHeight);
@@ -107,9 +116,11 @@ void FileBrowser::initFavoritesPanel()
     removeFavoriteButton =
         makeButton(this, "removeFavoriteButton", tr("-"), tr("Delete the selected favorite."));
     removeFavoriteButton->setMaximumSize(SmallButtonWidth, ButtonHeight);
-    // There are no favourites that the buttons could work on yet.
-    for (QPushButton* button : {addFavoriteButton, editFavoriteButton, removeFavoriteButton})
-        button->setEnabled(false);
+    editFavoriteButton->setEnabled(false);
+    removeFavoriteButton->setEnabled(false);
+    connect(addFavoriteButton, SIGNAL(clicked()), this, SLOT(addFavorite()));
+    connect(editFavoriteButton, SIGNAL(clicked()), this, SLOT(editFavorite()));
+    connect(removeFavoriteButton, SIGNAL(clicked()), this, SLOT(removeFavorite()));
 }
 
 void FileBrowser::initFilesList()

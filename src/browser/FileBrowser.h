@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/Export.h"
+#include "favorites/Favorite.h"
 
 #include <QAbstractItemModel>
 #include <QColor>
@@ -8,19 +9,24 @@
 #include <QPointer>
 #include <QStringList>
 #include <QWidget>
+#include <string>
 
 class FilePathEdit;
+class QAction;
 class QCheckBox;
 class QComboBox;
 class QGridLayout;
 class QLabel;
-class QListView;
+class QMenu;
 class QPushButton;
 class QTimer;
 
 namespace Halvern::UI {
 
 class DisclosureButton;
+class FavoritesList;
+class FavoritesModel;
+class FavoritesProxy;
 class FileDialog;
 class FileInfo;
 class FileSequenceEvaluator;
@@ -58,10 +64,12 @@ public:
     };
     Q_ENUM(SelectionType)
 
-    /// Reads the stored settings and sets the stored directory, or the working directory; the files are
-    /// listed when the browser is first shown, if nothing asked for them before. @p parent owns it.
+    /// Makes the favourites of the process ready, reads the stored settings and sets the stored directory, or
+    /// the working directory; the files are listed when the browser is first shown, if nothing asked for them
+    /// before. @p parent owns it.
     explicit FileBrowser(QWidget* parent = nullptr);
-    /// Stores the directory and the preview state.
+    /// Writes the favourites file if the user added, edited or removed favourites in this browser, and stores
+    /// the directory and the preview state.
     ~FileBrowser() override;
 
     /// Goes to @p dir: enters it into the history and sets the buttons. Unless @p keepFilename, its path is
@@ -119,6 +127,15 @@ public:
     /// Reads sequence display, sort order and directory from the settings again.
     void updateFromPreferences();
 
+    /// What the browser is for, FaveType bits (default: FaveAll): it shows favourites of these kinds and
+    /// those for every browser, and a favourite that the user adds here is of this type to begin with.
+    void setFaveType(FaveType type);
+    /// Whether the user can choose the kinds of browser that show a favourite (default: yes).
+    void setShowChooserTypes(bool show) { showChooserTypes = show; }
+    /// Finds folder and icon of every favourite again and shows the list as it is by now; a browser does not
+    /// notice by itself what others change.
+    void refreshFavorites();
+
     void removeListDuplicates(QStringList& list) const { list.removeDuplicates(); }
 
     /// Turns the frame placeholder from the first to the last "#" into a printf token: "img.####.exr" gives
@@ -144,6 +161,46 @@ public:
     /// What a leading "." stands for in typed folders like "./shots/"; by default the working directory.
     static void SetDefaultPath(const QString& path) { _defaultPath = path; }
 
+    /// The favourites of the process, in the order of the panels; null before InitFavs().
+    static QList<Favorite>* Favorites();
+    /// The file that keeps the persistent favourites, and the name of the product, which is written into it
+    /// and names the favourite of the product's folder. Without a path nothing is kept. To be called before
+    /// the first browser is made; later it takes effect at ResetFavorites().
+    static void SetPreferencesPath(const QString& path, const QString& productName);
+    /// Folders of the default favourites Home, Root, Current and of the product; the home folder and the
+    /// working directory stand in for empty ones. @p persist says whether they are kept in the file. A new
+    /// browser sets the product's folder to that of the application. To be called before the first browser
+    /// is made.
+    static void SetDefaultFavoritePaths(const QString& home, const QString& root, const QString& working,
+                                        const QString& productDir, bool persist);
+    /// Takes ownership of what turns the paths of favourites into folders, and deletes the one before; null
+    /// leaves the paths as they are.
+    static void SetFavoriteExpressionEvaluator(FavoriteExpressionEvaluator* evaluator);
+    static FavoriteExpressionEvaluator* GetFavoriteExpressionEvaluator();
+    /// Once per process: adds the defaults and reads the favourites file, or makes it where it is missing.
+    /// The first browser does it too.
+    static void InitFavs();
+    static void InitDefaultFavorites();
+    /// Adds what the favourites file holds to the list. Errors are printed to standard error.
+    static void LoadFavorites();
+    /// Replaces the favourites file; what fails, a full disk included, leaves the old one and is printed to
+    /// standard error.
+    static void SaveFavorites();
+    /// Adds a favourite; all texts are UTF-8. @p flags are FaveType bits, a negative number stands for its
+    /// complement. With @p persist it is kept in the file and takes the place of an earlier one of the same
+    /// name and type. It can be opened from the next refreshFavorites() on, and nothing is written before
+    /// SaveFavorites().
+    static void AddFavoriteDir(std::string name, std::string keyText, std::string path, std::string iconPath,
+                               std::string tooltip, int flags, bool persist);
+    /// Inserts a copy where it belongs: non-persistent ones first, drives last.
+    static void AddFavorite(const Favorite& favorite);
+    /// Removes the first favourite of that name, type (0 for any) and persistence; nothing if there is none.
+    static void RemoveFavoriteDir(std::string name, int type, bool persistent);
+    /// Forgets all favourites and initialises them again from defaults and file.
+    static void ResetFavorites();
+    /// Forgets the favourites that are not kept, and adds the defaults again.
+    static void ResetNonPersistentFavorites();
+
 signals:
     /// A directory was entered, a single row selected, or a path typed. @p info lives until the signal
     /// returns.
@@ -168,6 +225,7 @@ protected:
 
 private slots:
     void onFileInfoAvailable() {}
+    void favoriteSelected(QModelIndex current);
     void filterChanged(QString text);
     void navigateUp();
     void navigateBack();
@@ -181,7 +239,12 @@ private slots:
     void newFolder();
     void refresh();
     void fileDoubleClicked(QModelIndex index);
+    void addFavorite();
+    void removeFavorite();
+    void editFavorite();
+    bool showEditFavoriteDialog(Halvern::UI::Favorite& fav);
     void hoverItem(QModelIndex index);
+    void hoverFavorite(QModelIndex index);
     void managerRefreshList();
     void managerFilesUpdated(int start, int end);
     void addItemToQueue();
@@ -200,7 +263,10 @@ private:
     friend class FileDialog;
 
     void initWidgets();
+    static void prepareFavorites();
     void initFavoritesPanel();
+    void initFavoritesList();
+    void resetFavoritesModel();
     void initFilesList();
     void initNavigationButtons();
     void initOptions();
@@ -221,7 +287,12 @@ private:
     bool mayNotExist = false;
     bool multipleSelections = false;
     bool buttonsVisible = true;
-    QListView* favoritesList = nullptr;
+    bool showChooserTypes = true;
+    FavoritesList* favoritesList = nullptr;
+    FavoritesModel* favoritesModel = nullptr;
+    FavoritesProxy* favoritesProxy = nullptr;
+    FaveType faveType = FaveAll;
+    QMenu* favoritesMenu = nullptr;
     FilesMenu* filesMenu = nullptr;
     FilesList* filesList = nullptr;
     FilePathEdit* filenameEdit = nullptr;
@@ -234,9 +305,13 @@ private:
     DisclosureButton* previewButton = nullptr;
     QCheckBox* sequencesCheck = nullptr;
     QCheckBox* splitCheck = nullptr;
+    QAction* addCurrentAction = nullptr;
+    QAction* editFavoriteAction = nullptr;
+    QAction* removeFavoriteAction = nullptr;
     QPushButton* addFavoriteButton = nullptr;
     QPushButton* editFavoriteButton = nullptr;
     QPushButton* removeFavoriteButton = nullptr;
+    bool favoritesChanged = false;
     QStringList pickList;
     DirectoryModel* directoryModel = nullptr;
     ProxyModel* proxyModel = nullptr;

@@ -85,6 +85,7 @@ void FileBrowserTest::everyConnectionResolves()
     FileBrowser browser;
     const auto child = [&](const char* name) { return browser.findChild<QObject*>(QLatin1String(name)); };
     auto* list = browser.findChild<FileBrowser::FilesList*>();
+    auto* favorites = browser.findChild<QListView*>(QStringLiteral("favoritesList"));
     const QList<QAction*> actions = browser.findChild<FileBrowser::FilesMenu*>()->actions();
     QCOMPARE(actions.size(), 3);
     struct Connection
@@ -99,6 +100,16 @@ void FileBrowserTest::everyConnectionResolves()
         {list, SIGNAL(clicked(QModelIndex)), SLOT(fileClicked(QModelIndex))},
         {list, SIGNAL(doubleClicked(QModelIndex)), SLOT(fileDoubleClicked(QModelIndex))},
         {list, SIGNAL(entered(QModelIndex)), SLOT(hoverItem(QModelIndex))},
+        {favorites->selectionModel(), SIGNAL(currentChanged(QModelIndex, QModelIndex)),
+         SLOT(favoriteSelected(QModelIndex))},
+        {favorites, SIGNAL(clickedAgain(QModelIndex)), SLOT(favoriteSelected(QModelIndex))},
+        {favorites, SIGNAL(entered(QModelIndex)), SLOT(hoverFavorite(QModelIndex))},
+        {child("editFavoriteAction"), SIGNAL(triggered()), SLOT(editFavorite())},
+        {child("removeFavoriteAction"), SIGNAL(triggered()), SLOT(removeFavorite())},
+        {child("addCurrentAction"), SIGNAL(triggered()), SLOT(addFavorite())},
+        {child("addFavoriteButton"), SIGNAL(clicked()), SLOT(addFavorite())},
+        {child("editFavoriteButton"), SIGNAL(clicked()), SLOT(editFavorite())},
+        {child("removeFavoriteButton"), SIGNAL(clicked()), SLOT(removeFavorite())},
         {list->header(), SIGNAL(sortIndicatorChanged(int, Qt::SortOrder)),
          SLOT(sortingChanged(int, Qt::SortOrder))},
         {child("filesMenu"), SIGNAL(aboutToHide()), SLOT(fileMenuClosed())},

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <string>
+
+namespace Halvern::Base {
+
+/// Reads a whole file into @p contents. Returns 0, or the system's error number, with what was read until
+/// then in @p contents. A device or pipe reads as empty.
+int readFile(const std::string& path, std::string& contents);
+
+/// Puts @p contents in the place of the file @p path, or makes it.
+///
+/// Whatever interrupts it, the file holds either all of the old or all of the new contents: a new file is
+/// written and brought to the disk beside the old one, and then takes its name. It gets the permissions of
+/// the old one and, where the system allows it, its owner and group. A symbolic link stays: the file that it
+/// leads to is replaced. A device or pipe is written to as it is.
+///
+/// Returns 0, or the system's error number, and then the old file is there as it was: EACCES where the file
+/// or its folder may not be written, ENOSPC where the disk is full.
+int replaceFile(const std::string& path, const std::string& contents);
+
+} // namespace Halvern::Base

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <QHash>
+#include <QIcon>
+
+namespace Halvern::UI {
+
+/// The platform's icons of folders and drives, each made once. No icon is looked up on disk by the folder it
+/// is for: what the platform gives is told by the path alone, so that a folder on storage that does not
+/// answer has its icon at once. Without a QApplication all icons are null. GUI thread only.
+class CachedFileIconProvider
+{
+public:
+    /// The icon of the folder with the absolute path @p path: the home and the root folder have icons of
+    /// their own.
+    QIcon folderIcon(const QString& path);
+    QIcon genericFolderIcon();
+    QIcon driveIcon();
+
+private:
+    QIcon generic;
+    QHash<QString, QIcon> icons; // by path
+};
+
+} // namespace Halvern::UI

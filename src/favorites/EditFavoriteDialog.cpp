@@ -1,0 +1,109 @@
+#include "favorites/EditFavoriteDialog.h"
+
+#include <QCheckBox>
+#include <QDialogButtonBox>
+#include <QFrame>
+#include <QGridLayout>
+#include <QLabel>
+#include <QLineEdit>
+
+namespace Halvern::UI {
+
+namespace {
+
+struct ChooserType
+{
+    FaveType type;
+    const char* name;
+    const char* label;
+};
+
+// In the order of the rows.
+constexpr ChooserType chooserTypesInOrder[] = {
+    {FaveImage, "FaveImage", QT_TRANSLATE_NOOP("EditFavoriteDialog", "image browser:")},
+    {FaveMisc, "FaveMisc", QT_TRANSLATE_NOOP("EditFavoriteDialog", "misc browser:")},
+    {FavePython, "FavePython", QT_TRANSLATE_NOOP("EditFavoriteDialog", "python browser:")},
+    {FaveSequence, "FaveSequence", QT_TRANSLATE_NOOP("EditFavoriteDialog", "sequence browser:")},
+    {FaveProject, "FaveProject", QT_TRANSLATE_NOOP("EditFavoriteDialog", "project browser:")},
+    {FaveScript, "FaveScript", QT_TRANSLATE_NOOP("EditFavoriteDialog", "script browser:")},
+    {FaveFont, "FaveFont", QT_TRANSLATE_NOOP("EditFavoriteDialog", "font browser:")},
+    {FaveGeo, "FaveGeo", QT_TRANSLATE_NOOP("EditFavoriteDialog", "geo browser:")},
+};
+
+constexpr int EveryTypeButSequence = 255 & ~FaveSequence;
+
+} // namespace
+
+EditFavoriteDialog::EditFavoriteDialog(QWidget* parent, Favorite& favorite)
+    : QDialog(parent)
+{
+    setWindowTitle(tr("Edit favorite"));
+    auto* grid = new QGridLayout(this);
+    nameEdit = createEdit(grid, "nameEdit", tr("Name:"), favorite.name, 0);
+    folderEdit = createEdit(grid, "folderEdit", tr("Folder:"), favorite.path, 1);
+    createChooserFrame(favorite.type);
+    grid->addWidget(chooserFrame, 2, 0, 1, 2);
+    tooltipEdit = createEdit(grid, "tooltipEdit", tr("Tooltip:"), favorite.tooltip, 3);
+    iconEdit = createEdit(grid, "iconEdit", tr("Icon:"), favorite.iconPath, 4);
+
+    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
+    connect(buttons, SIGNAL(accepted()), this, SLOT(accept()));
+    connect(buttons, SIGNAL(rejected()), this, SLOT(reject()));
+    grid->addWidget(buttons, 5, 1);
+}
+
+QLineEdit* EditFavoriteDialog::createEdit(QGridLayout* grid, const char* name, const QString& label,
+                                          const QString& text, int row)
+{
+    auto* edit = new QLineEdit(text, this);
+    edit->setObjectName(QLatin1String(name));
+    grid->addWidget(new QLabel(label, this), row, 0, Qt::AlignRight);
+    grid->addWidget(edit, row, 1);
+    return edit;
+}
+
+void EditFavoriteDialog::createChooserFrame(int type)
+{
+    chooserFrame = new QFrame(this);
+    chooserFrame->setObjectName(QStringLiteral("chooserFrame"));
+    chooserFrame->setFrameShape(QFrame::StyledPanel);
+    auto* grid = new QGridLayout(chooserFrame);
+    int row = 0;
+    for (const ChooserType& chooser : chooserTypesInOrder) {
+        createChooserType(grid, chooser.type, chooser.label, row++);
+        QCheckBox* box = chooserTypes[chooser.type];
+        box->setObjectName(QLatin1String(chooser.name));
+        box->setChecked((type & chooser.type) != 0);
+    }
+}
+
+void EditFavoriteDialog::createChooserType(QGridLayout* grid, FaveType type, const char* label, int row)
+{
+    auto* box = new QCheckBox(chooserFrame);
+    grid->addWidget(new QLabel(tr(label), chooserFrame), row, 0, Qt::AlignRight);
+    grid->addWidget(box, row, 1);
+    chooserTypes[type] = box;
+}
+
+void EditFavoriteDialog::setShowChooserTypes(bool show)
+{
+    showChooserTypes = show;
+    chooserFrame->setVisible(show);
+}
+
+void EditFavoriteDialog::applyTo(Favorite& favorite) const
+{
+    favorite.name = nameEdit->text();
+    favorite.path = folderEdit->text();
+    favorite.iconPath = iconEdit->text();
+    favorite.tooltip = tooltipEdit->text();
+    favorite.type = FaveAll;
+    if (!showChooserTypes)
+        return;
+    for (const auto& [type, box] : chooserTypes)
+        favorite.type |= box->isChecked() ? type : 0;
+    if (favorite.type == EveryTypeButSequence)
+        favorite.type = FaveAll;
+}
+
+} // namespace Halvern::UI

@@ -1,0 +1,45 @@
+#pragma once
+
+#include "favorites/Favorite.h"
+
+#include <QDialog>
+#include <map>
+
+class QCheckBox;
+class QFrame;
+class QGridLayout;
+class QLineEdit;
+
+namespace Halvern::UI {
+
+/// Asks for the values of a favourite: name, folder, tooltip, icon, and the kinds of browser that show it.
+class EditFavoriteDialog : public QDialog
+{
+    Q_OBJECT
+
+public:
+    /// Shows the values of @p favorite, which it does not keep.
+    EditFavoriteDialog(QWidget* parent, Favorite& favorite);
+
+    /// Shows or hides the boxes for the kinds of browser (default: shown).
+    void setShowChooserTypes(bool show);
+    /// Puts what was typed into @p favorite, as it is. The type is made of the checked boxes: 0, for every
+    /// browser, where the boxes are hidden, none is checked, or all but "sequence browser:" are.
+    void applyTo(Favorite& favorite) const;
+
+private:
+    void createChooserType(QGridLayout* grid, FaveType type, const char* label, int row);
+    void createChooserFrame(int type);
+    QLineEdit* createEdit(QGridLayout* grid, const char* name, const QString& label, const QString& text,
+                          int row);
+
+    QLineEdit* nameEdit;
+    QLineEdit* folderEdit;
+    QFrame* chooserFrame;
+    QLineEdit* tooltipEdit;
+    QLineEdit* iconEdit;
+    std::map<int, QCheckBox*> chooserTypes; // by FaveType
+    bool showChooserTypes = true;
+};
+
+} // namespace Halvern::UI

@@ -1,0 +1,35 @@
+#include "favorites/Favorite.h"
+
+#include <tuple>
+
+namespace Halvern::UI {
+
+namespace {
+
+auto record(const Favorite& favorite)
+{
+    return std::tie(favorite.path, favorite.name, favorite.keyText, favorite.iconPath, favorite.tooltip,
+                    favorite.type, favorite.requestedFlags, favorite.isDrive, favorite.persistent);
+}
+
+} // namespace
+
+bool Favorite::hasFolder() const
+{
+    // A QDir of no path is one of the working directory.
+    return dir.path() != QLatin1String(".") || QDir::cleanPath(path) == QLatin1String(".");
+}
+
+bool Favorite::isSame(const Favorite& other) const
+{
+    return record(*this) == record(other);
+}
+
+FavoriteExpressionEvaluator::~FavoriteExpressionEvaluator() = default;
+
+QString FavoriteExpressionEvaluator::evaluate(const Favorite& favorite)
+{
+    return favorite.path;
+}
+
+} // namespace Halvern::UI

@@ -1,0 +1,63 @@
+#include "favorites/FavoritesList.h"
+
+#include "favorites/FavoritesModel.h"
+#include "favorites/FavoritesProxy.h"
+
+#include <QContextMenuEvent>
+#include <QMenu>
+
+namespace Halvern::UI {
+
+FavoritesList::FavoritesList(FavoritesProxy* proxy, QWidget* parent)
+    : QListView(parent)
+    , favorites(proxy)
+{
+    constexpr int IconSize = 16;
+    setMouseTracking(true);
+    // Platforms have larger icons for some folders than for others.
+    setIconSize(QSize(IconSize, IconSize));
+    // Asking every row for its size would take seconds where there are ten thousand.
+    setUniformItemSizes(true);
+    setModel(proxy);
+}
+
+void FavoritesList::setMenu(QMenu* menu, QAction* edit, QAction* remove)
+{
+    contextMenu = menu;
+    editAction = edit;
+    removeAction = remove;
+}
+
+void FavoritesList::contextMenuEvent(QContextMenuEvent* event)
+{
+    if (!contextMenu)
+        return;
+    const Favorite* current = favorites->favorite(currentIndex());
+    const bool editable = current && current->isEditable();
+    editAction->setEnabled(editable);
+    removeAction->setEnabled(editable);
+    contextMenu->popup(event->globalPos());
+}
+
+void FavoritesList::focusInEvent(QFocusEvent* event)
+{
+    // The item view would make its first row the current one, and that would take the browser there.
+    QAbstractScrollArea::focusInEvent(event); // NOLINT(bugprone-parent-virtual-call)
+    viewport()->update();
+}
+
+void FavoritesList::leaveEvent(QEvent* /*event*/)
+{
+    favorites->favoritesModel()->hover(-1);
+}
+
+void FavoritesList::mousePressEvent(QMouseEvent* event)
+{
+    const QPersistentModelIndex before = currentIndex();
+    QListView::mousePressEvent(event);
+    const bool same = before.isValid() && currentIndex() == before && indexAt(event->pos()) == before;
+    if (same && event->button() == Qt::LeftButton)
+        emit clickedAgain(before);
+}
+
+} // namespace Halvern::UI

@@ -1,0 +1,53 @@
+#pragma once
+
+#include "favorites/Favorite.h"
+
+#include <QAbstractListModel>
+#include <QColor>
+#include <QList>
+
+namespace Halvern::UI {
+
+/// The favourites as rows of one column. It shows the list as it was at the last resetModel(): others change
+/// the list without telling.
+class FavoritesModel : public QAbstractListModel
+{
+    Q_OBJECT
+
+public:
+    /// Neither @p list nor @p highlight, the colour behind the row under the mouse, is owned; both outlive
+    /// the model.
+    FavoritesModel(const QList<Favorite>* list, const QColor* highlight, QObject* parent = nullptr);
+
+    int rowCount(const QModelIndex& parent = QModelIndex()) const override;
+    /// Name, icon, tooltip (the folder where the favourite has none) and the highlight of the hovered row.
+    QVariant data(const QModelIndex& index, int role = Qt::DisplayRole) const override;
+
+    /// Takes over what the list holds by now. No row is hovered after it.
+    void resetModel();
+    /// Announces the rows from @p from to @p to as changed.
+    void refreshModel(const QModelIndex& from, const QModelIndex& to);
+
+    /// The row under the mouse, -1 for none. Setting it announces nothing.
+    int hoveredRow() const { return hovered; }
+    void setHoveredRow(int row) { hovered = row; }
+    /// Sets the row under the mouse, and announces it and the one before it as changed.
+    void hover(int row);
+
+    /// What the row shows; it must be there.
+    const Favorite& shown(int row) const { return rows.at(row); }
+    /// The favourite that the row shows, in the list itself; null where there is no such row, or where the
+    /// favourite was removed or edited elsewhere in the meantime.
+    const Favorite* favorite(int row) const;
+    /// Where the list holds @p record by now, -1 for nowhere. Of several equal ones it is the one in
+    /// @p place, where it was before, or else the first.
+    int positionInList(const Favorite& record, int place) const;
+
+private:
+    const QList<Favorite>* favorites;
+    QList<Favorite> rows;
+    const QColor* highlightColour;
+    int hovered = -1;
+};
+
+} // namespace Halvern::UI

@@ -1,0 +1,38 @@
+#pragma once
+
+#include "favorites/Favorite.h"
+
+#include <QSortFilterProxyModel>
+
+namespace Halvern::UI {
+
+class FavoritesModel;
+
+/// Keeps those rows of a FavoritesModel that are meant for one kind of browser, in their order.
+class FavoritesProxy : public QSortFilterProxyModel
+{
+    Q_OBJECT
+
+public:
+    explicit FavoritesProxy(FavoritesModel* model, QObject* parent = nullptr);
+
+    /// The bits of the browser's kind; FaveAll, the initial one, leaves only what every browser shows.
+    FaveType faveType() const { return mask; }
+    /// Filters afresh where the kind changes.
+    void setFaveType(FaveType type);
+
+    FavoritesModel* favoritesModel() const { return favorites; }
+    /// The row of the model behind an index of this proxy, -1 for an invalid one.
+    int sourceRow(const QModelIndex& index) const { return mapToSource(index).row(); }
+    /// The favourite behind an index of this proxy; null where there is none any more.
+    const Favorite* favorite(const QModelIndex& index) const;
+
+protected:
+    bool filterAcceptsRow(int row, const QModelIndex& parent) const override;
+
+private:
+    FavoritesModel* favorites;
+    FaveType mask = FaveAll;
+};
+
+} // namespace Halvern::UI
