@@ -17,6 +17,7 @@ set(COREUI_PUBLIC_HEADERS
     widgets/AppSettings.h
     widgets/DisclosableWidget.h
     widgets/DisclosureButton.h
+    widgets/FrameSlider.h
     widgets/PackedColour.h
     widgets/VisibilitySetter.h)
 
