@@ -12,7 +12,9 @@ set(COREUI_PUBLIC_HEADERS
     catalogue/FileManager.h
     catalogue/FileSequenceEvaluator.h
     catalogue/FrameRange.h
+    dialog/FCPreviewInfo.h
     dialog/FilePathEdit.h
+    dialog/FilePreview.h
     dialog/Filename.h
     widgets/AppSettings.h
     widgets/DisclosableWidget.h
