@@ -1,5 +1,8 @@
 #include "dialog/Preview.h"
 
+#include <QOpenGLContext>
+#include <QOpenGLFunctions>
+
 namespace Halvern::UI {
 
 FilePreview::Preview::Preview(QWidget* parent)
@@ -7,6 +10,15 @@ FilePreview::Preview::Preview(QWidget* parent)
 {
     setMinimumSize(512, 256);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
+}
+
+// A buffer that nobody draws into shows what was on the screen before.
+void FilePreview::Preview::glDraw()
+{
+    makeCurrent();
+    if (isValid() && QOpenGLContext::currentContext())
+        QOpenGLContext::currentContext()->functions()->glClear(GL_COLOR_BUFFER_BIT);
+    QGLWidget::glDraw();
 }
 
 void FilePreview::Preview::resizeGL(int /*width*/, int /*height*/) {}
