@@ -19,13 +19,16 @@ set(COREUI_PUBLIC_HEADERS
     catalogue/FileManager.h
     catalogue/FileSequenceEvaluator.h
     catalogue/FrameRange.h
+    dialog/FCPreviewInfo.h
     dialog/FileDialog.h
     dialog/FilePathEdit.h
+    dialog/FilePreview.h
     dialog/Filename.h
     favorites/Favorite.h
     widgets/AppSettings.h
     widgets/DisclosableWidget.h
     widgets/DisclosureButton.h
+    widgets/FrameSlider.h
     widgets/PackedColour.h
     widgets/VisibilitySetter.h)
 

@@ -2,6 +2,7 @@
 // FOLDER.
 
 #include "dialog/FileDialog.h"
+#include "dialog/FilePreview.h"
 
 #include <QApplication>
 #include <QElapsedTimer>
@@ -12,6 +13,7 @@
 
 using Halvern::UI::FileBrowser;
 using Halvern::UI::FileDialog;
+using Halvern::UI::FilePreview;
 
 namespace {
 
@@ -67,6 +69,12 @@ bool pictureDialogs(const QDir& directory, const QString& folder)
     selectRow(dialog, QStringLiteral("shot_010"));
     if (!picture(dialog, folder + QStringLiteral("/dialog.png")))
         return false;
+    dialog.setPreviewWidget(new FilePreview(&dialog, 0));
+    auto* previewButton = dialog.findChild<QAbstractButton*>(QStringLiteral("previewButton"));
+    previewButton->setChecked(true);
+    if (!picture(dialog, folder + QStringLiteral("/preview.png")))
+        return false;
+    previewButton->setChecked(false);
     for (const char* queued : {"plate", "shot_010"}) {
         selectRow(dialog, QString::fromLatin1(queued));
         dialog.findChild<QPushButton*>(QStringLiteral("nextButton"))->click();

@@ -1,0 +1,313 @@
+// The mouse and the wheel over a frame slider.
+
+#include "widgets/FrameSlider.h"
+#include "widgets/Rounding.h"
+
+#include <QApplication>
+#include <QMouseEvent>
+#include <QWheelEvent>
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+FrameSlider::DragMode FrameSlider::dragMode = DragMode::Idle;
+const FrameSlider* FrameSlider::dragged = nullptr;
+int FrameSlider::pressX = 0;
+int FrameSlider::pressY = 0;
+int FrameSlider::hoverX = 0;
+int FrameSlider::hoverHalfWidth = 17;
+FrameNumber FrameSlider::selectAnchor = 0;
+FrameNumber FrameSlider::selectEnd = 0;
+FrameNumber FrameSlider::panFrame = 0;
+double FrameSlider::zoomAnchor = 0;
+FrameNumber FrameSlider::zoomStartView = 0;
+FrameNumber FrameSlider::zoomEndView = 0;
+int FrameSlider::zoomPressX = 0;
+int FrameSlider::zoomPressY = 0;
+
+namespace {
+
+constexpr double PixelsPerDoubling = 96;
+constexpr double WheelStep = 0.25; // of a doubling
+
+QPoint wholePixels(const QPointF& position)
+{
+    return {Rounding::frame(Rounding::halfUp(position.x())), Rounding::frame(Rounding::halfUp(position.y()))};
+}
+
+QPointF wheelPosition(const QWheelEvent& event)
+{
+#if QT_VERSION >= QT_VERSION_CHECK(5, 14, 0)
+    return event.position();
+#else
+    return event.posF();
+#endif
+}
+
+// A drag across several screens would leave the range of float, and infinity times nothing is no number.
+float powerOfTwo(double exponent)
+{
+    return std::min(std::exp2(static_cast<float>(exponent)), std::numeric_limits<float>::max());
+}
+
+} // namespace
+
+int FrameSlider::frameUnderMouse(int x) const
+{
+    return Rounding::frame(Rounding::floor(mouseToValue(x)));
+}
+
+int FrameSlider::nearestFrame(int x) const
+{
+    return Rounding::frame(Rounding::halfUp(mouseToValue(x)));
+}
+
+void FrameSlider::mousePressEvent(QMouseEvent* event)
+{
+    const DragMode mode = modeOfPress(*event);
+    if (mode == DragMode::Idle) {
+        event->ignore();
+        return;
+    }
+    endHover();
+    const QPoint position = wholePixels(event->localPos());
+    pressX = position.x();
+    pressY = position.y();
+    dragMode = mode;
+    dragged = this;
+    switch (mode) {
+    case DragMode::Zooming:
+        beginZoom();
+        break;
+    case DragMode::Panning:
+        panFrame = frameUnderMouse(pressX);
+        break;
+    case DragMode::Selecting:
+        selectAnchor = selectEnd = frameUnderMouse(pressX);
+        break;
+    case DragMode::Scrubbing:
+        setScrubbing(true);
+        drag(pressX, pressY);
+        break;
+    default:
+        drag(pressX, pressY);
+        break;
+    }
+}
+
+FrameSlider::DragMode FrameSlider::modeOfPress(const QMouseEvent& event) const
+{
+    const bool left = event.button() == Qt::LeftButton;
+    const bool other = event.button() == Qt::RightButton || event.button() == Qt::MiddleButton;
+    if (!left && !other)
+        return DragMode::Idle;
+    if (event.modifiers() & Qt::AltModifier)
+        return left ? DragMode::Panning : DragMode::Zooming;
+    if (other)
+        return DragMode::Selecting;
+    if (event.modifiers() & Qt::ControlModifier)
+        return handleAt(wholePixels(event.localPos()).x());
+    return DragMode::Scrubbing;
+}
+
+FrameSlider::DragMode FrameSlider::handleAt(int x) const
+{
+    const int first = first_frame();
+    const int last = last_frame();
+    bool out = false;
+    if (first <= m_value && m_value <= last) {
+        out = valueToMouse(m_value) <= x;
+    } else {
+        const qint64 in = std::max(valueToMouse(first) - 1, 0);
+        const qint64 end = valuePlusOneToMouse(last);
+        out = std::abs(x - end) <= std::abs(x - in);
+    }
+    return out ? DragMode::MovingOut : DragMode::MovingIn;
+}
+
+void FrameSlider::beginZoom()
+{
+    zoomPressX = pressX;
+    zoomPressY = pressY;
+    zoomAnchor = mouseToValue(pressX);
+    zoomStartView = m_viewStart;
+    zoomEndView = m_viewEnd;
+}
+
+void FrameSlider::mouseMoveEvent(QMouseEvent* event)
+{
+    const QPoint position = wholePixels(event->localPos());
+    drag(position.x(), position.y());
+}
+
+void FrameSlider::drag(int x, int y)
+{
+    switch (dragMode) {
+    case DragMode::Idle:
+    case DragMode::Hovering:
+        hover(x);
+        break;
+    case DragMode::Scrubbing:
+        scrub(x);
+        break;
+    case DragMode::Selecting:
+        selectEnd = frameUnderMouse(x);
+        update();
+        emit sliderRangeChanged();
+        break;
+    case DragMode::Zooming:
+        zoom(x, y);
+        break;
+    case DragMode::Panning:
+        pan(x);
+        break;
+    case DragMode::MovingIn:
+        moveInPoint(x);
+        break;
+    case DragMode::MovingOut:
+        moveOutPoint(x);
+        break;
+    }
+}
+
+void FrameSlider::scrub(int x)
+{
+    const double exact = static_cast<double>(static_cast<float>(mouseToValue(x)));
+    setValue(Rounding::frame(Rounding::halfUp(exact)));
+    emit sliderMoved(m_value);
+}
+
+void FrameSlider::zoom(int x, int y)
+{
+    const double pixels = (static_cast<double>(zoomPressX) - x) + (static_cast<double>(y) - zoomPressY);
+    const double factor = static_cast<double>(powerOfTwo(pixels / PixelsPerDoubling));
+    const qint64 start = Rounding::floor(zoomAnchor - (zoomAnchor - zoomStartView) * factor);
+    const qint64 end = Rounding::halfUp((zoomEndView - zoomAnchor) * factor + zoomAnchor);
+    setView(start, start >= end ? start + 1 : end);
+    emit sliderRangeChanged();
+}
+
+void FrameSlider::pan(int x)
+{
+    constexpr qint64 least = std::numeric_limits<FrameNumber>::min();
+    constexpr qint64 most = std::numeric_limits<FrameNumber>::max();
+    const qint64 moved = qint64(frameUnderMouse(x)) - panFrame;
+    // A view at the end of the numbers stops there and keeps its length.
+    const qint64 distance =
+        std::clamp(moved, std::max(m_viewStart, m_viewEnd) - most, std::min(m_viewStart, m_viewEnd) - least);
+    if (distance != 0)
+        range(static_cast<int>(m_viewStart - distance), static_cast<int>(m_viewEnd - distance));
+    emit sliderRangeChanged();
+}
+
+void FrameSlider::moveInPoint(int x)
+{
+    int frame = frameUnderMouse(x);
+    if (frame > m_value && m_value >= first_frame())
+        frame = m_value;
+    setinout(std::min(frame, last_frame()), m_outPoint);
+    emit sliderInOutChanged();
+}
+
+void FrameSlider::moveOutPoint(int x)
+{
+    int frame = frameUnderMouse(x);
+    if (frame < m_value && m_value <= last_frame())
+        frame = m_value;
+    setinout(m_inPoint, std::max(frame, first_frame()));
+    emit sliderInOutChanged();
+}
+
+void FrameSlider::hover(int x)
+{
+    const bool entered = dragMode == DragMode::Idle;
+    const int hovered = valueToMouse(nearestFrame(x));
+    const int previous = entered ? hovered : hoverX;
+    dragMode = DragMode::Hovering;
+    dragged = this;
+    hoverX = hovered;
+    if (entered || hovered != previous)
+        updateBand(std::min(previous, hovered), std::max(previous, hovered));
+}
+
+void FrameSlider::updateBand(int left, int right)
+{
+    update(left - hoverHalfWidth, 0, right - left + 2 * hoverHalfWidth, height());
+}
+
+void FrameSlider::endHover()
+{
+    if (dragMode != DragMode::Hovering)
+        return;
+    dragMode = DragMode::Idle;
+    dragged = nullptr;
+    updateBand(hoverX, hoverX);
+}
+
+void FrameSlider::mouseReleaseEvent(QMouseEvent* event)
+{
+    const QPoint position = wholePixels(event->localPos());
+    const DragMode mode = dragMode;
+    // Whoever listens may look at the slider again, or throw it away.
+    dragMode = DragMode::Idle;
+    dragged = nullptr;
+    // Another button may have taken over the drag in the middle of a scrub.
+    if (mode == DragMode::Scrubbing || event->button() == Qt::LeftButton)
+        setScrubbing(false);
+    if (mode == DragMode::Selecting)
+        endSelection(position.x(), position.y());
+    else if (mode == DragMode::Scrubbing)
+        emit sliderMoved(m_value);
+}
+
+void FrameSlider::endSelection(int x, int y)
+{
+    update();
+    const qint64 distance = std::abs(qint64(x) - pressX) + std::abs(qint64(y) - pressY);
+    if (distance < QApplication::startDragDistance())
+        emit sliderRangeReset();
+    else if (selectEnd != selectAnchor)
+        setView(std::min(selectAnchor, selectEnd), std::max(selectAnchor, selectEnd));
+}
+
+void FrameSlider::enterEvent(QEvent* /*event*/) {}
+
+void FrameSlider::leaveEvent(QEvent* /*event*/)
+{
+    endHover();
+}
+
+// A slider that is hidden in the middle of a drag gets no release; the next slider would go on dragging.
+void FrameSlider::hideEvent(QHideEvent* event)
+{
+    QWidget::hideEvent(event);
+    if (dragged == this)
+        abandonDrag();
+}
+
+void FrameSlider::abandonDrag()
+{
+    dragMode = DragMode::Idle;
+    dragged = nullptr;
+    setScrubbing(false);
+}
+
+void FrameSlider::wheelEvent(QWheelEvent* event)
+{
+    const QPoint position = wholePixels(wheelPosition(*event));
+    if (!rect().contains(position)) {
+        event->ignore();
+        return;
+    }
+    const int delta = event->angleDelta().y();
+    const int steps = delta == 0 ? 0 : (delta > 0 ? -1 : 1);
+    const double anchor =
+        std::clamp(mouseToValue(position.x()), static_cast<double>(std::min(m_viewStart, m_viewEnd)),
+                   static_cast<double>(std::max(m_viewStart, m_viewEnd)));
+    const double factor = static_cast<double>(powerOfTwo(steps * WheelStep));
+    const double frames = static_cast<double>(m_viewEnd) + 1 - m_viewStart;
+    const qint64 start = Rounding::halfUp((m_viewStart - anchor) * factor + anchor);
+    const auto length = static_cast<qint64>(std::ceil(frames * factor));
+    setView(start, std::max(start, start + length - 1));
+    emit sliderRangeChanged();
+}

@@ -1,0 +1,76 @@
+// The two rows of marks of a frame slider. A paint follows pixels where frames are denser than these, so that
+// neither a long view nor a large set makes it slow.
+
+#include "widgets/FrameSlider.h"
+#include "widgets/Rounding.h"
+
+#include <QPainter>
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+namespace {
+
+constexpr int EndMargin = 10;
+constexpr int KeyHeight = 2;
+
+} // namespace
+
+void FrameSlider::prepareKeys() {}
+
+void FrameSlider::drawKeyframes(int from, int to, int row, QPainter& painter, const QColor& colour,
+                                const std::set<int>& frames) const
+{
+    const int scaleStart = m_margin + EndMargin;
+    const int scaleEnd = width() - EndMargin - m_margin;
+    const auto mark = [&](int left, int right) {
+        left = std::max(left, scaleStart);
+        right = std::min(right, scaleEnd);
+        if (left < right)
+            painter.fillRect(left, row, right - left, KeyHeight, colour);
+    };
+    const bool dense = qint64(m_viewEnd) - m_viewStart >= width() - 2 * EndMargin;
+    auto frame = frames.lower_bound(from);
+
+    while (!dense && frame != frames.end() && *frame <= to) {
+        const int first = *frame;
+        int last = first;
+        while (++frame != frames.end() && *frame - 1 == last && *frame <= to)
+            last = *frame;
+        const int x = valueToMouse(first);
+        const int halfFrame = std::max((valueToMouse(first + 1.0) - x) / 2, 1);
+        mark(x - halfFrame, valueToMouse(last) + halfFrame);
+    }
+    if (!dense)
+        return;
+
+    // A frame covers its pixel and the one before it: marks that touch each other are drawn as one.
+    const QRect band = painter.hasClipping() ? painter.clipBoundingRect().toAlignedRect() : rect();
+    const qint64 last = std::min(to, frameUnderMouse(band.right() + 3));
+    qint64 next = std::max(from, frameUnderMouse(band.left() - 2));
+    int left = 0;
+    int right = std::numeric_limits<int>::min() / 2;
+    while (next <= last) {
+        frame = frames.lower_bound(static_cast<int>(next));
+        if (frame == frames.end() || *frame > last)
+            break;
+        const int x = valueToMouse(*frame);
+        if (x > right + 2) {
+            mark(left, right + 1);
+            left = x - 1;
+        }
+        right = x;
+        next = firstFrameBehind(x);
+    }
+    mark(left, right + 1);
+}
+
+qint64 FrameSlider::firstFrameBehind(int x) const
+{
+    auto frame = static_cast<qint64>(std::ceil(mouseToValue(x + 1)));
+    while (valueToMouse(static_cast<double>(frame)) <= x)
+        ++frame;
+    while (valueToMouse(static_cast<double>(frame - 1)) > x)
+        --frame;
+    return frame;
+}
