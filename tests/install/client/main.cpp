@@ -10,9 +10,11 @@
 #include <catalogue/FileManager.h>
 #include <catalogue/FileSequenceEvaluator.h>
 #include <dialog/FilePathEdit.h>
+#include <dialog/FilePreview.h>
 #include <dialog/Filename.h>
 #include <widgets/AppSettings.h>
 #include <widgets/DisclosureButton.h>
+#include <widgets/FrameSlider.h>
 #include <widgets/PackedColour.h>
 
 #include <QApplication>
@@ -52,7 +54,9 @@ int main(int argc, char** argv)
     browser.setDirectory(QDir::root(), false, false);
     FilePathEdit edit(nullptr);
     DisclosureButton button(nullptr, true);
-    const bool works = filename_isdir("/") && QColorToRgb0(rgb0toQColor(128)) == 0x808080ff &&
-                       browser.directory() == QDir::root() && AppSettings().format() == QSettings::IniFormat;
+    FrameSlider slider(true, nullptr);
+    const bool works = filename_isdir("/") && slider.setValue(7) &&
+                       QColorToRgb0(rgb0toQColor(128)) == 0x808080ff && browser.directory() == QDir::root() &&
+                       AppSettings().format() == QSettings::IniFormat;
     return works && lists ? 0 : 1;
 }
