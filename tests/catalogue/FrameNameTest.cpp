@@ -9,114 +9,54 @@ class FrameNameTest : public Test
     Q_OBJECT
 
 private slots:
-    void readsNames_data();
     void readsNames();
-    void readsText_data();
     void readsText();
     void reconcilesWidths();
 };
 
-void FrameNameTest::readsNames_data()
-{
-    QTest::addColumn<QByteArray>("pattern"); // empty: no frame
-    QTest::addColumn<int>("frame");
-    QTest::addColumn<int>("digits");
-    QTest::addColumn<bool>("padded");
-
-    const auto row = [](const char* name, const char* pattern, int frame, int digits, bool padded) {
-        QTest::newRow(name) << QByteArray(pattern) << frame << digits << padded;
-    };
-    row("shot_010.0042.exr", "shot_010.#.exr", 42, 4, true);
-    row("img7.tif", "img#.tif", 7, 1, false);
-    row("take.12", "take.#", 12, 2, false);
-    row("a.b.0010", "a.b.#", 10, 4, true);
-    row("v2_plate.exr", "v#_plate.exr", 2, 1, false);
-    row("x.-5.exr", "x.-#.exr", 5, 1, false);
-    row("0001", "#", 1, 4, true);
-    row("0001.exr", "#.exr", 1, 4, true);
-    row("01.exr", "#.exr", 1, 2, true);
-    row("a1.exr", "a#.exr", 1, 1, false);
-    row("a.7z", "a.#z", 7, 1, false);
-    row("x.2147483647.exr", "x.#.exr", 2147483647, 10, false);
-    for (const char* name : {"", "7", "readme.txt", "1.exr", ".hidden5", ".exr", "photo.cr2",
-                             "x.2147483648.exr", "x.99999999999999999999999.exr"})
-        QTest::newRow(*name ? name : "empty") << QByteArray() << 0 << 0 << false;
-}
-
 void FrameNameTest::readsNames()
 {
-    QFETCH(QByteArray, pattern);
-    const QByteArray name = QTest::currentDataTag() == QByteArray("empty") ? "" : QTest::currentDataTag();
+    const std::pair<const char*, const char*> rows[] = {{"shot_010.0042.exr", "shot_010.#.exr 42 4 1"},
+                                                        {"a.b.0010", "a.b.# 10 4 1"},
+                                                        {"x.-5.exr", "x.-#.exr 5 1 0"},
+                                                        {"0001", "# 1 4 1"},
+                                                        {"a.7z", "a.#z 7 1 0"},
+                                                        {"x.2147483647.exr", "x.#.exr 2147483647 10 0"}};
     int frame = 0;
     int digits = 0;
     bool padded = false;
-    char found[FileInfo::NameSize];
-    QCOMPARE(FrameName::read(name.constData(), frame, found, digits, padded), !pattern.isEmpty());
-    if (pattern.isEmpty())
-        return;
-    QCOMPARE(QByteArray(found), pattern);
-    QTEST(frame, "frame");
-    QTEST(digits, "digits");
-    QTEST(padded, "padded");
-}
-
-void FrameNameTest::readsText_data()
-{
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<QString>("pattern"); // empty: no frame
-    QTest::addColumn<int>("frame");
-    QTest::addColumn<int>("smallestWidth");
-
-    QTest::newRow("a # for each digit") << "shot.0042.exr"
-                                        << "shot.####.exr" << 42 << 4;
-    QTest::newRow("narrow padding") << "shot.042.exr"
-                                    << "shot.###.exr" << 42 << 3;
-    QTest::newRow("unpadded") << "shot.42.exr"
-                              << "shot.##.exr" << 42 << 4;
-    QTest::newRow("wide padding") << "shot.00042.exr"
-                                  << "shot.#####.exr" << 42 << 4;
-    QTest::newRow("lone zero") << "shot.0.exr"
-                               << "shot.#.exr" << 0 << 4;
-    QTest::newRow("beyond int") << "shot.4294967296.exr"
-                                << "" << 0 << 4;
-    QTest::newRow("numeric extension") << "photo.cr2"
-                                       << "" << 0 << 4;
-    QTest::newRow("digits without a value") << QStringLiteral("a\u0664\u0662.exr") << "" << 0 << 4;
+    char pattern[FileInfo::NameSize];
+    for (const auto& row : rows) {
+        QVERIFY2(FrameName::read(row.first, frame, pattern, digits, padded), row.first);
+        QCOMPARE(QString::asprintf("%s %d %d %d", pattern, frame, digits, padded), QString(row.second));
+    }
+    for (const char* name : {"", "7", "1.exr", ".hidden5", "photo.cr2", "x.2147483648.exr"})
+        QVERIFY2(!FrameName::read(name, frame, pattern, digits, padded), name);
 }
 
 void FrameNameTest::readsText()
 {
-    QFETCH(QString, name);
-    QFETCH(QString, pattern);
-    FrameName::resetSmallestPaddedWidth();
-    QString found;
+    QString pattern;
     int frame = 0;
-    QCOMPARE(FrameName::read(name, found, frame), !pattern.isEmpty());
-    QTEST(FrameName::smallestPaddedWidth(), "smallestWidth");
-    if (pattern.isEmpty())
-        return;
-    QCOMPARE(found, pattern);
-    QTEST(frame, "frame");
+    FrameName::resetSmallestPaddedWidth();
+    QVERIFY(FrameName::read(QStringLiteral("shot.42.exr"), pattern, frame));
+    QVERIFY(FrameName::read(QStringLiteral("shot.00042.exr"), pattern, frame));
+    QVERIFY(!FrameName::read(QStringLiteral("a\u0664\u0662.exr"), pattern, frame));
+    QCOMPARE(FrameName::smallestPaddedWidth(), 4);
+    QVERIFY(FrameName::read(QStringLiteral("shot.042.exr"), pattern, frame));
+    QCOMPARE(pattern, QStringLiteral("shot.###.exr"));
+    QCOMPARE(FrameName::smallestPaddedWidth(), 3);
 }
 
 void FrameNameTest::reconcilesWidths()
 {
     QString a = QStringLiteral("f.##.exr");
-    QString b = QStringLiteral("f.###.exr");
-    QVERIFY(FrameName::reconcilePatterns(a, b));
-    QCOMPARE(a, QStringLiteral("f.#.exr"));
-    QCOMPARE(b, a);
-
-    QString same = QStringLiteral("f.##.exr");
-    QString again = same;
-    QVERIFY(FrameName::reconcilePatterns(same, again));
-    QCOMPARE(same, QStringLiteral("f.##.exr"));
-
-    QString other = QStringLiteral("g.##.exr");
-    QVERIFY(!FrameName::reconcilePatterns(same, other));
-    QCOMPARE(other, QStringLiteral("g.##.exr"));
-    QString plain = QStringLiteral("f.");
-    QVERIFY(!FrameName::reconcilePatterns(same, plain));
+    QString b = a;
+    QVERIFY(FrameName::reconcilePatterns(a, b) && a == QLatin1String("f.##.exr"));
+    b = QStringLiteral("g.##.exr");
+    QVERIFY(!FrameName::reconcilePatterns(a, b) && b == QLatin1String("g.##.exr"));
+    b = QStringLiteral("f.###.exr");
+    QVERIFY(FrameName::reconcilePatterns(a, b) && a == QLatin1String("f.#.exr") && b == a);
 }
 
 QTEST_GUILESS_MAIN(FrameNameTest)

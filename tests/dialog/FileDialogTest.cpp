@@ -12,7 +12,6 @@
 #include <QDragEnterEvent>
 #include <QMimeData>
 #include <QPushButton>
-#include <QTimer>
 #include <QWindow>
 
 using namespace Halvern::UI;
@@ -26,15 +25,9 @@ private slots:
     void init();
     void buttonsFollowTheSelection_data();
     void buttonsFollowTheSelection();
-    void everyConnectionResolves();
-    void forwardsItsConfiguration();
-    void openAndCancelEndIt();
-    void doubleClickOpens();
-    void filterIsReset();
     void sizeIsRemembered();
     void previewGivesTheSizeBack();
     void takesOneDroppedFile();
-    void shownFieldKeepsItsSelection();
     void worksByKeyboardAlone();
 
 private:
@@ -93,157 +86,42 @@ void FileDialogTest::buttonsFollowTheSelection_data()
 {
     QTest::addColumn<SelectionType>("type");
     QTest::addColumn<QStringList>("selected"); // one name with a "!" in front is typed instead
-    QTest::addColumn<bool>("multiple");
-    QTest::addColumn<bool>("mayNotExist");
-    QTest::addColumn<bool>("open");
-    QTest::addColumn<bool>("next");
-
-    const auto files = SelectionType::Files;
-    const auto folders = SelectionType::Directories;
-    const auto both = SelectionType::FilesAndDirectories;
+    // Two letters each for: plain, multiple, mayNotExist, both; O and N where Open and Next are enabled.
+    QTest::addColumn<QString>("expected");
     const auto row = [](SelectionType type, const QStringList& selected, const char* expected) {
-        // Two letters each for: plain, multiple, mayNotExist, both; O and N where Open and Next are enabled.
-        for (int i = 0; i < 4; ++i) {
-            const QString tag = QStringLiteral("%1 %2 %3").arg(int(type)).arg(selected.join('+')).arg(i);
-            QTest::newRow(qPrintable(tag)) << type << selected << ((i & 1) != 0) << ((i & 2) != 0)
-                                           << (expected[2 * i] == 'O') << (expected[2 * i + 1] == 'N');
-        }
+        QTest::addRow("%d %s", int(type), qPrintable(selected.join('+'))) << type << selected << expected;
     };
-    row(files, {"a"}, "O-ONO-ON");
-    row(files, {"sub/"}, "----O-O-");
-    row(files, {}, "----O-O-");
-    row(files, {"!sub"}, "----O-O-");
-    row(files, {"a", "b"}, "--ONO-ON");
-    row(files, {"a", "sub/"}, "----O-O-");
-    row(folders, {"a"}, "----O-O-");
-    row(folders, {"sub/"}, "O-ONO-ON");
-    row(folders, {"!sub"}, "O-ONO-ON");
-    row(folders, {"!none"}, "----O-O-");
-    row(folders, {"!a"}, "----O-O-");
-    row(folders, {"a", "sub/"}, "----O-O-");
-    row(both, {"a"}, "O-ONO-ON");
-    row(both, {"sub/"}, "O-ONO-ON");
-    row(both, {"!sub"}, "O-ONO-ON");
-    row(both, {"!none"}, "----O-O-");
-    row(both, {"a", "sub/"}, "--ONO-ON");
+    row(SelectionType::Files, {"a"}, "O-ONO-ON");
+    row(SelectionType::Files, {"!sub"}, "----O-O-");
+    row(SelectionType::Files, {"a", "b"}, "--ONO-ON");
+    row(SelectionType::Files, {"a", "sub/"}, "----O-O-");
+    row(SelectionType::Directories, {"!sub"}, "O-ONO-ON");
+    row(SelectionType::Directories, {"!none"}, "----O-O-");
+    row(SelectionType::FilesAndDirectories, {"!sub"}, "O-ONO-ON");
+    row(SelectionType::FilesAndDirectories, {"a", "sub/"}, "--ONO-ON");
 }
 
 void FileDialogTest::buttonsFollowTheSelection()
 {
     QFETCH(SelectionType, type);
     QFETCH(QStringList, selected);
-    QFETCH(bool, multiple);
-    QFETCH(bool, mayNotExist);
     Window window(m_folder->path());
     window.dialog.setSelectionType(type);
     window.dialog.setMultipleSelections(true);
-    window.dialog.setMayNotExist(mayNotExist);
     QTRY_COMPARE(window.names(), (QStringList{"a", "b", "sub/"}));
-    if (!selected.isEmpty() && selected.first().startsWith(QLatin1Char('!'))) {
+    if (selected.first().startsWith(QLatin1Char('!')))
         window.edit()->setText(path(selected.first().mid(1)));
-    } else {
+    else
         window.select(selected);
-        if (selected.isEmpty())
-            window.edit()->clear();
+    QString enabled;
+    for (int i = 0; i < 4; ++i) {
+        window.dialog.setMultipleSelections((i & 1) != 0);
+        window.dialog.setMayNotExist((i & 2) != 0);
+        QVERIFY(QMetaObject::invokeMethod(&window.dialog, "fileSelectionChanged"));
+        enabled += window.open()->isEnabled() ? 'O' : '-';
+        enabled += window.next()->isEnabled() ? 'N' : '-';
     }
-    window.dialog.setMultipleSelections(multiple);
-    QVERIFY(QMetaObject::invokeMethod(&window.dialog, "fileSelectionChanged"));
-    QTEST(window.open()->isEnabled(), "open");
-    QTEST(window.next()->isEnabled(), "next");
-    if (!multiple)
-        return;
-    // With something queued Open stays possible whatever is selected.
-    window.dialog.setSelectionType(SelectionType::FilesAndDirectories);
-    window.next()->setEnabled(true);
-    window.next()->click();
-    window.list()->clearSelection();
-    window.dialog.setSelectionType(type);
-    window.edit()->setText(path(QStringLiteral("none")));
-    QVERIFY(QMetaObject::invokeMethod(&window.dialog, "fileSelectionChanged"));
-    QVERIFY(window.open()->isEnabled() && !window.next()->isEnabled());
-}
-
-void FileDialogTest::everyConnectionResolves()
-{
-    Window window(m_folder->path());
-    FileBrowser* browser = window.dialog.fileBrowser();
-    const struct
-    {
-        const QObject* sender;
-        const char* signal;
-        const char* slot;
-    } connections[] = {
-        {window.list()->selectionModel(), SIGNAL(selectionChanged(QItemSelection, QItemSelection)),
-         SLOT(fileSelectionChanged())},
-        {browser, SIGNAL(fileSelected(const Halvern::UI::FileInfo&, QDir)), SLOT(fileSelectionChanged())},
-        {browser, SIGNAL(fileDoubleClick(const Halvern::UI::FileInfo&)),
-         SLOT(fileDoubleClicked(const Halvern::UI::FileInfo&))},
-        {browser, SIGNAL(accepted()), SLOT(accept())},
-        {browser, SIGNAL(rejected()), SLOT(reject())},
-        {browser, SIGNAL(previewClosed()), SLOT(onPreviewClosed())},
-        {browser, SIGNAL(previewOpening()), SLOT(onPreviewOpening())},
-    };
-    for (const auto& connection : connections)
-        QVERIFY2(QObject::disconnect(connection.sender, connection.signal, &window.dialog, connection.slot),
-                 connection.slot);
-}
-
-void FileDialogTest::forwardsItsConfiguration()
-{
-    Window window(m_folder->path());
-    QCOMPARE(window.open()->text(), QStringLiteral("Import"));
-    QCOMPARE(window.open()->toolTip(), QStringLiteral("Choose the selected item and close."));
-    QStringList filters{QStringLiteral("b*")};
-    window.dialog.setFilters(filters, true);
-    QTRY_COMPARE(window.names(), (QStringList{"b", "sub/"}));
-    window.dialog.setFilename(path(QStringLiteral("sub/new")));
-    QCOMPARE(window.dialog.directory().path(), path(QStringLiteral("sub")));
-    QCOMPARE(window.dialog.selectedFiles(), QStringList(path("sub/new")));
-    window.dialog.setFilterBlock(false);
-    window.edit()->setText(path(QStringLiteral("sub/")));
-    window.dialog.setSelectionType(SelectionType::Directories);
-    window.dialog.refreshWidget();
-    QVERIFY(window.open()->isEnabled());
-    window.dialog.buildSettingsNamespace(QStringLiteral("dialog"));
-    window.list()->sortByColumn(2, Qt::AscendingOrder);
-    QCOMPARE(AppSettings().value(QStringLiteral("FileBrowser/dialog/orderlogicalindex")).toInt(), 2);
-}
-
-void FileDialogTest::openAndCancelEndIt()
-{
-    Window window(m_folder->path());
-    QTRY_COMPARE(window.names().size(), 3);
-    window.select({"a"});
-    QTest::mouseClick(window.open(), Qt::LeftButton);
-    QCOMPARE(window.dialog.result(), int(QDialog::Accepted));
-    QVERIFY(!window.dialog.isVisible());
-    window.dialog.show();
-    QTest::mouseClick(window.dialog.findChild<QPushButton*>(QStringLiteral("cancelButton")), Qt::LeftButton);
-    QCOMPARE(window.dialog.result(), int(QDialog::Rejected));
-    window.dialog.show();
-    QTest::keyClick(&window.dialog, Qt::Key_Escape);
-    QVERIFY(!window.dialog.isVisible());
-}
-
-void FileDialogTest::doubleClickOpens()
-{
-    Window window(m_folder->path());
-    QTRY_COMPARE(window.names().size(), 3);
-    const QPoint place = window.list()->visualRect(window.rows()->index(1, 0)).center();
-    QTest::mouseClick(window.list()->viewport(), Qt::LeftButton, Qt::NoModifier, place);
-    QTest::mouseDClick(window.list()->viewport(), Qt::LeftButton, Qt::NoModifier, place);
-    QCOMPARE(window.dialog.result(), int(QDialog::Accepted));
-    QCOMPARE(window.dialog.selectedFiles(), QStringList(path("b")));
-}
-
-void FileDialogTest::filterIsReset()
-{
-    Window window(m_folder->path());
-    QStringList filters{QStringLiteral("b*")};
-    window.dialog.setFilters(filters, true);
-    QTRY_COMPARE(window.names(), (QStringList{"b", "sub/"}));
-    QVERIFY(QMetaObject::invokeMethod(&window.dialog, "resetFileFilter"));
-    QCOMPARE(window.names().size(), 3);
+    QTEST(enabled, "expected");
 }
 
 void FileDialogTest::sizeIsRemembered()
@@ -259,17 +137,10 @@ void FileDialogTest::sizeIsRemembered()
 
 void FileDialogTest::previewGivesTheSizeBack()
 {
-    class Preview : public QWidget
-    {
-    public:
-        QSize sizeHint() const override { return {512, 400}; }
-    };
     expectWarning(QStringLiteral("No such slot QWidget::fileSelected"));
     Window window(m_folder->path());
     window.dialog.resize(900, 500);
-    QVERIFY(QMetaObject::invokeMethod(&window.dialog, "onPreviewClosed"));
-    QCOMPARE(window.dialog.size(), QSize(900, 500));
-    auto* preview = new Preview;
+    auto* preview = new QWidget;
     preview->setMinimumHeight(400);
     preview->hide();
     window.dialog.setPreviewWidget(preview);
@@ -283,44 +154,28 @@ void FileDialogTest::previewGivesTheSizeBack()
 void FileDialogTest::takesOneDroppedFile()
 {
     Window window(m_folder->path());
-    const QString before = window.edit()->text();
-    const auto drop = [&](QWidget* target, const QList<QUrl>& urls) {
+    const auto drop = [&](const QList<QUrl>& urls) {
         QMimeData data;
         data.setUrls(urls);
-        QDragEnterEvent enter(QPoint(5, 5), Qt::CopyAction | Qt::MoveAction, &data, Qt::LeftButton,
-                              Qt::NoModifier);
-        QApplication::sendEvent(target, &enter);
+        const QPoint place(5, 5);
+        const Qt::DropActions possible = Qt::CopyAction | Qt::MoveAction;
+        QDragEnterEvent enter(place, possible, &data, Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(&window.dialog, &enter);
         if (!enter.isAccepted())
             return false;
-        QDropEvent event(QPoint(5, 5), enter.dropAction(), &data, Qt::LeftButton, Qt::NoModifier);
-        QApplication::sendEvent(target, &event);
+        QDropEvent event(place, enter.dropAction(), &data, Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(&window.dialog, &event);
         return event.isAccepted() && enter.dropAction() == Qt::CopyAction;
     };
     const QUrl file = QUrl::fromLocalFile(path(QStringLiteral("sub/dropped")));
-    const QUrl folder = QUrl::fromLocalFile(path(QStringLiteral("sub/")));
-    QVERIFY(!drop(&window.dialog, {file, folder}));
-    QVERIFY(!drop(&window.dialog, {QUrl(QStringLiteral("https://example.org/a.exr"))}));
-    QVERIFY(!drop(&window.dialog, {}));
+    QVERIFY(!drop({file, file}));
+    QVERIFY(!drop({QUrl(QStringLiteral("https://example.org/a.exr"))}));
     QVERIFY(!window.edit()->acceptDrops());
-    QCOMPARE(window.edit()->text(), before);
-    QVERIFY(drop(&window.dialog, {file}));
+    QVERIFY(drop({file}));
     QCOMPARE(window.edit()->text(), path(QStringLiteral("sub/dropped")));
-    QVERIFY(drop(&window.dialog, {folder}));
-    QCOMPARE(window.dialog.directory().path(), path(QStringLiteral("sub")));
 }
 
-void FileDialogTest::shownFieldKeepsItsSelection()
-{
-    FileDialog dialog;
-    dialog.setFilename(path(QStringLiteral("a")));
-    dialog.show();
-    QCOMPARE(dialog.findChild<FilePathEdit*>()->selectedText(), QStringLiteral("a"));
-    Window fresh(m_folder->path());
-    QVERIFY(!fresh.edit()->hasSelectedText());
-    QCOMPARE(fresh.edit()->cursorPosition(), fresh.edit()->text().length());
-}
-
-// Type part of a path, complete it, move through the list, enter a directory, go back and up, queue two
+// Type part of a path, complete it, move through the list, enter a directory, go up, queue two
 // sequences and open.
 void FileDialogTest::worksByKeyboardAlone()
 {
@@ -328,7 +183,6 @@ void FileDialogTest::worksByKeyboardAlone()
     const QString shots = path(QStringLiteral("shots"));
     QVERIFY(SampleFiles::makeFrames(shots, "bg.%02d.exr", 1, 9));
     QVERIFY(SampleFiles::makeFrames(shots, "fg.%02d.exr", 1, 9));
-    QVERIFY(SampleFiles::make(shots + "/010", {"note"}));
 
     Window window(m_folder->path());
     window.dialog.setMultipleSelections(true);
@@ -340,11 +194,9 @@ void FileDialogTest::worksByKeyboardAlone()
             press(Qt::Key_Backtab, Qt::ShiftModifier);
         return QApplication::focusWidget() == wanted;
     };
-    QTRY_COMPARE(QApplication::focusWidget(), window.edit());
     QTRY_COMPARE(window.names().size(), 4);
-    press(Qt::Key_S);
-    press(Qt::Key_H);
-    press(Qt::Key_Tab);
+    for (const Qt::Key key : {Qt::Key_S, Qt::Key_H, Qt::Key_Tab})
+        press(key);
     QCOMPARE(window.edit()->text(), shots + '/');
     const QStringList names{"010/", "bg.##.exr 1-9", "fg.##.exr 1-9"};
     QTRY_COMPARE(window.names(), names);
@@ -354,13 +206,7 @@ void FileDialogTest::worksByKeyboardAlone()
     press(Qt::Key_Home);
     press(Qt::Key_Down, Qt::ControlModifier);
     QCOMPARE(window.dialog.directory().path(), shots + "/010");
-    QTRY_COMPARE(window.names(), QStringList("note"));
     press(Qt::Key_Backspace);
-    QCOMPARE(window.dialog.directory().path(), shots);
-    press(Qt::Key_Up, Qt::ControlModifier);
-    QCOMPARE(window.dialog.directory().path(), m_folder->path());
-    press(Qt::Key_Left, Qt::ControlModifier);
-    QCOMPARE(window.dialog.directory().path(), shots);
     QTRY_COMPARE(window.names(), names);
 
     for (int row = 1; row <= 2; ++row) {
