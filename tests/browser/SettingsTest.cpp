@@ -18,6 +18,7 @@ private slots:
     void init() { AppSettings().clear(); }
     void anotherProcessRemembers();
     void nonsenseGivesDefaults();
+    void unwritableSettingsDoNoHarm();
     void namespacesSeparate();
 };
 
@@ -70,6 +71,15 @@ void SettingsTest::nonsenseGivesDefaults()
     QCOMPARE(describe(browser), QDir::currentPath() + " 0 0 1 0");
     browser.buildSettingsNamespace(QStringLiteral("odd"));
     QCOMPARE(describe(browser), QFileInfo(QDir::currentPath()).path() + " 0 0 1 0");
+}
+
+void SettingsTest::unwritableSettingsDoNoHarm()
+{
+    const QString path = QFileInfo(AppSettings().fileName()).path();
+    QSettings::setPath(QSettings::IniFormat, QSettings::UserScope, QStringLiteral("/proc/no/such/folder"));
+    BrowserWindow(QDir::tempPath()).list()->sortByColumn(1, Qt::DescendingOrder);
+    QCOMPARE(describe(FileBrowser()), QStringLiteral("%1 0 0 1 0").arg(QDir::currentPath()));
+    QSettings::setPath(QSettings::IniFormat, QSettings::UserScope, path);
 }
 
 void SettingsTest::namespacesSeparate()

@@ -25,6 +25,7 @@ private slots:
     void init();
     void buttonsFollowTheSelection_data();
     void buttonsFollowTheSelection();
+    void everyConnectionResolves();
     void sizeIsRemembered();
     void previewGivesTheSizeBack();
     void takesOneDroppedFile();
@@ -122,6 +123,24 @@ void FileDialogTest::buttonsFollowTheSelection()
         enabled += window.next()->isEnabled() ? 'N' : '-';
     }
     QTEST(enabled, "expected");
+}
+
+void FileDialogTest::everyConnectionResolves()
+{
+    Window window(m_folder->path());
+    const FileBrowser* browser = window.dialog.fileBrowser();
+    const auto leave = [&](const QObject* sender, const char* signal, const char* slot) {
+        QVERIFY2(QObject::disconnect(sender, signal, &window.dialog, slot), slot);
+    };
+    leave(window.list()->selectionModel(), SIGNAL(selectionChanged(QItemSelection, QItemSelection)),
+          SLOT(fileSelectionChanged()));
+    leave(browser, SIGNAL(fileSelected(Halvern::UI::FileInfo, QDir)), SLOT(fileSelectionChanged()));
+    leave(browser, SIGNAL(fileDoubleClick(Halvern::UI::FileInfo)),
+          SLOT(fileDoubleClicked(Halvern::UI::FileInfo)));
+    leave(browser, SIGNAL(accepted()), SLOT(accept()));
+    leave(browser, SIGNAL(rejected()), SLOT(reject()));
+    leave(browser, SIGNAL(previewClosed()), SLOT(onPreviewClosed()));
+    leave(browser, SIGNAL(previewOpening()), SLOT(onPreviewOpening()));
 }
 
 void FileDialogTest::sizeIsRemembered()
