@@ -2,7 +2,6 @@
 #include "support/StandardOutput.h"
 #include "support/Test.h"
 
-
 using Halvern::Base::FrameRange;
 using Halvern::Base::FrameRanges;
 
