@@ -1,17 +1,30 @@
 #include "dialog/FilePathEdit.h"
 #include "support/Test.h"
 
+#include <initializer_list>
+
 namespace {
 
+// A key that is pressed with Control and whatever else.
+struct Press
+{
+    Press(Qt::Key pressed, Qt::KeyboardModifiers with = Qt::NoModifier)
+        : key(pressed)
+        , modifiers(with)
+    {
+    }
+    Qt::Key key;
+    Qt::KeyboardModifiers modifiers;
+};
+
 // Sets the text, puts the cursor where it has a "|", presses the keys, and gives the text marked likewise.
-QString pressed(FilePathEdit& edit, QString text, const QList<int>& keys)
+QString pressed(FilePathEdit& edit, QString text, std::initializer_list<Press> keys)
 {
     const int cursor = text.indexOf('|');
     edit.setText(text.remove('|'));
     edit.setCursorPosition(cursor);
-    for (const int key : keys)
-        QTest::keyClick(&edit, static_cast<Qt::Key>(key & ~Qt::ShiftModifier),
-                        Qt::ControlModifier | Qt::KeyboardModifiers(key & Qt::ShiftModifier));
+    for (const Press& press : keys)
+        QTest::keyClick(&edit, press.key, Qt::ControlModifier | press.modifiers);
     return edit.text().insert(edit.cursorPosition(), '|');
 }
 
@@ -33,8 +46,9 @@ private slots:
         QCOMPARE(pressed(edit, "/|\U0001F3AC\U0001F3AC/b", {Qt::Key_Delete}), QString("/|/b"));
         QCOMPARE(pressed(edit, "/usr/local/|", {Qt::Key_Left}), QString("/usr/|local/"));
         QCOMPARE(pressed(edit, "/usr|/local/bin", {Qt::Key_Right}), QString("/usr/local|/bin"));
-        const int left = Qt::Key_Left | Qt::SHIFT;
-        QCOMPARE(pressed(edit, "/a/b|c", {left, left, Qt::Key_Right | Qt::SHIFT}), QString("/a|/bc"));
+        const Press left(Qt::Key_Left, Qt::ShiftModifier);
+        QCOMPARE(pressed(edit, "/a/b|c", {left, left, {Qt::Key_Right, Qt::ShiftModifier}}),
+                 QString("/a|/bc"));
         QCOMPARE(edit.selectedText(), QString("/b"));
         QCOMPARE(pressed(edit, "/a/b|c", {left, Qt::Key_Backspace}), QString("/a/|c"));
         edit.setReadOnly(true);
