@@ -9,6 +9,7 @@
 #include <QPointer>
 #include <QStringList>
 #include <QWidget>
+#include <optional>
 #include <string>
 
 class FilePathEdit;
@@ -267,6 +268,7 @@ private:
     void initFavoritesPanel();
     void initFavoritesList();
     void resetFavoritesModel();
+    std::optional<Favorite> editableFavorite(int row) const;
     void initFilesList();
     void initNavigationButtons();
     void initOptions();

@@ -108,19 +108,25 @@ void FileBrowser::addFavorite()
     favoritesChanged = true;
 }
 
+// A copy of the favourite in a row, if the user may change it.
+std::optional<Favorite> FileBrowser::editableFavorite(int row) const
+{
+    const Favorite* favorite = favoritesModel->favorite(row);
+    return favorite && favorite->isEditable() ? std::optional<Favorite>(*favorite) : std::nullopt;
+}
+
 // While a dialog is open its host may change the favourites: what was asked about is looked up again.
 
 void FileBrowser::editFavorite()
 {
     const int row = favoritesProxy->sourceRow(favoritesList->currentIndex());
-    const Favorite* favorite = favoritesModel->favorite(row);
-    if (!favorite || !favorite->isEditable())
+    const std::optional<Favorite> before = editableFavorite(row);
+    if (!before)
         return;
-    const Favorite before = *favorite;
-    Favorite edited = before;
+    Favorite edited = *before;
     if (!showEditFavoriteDialog(edited))
         return;
-    const int position = favoritesModel->positionInList(before, row);
+    const int position = favoritesModel->positionInList(*before, row);
     if (position < 0)
         return;
     FavoritesStore::instance().resolve(edited);
@@ -132,14 +138,13 @@ void FileBrowser::editFavorite()
 void FileBrowser::removeFavorite()
 {
     const int row = favoritesProxy->sourceRow(favoritesList->currentIndex());
-    const Favorite* favorite = favoritesModel->favorite(row);
-    if (!favorite || !favorite->isEditable())
+    const std::optional<Favorite> before = editableFavorite(row);
+    if (!before)
         return;
-    const Favorite before = *favorite;
-    const QPointer<QMessageBox> box = new QMessageBox(QMessageBox::Information, tr("Remove Favorite"),
-                                                      tr("Do you want to remove the folder '") + before.name +
-                                                          tr("' from the list of favorite folders?"),
-                                                      QMessageBox::Yes | QMessageBox::No, this);
+    const QPointer<QMessageBox> box = new QMessageBox(
+        QMessageBox::Information, tr("Remove Favorite"),
+        tr("Do you want to remove the folder '") + before->name + tr("' from the list of favorite folders?"),
+        QMessageBox::Yes | QMessageBox::No, this);
     box->setTextFormat(Qt::PlainText);
     box->setDefaultButton(QMessageBox::Yes);
     const bool confirmed = box->exec() == QMessageBox::Yes;
@@ -147,7 +152,7 @@ void FileBrowser::removeFavorite()
     if (!box)
         return;
     delete box;
-    const int position = confirmed ? favoritesModel->positionInList(before, row) : -1;
+    const int position = confirmed ? favoritesModel->positionInList(*before, row) : -1;
     if (position < 0)
         return;
     Favorites()->removeAt(position);
