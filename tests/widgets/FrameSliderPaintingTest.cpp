@@ -108,8 +108,8 @@ void FrameSliderPaintingTest::numbersNeverOverlap()
 {
     for (const int width : {60, 130, 400, 1000, 2000}) {
         for (const int start : {-10000000, -77, 1, 1001, 9999990}) {
-            for (double frames = 1; frames <= 1e7; frames = frames * 1.3 + 1) {
-                Slider slider(width, start, start + static_cast<int>(frames) - 1);
+            for (int frames = 1; frames <= 10000000; frames += frames / 3 + 1) {
+                Slider slider(width, start, start + frames - 1);
                 const NumberRecorder recorder(slider);
                 QVERIFY(!recorder.numbers.empty() && (width < 400 || recorder.numbers.size() >= 2));
                 int end = INT_MIN;
