@@ -1,6 +1,7 @@
 #include "widgets/FrameSlider.h"
 #include "support/Test.h"
 
+#include <QAccessible>
 #include <QSignalSpy>
 #include <climits>
 #include <memory>
@@ -54,6 +55,7 @@ private slots:
     void mapsFramesToPixels();
     void drags();
     void wheelZoomsAtTheMouse();
+    void keysDoWhatTheMouseDoes();
     void staysInsideTheNumbers();
     void scrubbingEndsWhenItMust();
     void signaturesStand();
@@ -148,6 +150,35 @@ void FrameSliderTest::wheelZoomsAtTheMouse()
     QCOMPARE(turn(0, {0, 120}), QStringLiteral("0 0:84 10:100 range"));
     QCOMPARE(turn(110, {120, 0}), QStringLiteral("0 0:100 10:100 range"));
     QCOMPARE(turn(219.5, {0, 120}), QStringLiteral("0 0:100 10:100"));
+}
+
+void FrameSliderTest::keysDoWhatTheMouseDoes()
+{
+    const std::tuple<Qt::Key, Qt::KeyboardModifiers, const char*> keys[] = {
+        {Qt::Key_Left, Qt::NoModifier, "49 0:100 10:90 49"},
+        {Qt::Key_PageUp, Qt::NoModifier, "60 0:100 10:90 60"},
+        {Qt::Key_Home, Qt::NoModifier, "10 0:100 10:90 10"},
+        {Qt::Key_End, Qt::NoModifier, "90 0:100 10:90 90"},
+        {Qt::Key_Left, Qt::AltModifier, "50 -10:90 10:90 range"},
+        {Qt::Key_Plus, Qt::ShiftModifier, "50 8:92 10:90 range"},
+        {Qt::Key_Minus, Qt::NoModifier, "50 -9:111 10:90 range"},
+        {Qt::Key_I, Qt::NoModifier, "50 0:100 50:90 inout"},
+        {Qt::Key_O, Qt::NoModifier, "50 0:100 10:50 inout"},
+        {Qt::Key_F, Qt::NoModifier, "50 0:100 10:90 reset"},
+        {Qt::Key_Left, Qt::ControlModifier, "50 0:100 10:90"},
+    };
+    for (const auto& [key, modifiers, expected] : keys) {
+        Slider slider;
+        slider.setinout(10, 90);
+        slider.setValue(50);
+        QTest::keyClick(&slider, key, modifiers);
+        QCOMPARE(slider.state(), QLatin1String(expected));
+    }
+    Slider end;
+    end.setValue(INT_MAX);
+    QTest::keyClick(&end, Qt::Key_Right);
+    QAccessible::queryAccessibleInterface(&end)->valueInterface()->setCurrentValue(7);
+    QCOMPARE(end.events, QStringLiteral(" 7"));
 }
 
 void FrameSliderTest::staysInsideTheNumbers()
