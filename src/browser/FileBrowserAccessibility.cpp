@@ -49,7 +49,7 @@ void FileBrowser::initAccessibility()
 
     // The header takes no focus.
     for (int column = 0; column < DirectoryModel::ColumnCount; ++column) {
-        auto* shortcut = new QShortcut(QKeySequence(Qt::CTRL + Qt::Key_1 + column), filesList);
+        auto* shortcut = new QShortcut(QKeySequence(QStringLiteral("Ctrl+%1").arg(column + 1)), filesList);
         shortcut->setContext(Qt::WidgetShortcut);
         connect(shortcut, &QShortcut::activated, filesList, [this, column] { sortByKey(column); });
     }
