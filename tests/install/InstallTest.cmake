@@ -20,11 +20,11 @@ file(GLOB package ${WORK_DIR}/hvmirefold-coreui_*.deb)
 run(dpkg-deb --extract ${package} ${WORK_DIR}/root)
 set(prefix ${WORK_DIR}/root/usr)
 run(${CMAKE_COMMAND} -S ${SOURCE_DIR}/install/client -B ${WORK_DIR}/build -G Ninja
-    -DCMAKE_PREFIX_PATH=${prefix} -DCMAKE_BUILD_TYPE=Debug)
+    -DCMAKE_PREFIX_PATH=${prefix} -DGUIDE=${SOURCE_DIR}/../examples/guide)
 run(${CMAKE_COMMAND} --build ${WORK_DIR}/build)
-run(${CMAKE_COMMAND} -E env QT_QPA_PLATFORM=offscreen XDG_CONFIG_HOME=${WORK_DIR}/config
-    ${WORK_DIR}/build/client ${WORK_DIR}/frames)
-if(NOT output MATCHES "shot\\.####\\.exr 1-4")
+run(${CMAKE_COMMAND} -E env QT_QPA_PLATFORM=offscreen GUIDE_UNATTENDED=1 XDG_CONFIG_HOME=${WORK_DIR}/config
+    ${CMAKE_COMMAND} -E chdir ${WORK_DIR}/frames ${WORK_DIR}/build/client)
+if(NOT output MATCHES "/frames/shot\\.####\\.exr 1-4")
     message(FATAL_ERROR "the client printed: ${output}")
 endif()
 run(ldd ${WORK_DIR}/build/client)
