@@ -40,6 +40,8 @@ endforeach()
 
 set_target_properties(CoreUI PROPERTIES EXPORT_NAME CoreUI)
 install(TARGETS CoreUI EXPORT HvMirefoldCoreUITargets LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
+# The types of the module, for editors and type checkers.
+install(FILES ${COREUI_TYPE_STUB} DESTINATION ${CMAKE_INSTALL_LIBDIR})
 
 set(COREUI_PACKAGE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/HvMirefoldCoreUI)
 install(EXPORT HvMirefoldCoreUITargets NAMESPACE HvMirefold:: DESTINATION ${COREUI_PACKAGE_DIR})
@@ -52,4 +54,5 @@ write_basic_package_version_file(
 install(FILES
     ${PROJECT_BINARY_DIR}/HvMirefoldCoreUIConfig.cmake
     ${PROJECT_BINARY_DIR}/HvMirefoldCoreUIConfigVersion.cmake
+    ${PROJECT_SOURCE_DIR}/cmake/PythonForPyQt.cmake
     DESTINATION ${COREUI_PACKAGE_DIR})

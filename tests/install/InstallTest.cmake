@@ -1,5 +1,5 @@
 # Installs the built tree into an empty prefix, builds a client project against it and runs that.
-# Arguments: BUILD_DIR, SOURCE_DIR (of the tests), WORK_DIR.
+# Then imports the installed module from Python. Arguments: BUILD_DIR, SOURCE_DIR (of the tests), WORK_DIR, PYTHON.
 
 function(run)
     execute_process(COMMAND ${ARGN} RESULT_VARIABLE result OUTPUT_VARIABLE output ERROR_VARIABLE output)
@@ -24,3 +24,8 @@ run(${CMAKE_COMMAND} -E env QT_QPA_PLATFORM=offscreen XDG_CONFIG_HOME=${WORK_DIR
 if(NOT output MATCHES "shot\\.####\\.exr 1-4")
     message(FATAL_ERROR "the client printed: ${output}")
 endif()
+
+file(GLOB_RECURSE module ${WORK_DIR}/prefix/_HvMirefoldCoreUI.abi3.so)
+get_filename_component(folder ${module} DIRECTORY)
+run(${CMAKE_COMMAND} -E env PYTHONPATH=${folder} ${PYTHON} -c
+    "import ast, _HvMirefoldCoreUI as m; print(m.Halvern.UI.FileBrowser); ast.parse(open(m.__file__[:-7] + 'pyi').read())")
