@@ -148,10 +148,20 @@ void FileBrowser::DirectoryModel::setDirectory(const QDir& dir, SequenceMode /*m
     directory = dir;
 }
 
+void FileBrowser::DirectoryModel::setEvaluator(FileSequenceEvaluator* newEvaluator)
+{
+    evaluator = newEvaluator;
+    evaluatorLifetime.reset();
+    if (!evaluator)
+        return;
+    evaluatorLifetime = evaluator->lifetime();
+    evaluator->setManager(&manager);
+}
+
 void FileBrowser::DirectoryModel::buildRunningList()
 {
     using Base::FileHandle;
-    const bool evaluated = evaluator && sequenceMode != SequenceMode::Expanded;
+    const bool evaluated = hasEvaluator() && sequenceMode != SequenceMode::Expanded;
     const FileInfo* hoveredEntry = entry(hovered);
     // The host's code runs while the model still stands as it was. Where it made the browser read another
     // directory, its answer is about entries that are gone.

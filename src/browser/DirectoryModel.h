@@ -4,6 +4,7 @@
 #include "catalogue/FileManager.h"
 
 #include <QAbstractItemModel>
+#include <memory>
 #include <vector>
 
 namespace Halvern::UI {
@@ -58,9 +59,10 @@ public:
     void setSequenceMode(SequenceMode mode) { sequenceMode = mode; }
     /// Whether the built-in rules split sequences at gaps (default: no); takes effect in the same way.
     void setSplitSequences(bool split) { splitSequences = split; }
-    /// Null for the built-in rules; not owned. Takes effect in the same way.
-    void setEvaluator(FileSequenceEvaluator* newEvaluator) { evaluator = newEvaluator; }
-    bool hasEvaluator() const { return evaluator != nullptr; }
+    /// Null for the built-in rules; not owned. Takes effect in the same way. It may die while the model has
+    /// it, which then has none.
+    void setEvaluator(FileSequenceEvaluator* newEvaluator);
+    bool hasEvaluator() const { return !evaluatorLifetime.expired(); }
 
     /// False while a read is under way whose rows were not built yet.
     bool isListReady() const { return listReady; }
@@ -81,7 +83,8 @@ private:
     QVariant displayText(const FileInfo& info, int column) const;
     QVariant background(int row, const FileInfo& info) const;
 
-    FileSequenceEvaluator* evaluator = nullptr;
+    FileSequenceEvaluator* evaluator = nullptr; // to be followed only while hasEvaluator()
+    std::weak_ptr<const void> evaluatorLifetime;
     QDir directory;
     int hovered = -1;
     bool listReady = false;
