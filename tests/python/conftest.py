@@ -1,42 +1,31 @@
-import gc
 import os
 import tempfile
 
-# Before Qt reads them: the tests have settings of their own.
-os.environ["XDG_CONFIG_HOME"] = tempfile.mkdtemp()
+# Before Qt reads them: settings of the tests' own, and no warning that goes unnoticed.
+folder = tempfile.mkdtemp()
+os.environ.update(XDG_CONFIG_HOME=folder, XDG_RUNTIME_DIR=folder, QT_FATAL_WARNINGS="1",
+                  QT_LOGGING_RULES="qt.qpa.xcb=false")
 
 import pytest
-from PyQt5 import sip
-from PyQt5.QtCore import QDir, QtMsgType, qInstallMessageHandler
+from PyQt5.QtCore import QDir
 from PyQt5.QtTest import QTest
 from PyQt5.QtWidgets import QApplication, QTreeView
 
 from _HvMirefoldCoreUI import Halvern
 
 application = QApplication(["tests"])
-warnings = []
-
-
-def note(kind, _context, text):
-    if kind in (QtMsgType.QtWarningMsg, QtMsgType.QtCriticalMsg) and "(SetInputFocus)" not in text:
-        warnings.append(text)
 
 
 @pytest.fixture(autouse=True)
-def no_warnings(tmp_path):
-    Halvern.UI.FileBrowser.SetPreferencesPath(str(tmp_path / "favorites"), "Tests")
-    qInstallMessageHandler(note)
-    yield
-    gc.collect()
-    QTest.qWait(1)
-    found = warnings[:]
-    warnings.clear()
-    assert not found
+def preferences(tmp_path):
+    path = tmp_path / "favorites"
+    Halvern.UI.FileBrowser.SetPreferencesPath(str(path), "Tests")
+    return path
 
 
 @pytest.fixture
 def frames(tmp_path):
-    """A folder with two layers of one shot, one frame of another, and a text."""
+    # Two layers of one shot, one frame of another, and a text.
     folder = tmp_path / "frames"
     folder.mkdir()
     for name in ["sh010_a.1.exr", "sh010_a.2.exr", "sh010_b.1.exr", "sh020_a.7.exr", "notes.txt"]:
@@ -46,35 +35,28 @@ def frames(tmp_path):
 
 @pytest.fixture
 def open_browser(frames):
-    """Makes shown browsers on the folder, listed with the given evaluator."""
-    browsers = []
-
+    # Makes browsers that are shown and have listed the folder.
     def make(evaluator=None, kind=Halvern.UI.FileBrowser):
         browser = kind()
         browser.setSequencesEnabled(True)
         browser.setFileSequenceEvaluator(evaluator)
         browser.setDirectory(QDir(str(frames)))
         browser.show()
-        browsers.append(browser)
         listed = []
-        browser.findChild(QTreeView, "filesList").model().sourceModel().modelReset.connect(lambda: listed.append(1))
+        files(browser).sourceModel().modelReset.connect(lambda: listed.append(True))
         until(lambda: listed)
         return browser
 
-    yield make
-    for browser in browsers:
-        if not sip.isdeleted(browser):
-            browser.hide()
+    return make
 
 
 def until(condition):
-    for _ in range(500):
-        if condition():
-            return
-        QTest.qWait(10)
-    raise AssertionError("it did not happen")
+    assert any(condition() or QTest.qWait(10) for _ in range(500)), "it did not happen"
+
+
+def files(browser):
+    return browser.findChild(QTreeView, "filesList").model()
 
 
 def rows(browser):
-    model = browser.findChild(QTreeView, "filesList").model()
-    return [model.index(row, 0).data() for row in range(model.rowCount())]
+    return [files(browser).index(row, 0).data() for row in range(files(browser).rowCount())]
