@@ -60,6 +60,7 @@ void DirectoryModelTest::filtersRows_data()
     row("", "oTH", {"Other.TXT"});
     row("", "day.%02d", {"day.##.exr 1-2"});
     row("", "%99999999999d", {});
+    row("*b*a*a*a*a*a*a*a*a*a*a*a*a?c*", "", {"b" + QString(40, 'a') + "xcb" + QString(40, 'a'), "dark/"});
     row("[!d]*.t?t [n-z]*", "", {"dark/", "notes.txt", "Other.TXT"});
     row("day.#.exr *.none", "d", {"dark/", "day.##.exr 1-2"});
 }
@@ -72,8 +73,10 @@ void DirectoryModelTest::filtersRows()
     QVERIFY(QDir(folder.path()).mkdir(QStringLiteral("dark")));
     QVERIFY(SampleFiles::make(folder.path(),
                               {"day.01.exr", "day.02.exr", "notes.txt", "Other.TXT", ".hidden.txt"}));
+    const QByteArray many(40, 'a');
+    QVERIFY(SampleFiles::make(folder.path(), "b" + many + "xcb" + many));
     const BrowserWindow window(folder.path());
-    QTRY_COMPARE(window.rows().size(), 4);
+    QTRY_COMPARE(window.rows().size(), 5);
     window.proxy()->setFilterPattern(pattern);
     window.proxy()->setNamePrefix(prefix);
     window.proxy()->apply();
@@ -133,11 +136,16 @@ public:
     std::vector<FileInfo*> evaluateFiles(std::vector<FileInfo*> files) override
     {
         interrupt();
+        if (dies) {
+            delete this;
+            return {files.front()};
+        }
         const auto isFolder = [](FileInfo* file) { return file->isDirectory(); };
         files.erase(std::remove_if(files.begin(), files.end(), isFolder), files.end());
         return {nullptr, buildFileSequence("everything", {1, 2}, files)};
     }
     std::function<void()> interrupt = [] {};
+    bool dies = false;
 };
 
 } // namespace
@@ -160,18 +168,44 @@ void DirectoryModelTest::evaluatorDecides()
     QTRY_COMPARE(window.browser.directory(), QDir(other.path()));
     window.browser.setFileSequenceEvaluator(nullptr);
     QTRY_COMPARE(window.rows(), (QStringList{"c", "d"}));
+
+    // Asked, it wants to be asked again; then it goes, between two questions or while it is asked.
+    for (const bool dies : {false, true}) {
+        auto* mortal = new OneForTwo;
+        mortal->interrupt = [&] { window.browser.setSequencesEnabled(true); };
+        window.browser.setFileSequenceEvaluator(mortal);
+        QCOMPARE(window.rows(), QStringList("everything"));
+        mortal->dies = dies;
+        if (!dies)
+            delete mortal;
+        window.model()->refreshList();
+        QTRY_COMPARE(window.rows(), (QStringList{"c", "d"}));
+    }
 }
 
 void DirectoryModelTest::oddNamesAreShown()
 {
     const QTemporaryDir folder;
+    QVERIFY(QFile::link(".", folder.filePath("loop")) && QFile::link("self", folder.filePath("self")));
+    for (const char* name : {"%d", "%s%n", "####", "<b>&amp;", "new\nline", "*", "-1"})
+        QVERIFY(QDir(folder.path()).mkdir(name) &&
+                SampleFiles::make(folder.filePath(name), {"x.1.exr", "x.2.exr"}));
     QVERIFY(SampleFiles::make(folder.path(), QByteArray(255, 'L')));
-    QVERIFY(SampleFiles::make(folder.path(), {"bytes\xff\xfe", "new\nline", "<b>bold"}));
+    QVERIFY(SampleFiles::make(folder.path(), {"bytes\xff\xfe", "<b>bold"}));
     BrowserWindow window(folder.path());
-    QTRY_COMPARE(window.rows().size(), 4);
+    QTRY_COMPARE(window.rows().size(), 12);
     for (const QString& name : window.rows()) {
         window.clickRow(name);
-        QVERIFY(!window.browser.selectedFiles().isEmpty());
+        // A link to the folder that it is in leads nowhere.
+        if (name.endsWith('/') && name != "loop/") {
+            QTRY_COMPARE(window.rows(), QStringList("x.#.exr 1-2"));
+            window.clickRow("x.#.exr 1-2");
+            QCOMPARE(window.browser.selectedFiles(), QStringList(folder.filePath(name + "x.#.exr 1-2")));
+            window.control("backButton")->click();
+            QTRY_VERIFY(window.rows().contains(name));
+        }
+        QVERIFY(window.browser.directory().path() == folder.path() &&
+                !window.browser.selectedFiles().isEmpty());
     }
     window.browser.grab();
     ::unlink((QFile::encodeName(folder.path()) + "/bytes\xff\xfe").constData());

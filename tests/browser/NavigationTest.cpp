@@ -22,6 +22,7 @@ private slots:
     void tabCompletes();
     void setFilenameSelectsTheBareName();
     void makesFolders();
+    void browserMayGoBehindItsQuestions();
     void splitShowsRuns();
     void replacesHashes();
 
@@ -137,6 +138,20 @@ void NavigationTest::makesFolders()
     });
     answer(QStringLiteral("<b>no</b>/such/parent"));
     QCOMPARE(warning, QStringLiteral("Can't create folder <b>no</b>/such/parent"));
+}
+
+// Behind the box that says what was wrong with a name.
+void NavigationTest::browserMayGoBehindItsQuestions()
+{
+    const QPointer<FileBrowser> browser = new FileBrowser;
+    QTimer::singleShot(0, this, [&] {
+        auto* question = qobject_cast<QInputDialog*>(QApplication::activeModalWidget());
+        QTimer::singleShot(0, this, [&] { delete browser; });
+        question->setTextValue("no/such/parent");
+        question->accept();
+    });
+    QTest::mouseClick(browser->findChild<QPushButton*>("newFolderButton"), Qt::LeftButton);
+    QVERIFY(!browser);
 }
 
 void NavigationTest::splitShowsRuns()

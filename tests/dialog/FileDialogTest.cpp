@@ -30,6 +30,7 @@ private slots:
     void previewGivesTheSizeBack();
     void takesOneDroppedFile();
     void worksByKeyboardAlone();
+    void mayGoInItsOwnAnswer();
 
 private:
     QString path(const QString& name) const { return m_folder->path() + '/' + name; }
@@ -44,17 +45,18 @@ struct Window
 {
     explicit Window(const QString& folder)
     {
-        dialog.setSequencesEnabled(true);
-        dialog.setDirectory(QDir(folder), false, true);
-        dialog.show();
-        QApplication::setActiveWindow(&dialog);
+        dialog->setSequencesEnabled(true);
+        dialog->setDirectory(QDir(folder), false, true);
+        dialog->show();
+        QApplication::setActiveWindow(dialog);
     }
+    ~Window() { delete dialog; }
 
-    QPushButton* open() const { return dialog.findChild<QPushButton*>(QStringLiteral("openButton")); }
-    QPushButton* next() const { return dialog.findChild<QPushButton*>(QStringLiteral("nextButton")); }
-    FilePathEdit* edit() const { return dialog.findChild<FilePathEdit*>(); }
-    FileBrowser::FilesList* list() const { return dialog.findChild<FileBrowser::FilesList*>(); }
-    FileBrowser::ProxyModel* rows() const { return dialog.findChild<FileBrowser::ProxyModel*>(); }
+    QPushButton* open() const { return dialog->findChild<QPushButton*>(QStringLiteral("openButton")); }
+    QPushButton* next() const { return dialog->findChild<QPushButton*>(QStringLiteral("nextButton")); }
+    FilePathEdit* edit() const { return dialog->findChild<FilePathEdit*>(); }
+    FileBrowser::FilesList* list() const { return dialog->findChild<FileBrowser::FilesList*>(); }
+    FileBrowser::ProxyModel* rows() const { return dialog->findChild<FileBrowser::ProxyModel*>(); }
     QStringList names() const
     {
         QStringList texts;
@@ -70,7 +72,7 @@ struct Window
                                              QItemSelectionModel::Select | QItemSelectionModel::Rows);
     }
 
-    FileDialog dialog{nullptr, "Import", nullptr};
+    QPointer<FileDialog> dialog = new FileDialog(nullptr, "Import", nullptr);
 };
 
 } // namespace
@@ -107,8 +109,8 @@ void FileDialogTest::buttonsFollowTheSelection()
     QFETCH(SelectionType, type);
     QFETCH(QStringList, selected);
     Window window(m_folder->path());
-    window.dialog.setSelectionType(type);
-    window.dialog.setMultipleSelections(true);
+    window.dialog->setSelectionType(type);
+    window.dialog->setMultipleSelections(true);
     QTRY_COMPARE(window.names(), (QStringList{"a", "b", "sub/"}));
     if (selected.first().startsWith(QLatin1Char('!')))
         window.edit()->setText(path(selected.first().mid(1)));
@@ -116,9 +118,9 @@ void FileDialogTest::buttonsFollowTheSelection()
         window.select(selected);
     QString enabled;
     for (int i = 0; i < 4; ++i) {
-        window.dialog.setMultipleSelections((i & 1) != 0);
-        window.dialog.setMayNotExist((i & 2) != 0);
-        QVERIFY(QMetaObject::invokeMethod(&window.dialog, "fileSelectionChanged"));
+        window.dialog->setMultipleSelections((i & 1) != 0);
+        window.dialog->setMayNotExist((i & 2) != 0);
+        QVERIFY(QMetaObject::invokeMethod(window.dialog.data(), "fileSelectionChanged"));
         enabled += window.open()->isEnabled() ? 'O' : '-';
         enabled += window.next()->isEnabled() ? 'N' : '-';
     }
@@ -128,9 +130,9 @@ void FileDialogTest::buttonsFollowTheSelection()
 void FileDialogTest::everyConnectionResolves()
 {
     Window window(m_folder->path());
-    const FileBrowser* browser = window.dialog.fileBrowser();
+    const FileBrowser* browser = window.dialog->fileBrowser();
     const auto leave = [&](const QObject* sender, const char* signal, const char* slot) {
-        QVERIFY2(QObject::disconnect(sender, signal, &window.dialog, slot), slot);
+        QVERIFY2(QObject::disconnect(sender, signal, window.dialog.data(), slot), slot);
     };
     leave(window.list()->selectionModel(), SIGNAL(selectionChanged(QItemSelection, QItemSelection)),
           SLOT(fileSelectionChanged()));
@@ -158,16 +160,16 @@ void FileDialogTest::previewGivesTheSizeBack()
 {
     expectWarning(QStringLiteral("No such slot QWidget::fileSelected"));
     Window window(m_folder->path());
-    window.dialog.resize(900, 500);
+    window.dialog->resize(900, 500);
     auto* preview = new QWidget;
     preview->setMinimumHeight(400);
     preview->hide();
-    window.dialog.setPreviewWidget(preview);
-    auto* button = window.dialog.findChild<DisclosureButton*>();
+    window.dialog->setPreviewWidget(preview);
+    auto* button = window.dialog->findChild<DisclosureButton*>();
     button->click();
-    QTRY_VERIFY(window.dialog.height() > 500);
+    QTRY_VERIFY(window.dialog->height() > 500);
     button->click();
-    QTRY_COMPARE(window.dialog.size(), QSize(900, 500));
+    QTRY_COMPARE(window.dialog->size(), QSize(900, 500));
 }
 
 void FileDialogTest::takesOneDroppedFile()
@@ -179,11 +181,11 @@ void FileDialogTest::takesOneDroppedFile()
         const QPoint place(5, 5);
         const Qt::DropActions possible = Qt::CopyAction | Qt::MoveAction;
         QDragEnterEvent enter(place, possible, &data, Qt::LeftButton, Qt::NoModifier);
-        QApplication::sendEvent(&window.dialog, &enter);
+        QApplication::sendEvent(window.dialog.data(), &enter);
         if (!enter.isAccepted())
             return false;
         QDropEvent event(place, enter.dropAction(), &data, Qt::LeftButton, Qt::NoModifier);
-        QApplication::sendEvent(&window.dialog, &event);
+        QApplication::sendEvent(window.dialog.data(), &event);
         return event.isAccepted() && enter.dropAction() == Qt::CopyAction;
     };
     const QUrl file = QUrl::fromLocalFile(path(QStringLiteral("sub/dropped")));
@@ -204,9 +206,9 @@ void FileDialogTest::worksByKeyboardAlone()
     QVERIFY(SampleFiles::makeFrames(shots, "fg.%02d.exr", 1, 9));
 
     Window window(m_folder->path());
-    window.dialog.setMultipleSelections(true);
+    window.dialog->setMultipleSelections(true);
     const auto press = [&](Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
-        QTest::keyClick(window.dialog.windowHandle(), key, modifiers);
+        QTest::keyClick(window.dialog->windowHandle(), key, modifiers);
     };
     const auto focusByTab = [&](const QWidget* wanted) {
         for (int i = 0; i < 20 && QApplication::focusWidget() != wanted; ++i)
@@ -224,7 +226,7 @@ void FileDialogTest::worksByKeyboardAlone()
     press(Qt::Key_End);
     press(Qt::Key_Home);
     press(Qt::Key_Down, Qt::ControlModifier);
-    QCOMPARE(window.dialog.directory().path(), shots + "/010");
+    QCOMPARE(window.dialog->directory().path(), shots + "/010");
     press(Qt::Key_Backspace);
     QTRY_COMPARE(window.names(), names);
 
@@ -238,10 +240,45 @@ void FileDialogTest::worksByKeyboardAlone()
     }
     QVERIFY(focusByTab(window.edit()));
     press(Qt::Key_Return);
-    QCOMPARE(window.dialog.result(), int(QDialog::Accepted));
-    QCOMPARE(window.dialog.selectedFiles(),
+    QCOMPARE(window.dialog->result(), int(QDialog::Accepted));
+    QCOMPARE(window.dialog->selectedFiles(),
              (QStringList{shots + "/fg.##.exr 1-9", shots + "/bg.##.exr 1-9"}));
 }
 
-QTEST_MAIN(FileDialogTest)
+void FileDialogTest::mayGoInItsOwnAnswer()
+{
+    const auto doubleClick = static_cast<Qt::Key>(0);
+    for (const auto& [control, key] : {std::pair("openButton", Qt::Key_Space),
+                                       {"cancelButton", Qt::Key_Space},
+                                       {"filenameEdit", Qt::Key_Return},
+                                       {"filesList", Qt::Key_Escape},
+                                       {"filesList", doubleClick}}) {
+        Window window(m_folder->path());
+        QTRY_COMPARE(window.names().size(), 3);
+        window.open()->setEnabled(true);
+        connect(window.dialog, &QDialog::finished, this, [&] { delete window.dialog; });
+        const QPoint place = window.list()->visualRect(window.rows()->index(0, 0)).center();
+        if (key == doubleClick)
+            QTest::mouseDClick(window.list()->viewport(), Qt::LeftButton, Qt::NoModifier, place);
+        else
+            QTest::keyClick(window.dialog->findChild<QWidget*>(control), key);
+        QVERIFY2(!window.dialog, control);
+    }
+}
+
+int main(int argc, char** argv)
+{
+    // Before there is an application or a browser, none of these has anything to work on.
+    FileBrowser::SaveFavorites();
+    FileBrowser::LoadFavorites();
+    FileBrowser::AddFavorite(Favorite(true, true));
+    FileBrowser::RemoveFavoriteDir("none", FaveGeo, true);
+    FileBrowser::SetFavoriteExpressionEvaluator(nullptr);
+    FileBrowser::ResetNonPersistentFavorites();
+    FileBrowser::ResetFavorites();
+    const QApplication application(argc, argv);
+    FileDialogTest test;
+    return QTest::qExec(&test, argc, argv);
+}
+
 #include "FileDialogTest.moc"
