@@ -19,7 +19,6 @@ private slots:
     void everyConnectionResolves();
     void showsThePreview();
     void switchingNeverShowsTheFirstDirectory();
-    void destructionInMidReadIsClean();
     void attributesLeaveTheSelectionAlone();
 };
 
@@ -137,19 +136,6 @@ void FileBrowserTest::switchingNeverShowsTheFirstDirectory()
         QCOMPARE(window.rows().size(), 10);
         QVERIFY(window.rows().filter(QStringLiteral("first")).isEmpty());
     }
-}
-
-void FileBrowserTest::destructionInMidReadIsClean()
-{
-    const QTemporaryDir folder;
-    QVERIFY(SampleFiles::makeFrames(folder.path(), "f.%05d.exr", 1, 5000));
-    for (int round = 0; round < 20; ++round) {
-        BrowserWindow window(folder.path());
-        window.menu()->popup(QPoint(10, 10));
-        for (int turn = 0; turn < round / 2; ++turn)
-            QCoreApplication::processEvents(QEventLoop::AllEvents, 1);
-    }
-    QCoreApplication::processEvents();
 }
 
 void FileBrowserTest::attributesLeaveTheSelectionAlone()
