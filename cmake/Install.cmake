@@ -38,6 +38,13 @@ foreach(header IN LISTS COREUI_PUBLIC_HEADERS)
         DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/HvMirefoldCoreUI/${folder})
 endforeach()
 
+# The same file, found under its name where Debian's Python looks for modules.
+set(COREUI_PYTHON_DIR lib/python3/dist-packages)
+set(link ${PROJECT_BINARY_DIR}/python/_HvMirefoldCoreUI.abi3.so)
+file(MAKE_DIRECTORY ${PROJECT_BINARY_DIR}/python)
+file(CREATE_LINK ../../_HvMirefoldCoreUI.abi3.so ${link} SYMBOLIC)
+install(FILES ${link} DESTINATION ${COREUI_PYTHON_DIR})
+
 set_target_properties(CoreUI PROPERTIES EXPORT_NAME CoreUI)
 install(TARGETS CoreUI EXPORT HvMirefoldCoreUITargets LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
 
