@@ -1,6 +1,7 @@
 // Goes from directory to directory as a user does in a day and more, makes and destroys browsers in mid-read,
 // and dialogs over settings and favourites files of random bytes; prints how much memory is in use on the
-// way. Ends with 1 where memory grows or a favourite is lost. Usage: endurance-benchmark [CHANGES [BROWSERS]]
+// way. Ends with 1 where memory grows, rows are wrong or a favourite is lost. Usage: endurance-benchmark
+// [CHANGES [BROWSERS]]
 
 #include "Measuring.h"
 #include "dialog/FileDialog.h"
@@ -11,9 +12,11 @@
 #include <QApplication>
 #include <QDir>
 #include <QFile>
+#include <QInputDialog>
 #include <QPushButton>
 #include <QSettings>
 #include <QTemporaryDir>
+#include <QTimer>
 #include <QTreeView>
 #include <algorithm>
 #include <cstdio>
@@ -44,7 +47,7 @@ Memory memoryInUse()
     Memory memory;
     ::malloc_trim(0);
     const auto info = ::mallinfo2();
-    memory.allocated = static_cast<long long>(info.uordblks + info.hblkhd);
+    memory.allocated = static_cast<long long>(info.uordblks) + static_cast<long long>(info.hblkhd);
     QFile file(QStringLiteral("/proc/self/statm"));
     if (file.open(QFile::ReadOnly))
         memory.resident = file.readAll().split(' ').value(1).toLongLong() * ::sysconf(_SC_PAGESIZE);
@@ -106,11 +109,22 @@ private:
     Memory m_last;
 };
 
+QString folderName(const QString& tree, int index)
+{
+    return QStringLiteral("%1/shot_%2").arg(tree).arg(index, 3, 10, QLatin1Char('0'));
+}
+
+// No two have as many.
+int fileCount(int index)
+{
+    return 100 + 45 * index;
+}
+
 bool makeFolders(const QString& tree)
 {
     for (int i = 0; i < Folders; ++i) {
-        const QString folder = tree + QStringLiteral("/shot_%1").arg(i, 3, 10, QLatin1Char('0'));
-        if (!QDir().mkpath(folder) || !Measuring::makeTree(folder, 100 + 200 * (i % 5)))
+        const QString folder = folderName(tree, i);
+        if (!QDir().mkpath(folder) || !Measuring::makeTree(folder, fileCount(i)))
             return false;
     }
     return true;
@@ -120,7 +134,7 @@ bool makeFolders(const QString& tree)
 bool changeDirectories(const QString& tree, int changes)
 {
     FileBrowser browser;
-    browser.setSequencesEnabled(true);
+    browser.setSequencesEnabled(false);
     browser.setDirectory(QDir(tree), false, true);
     browser.resize(900, 600);
     browser.show();
@@ -128,22 +142,40 @@ bool changeDirectories(const QString& tree, int changes)
     const QAbstractItemModel& rows = *browser.findChild<QTreeView*>(QStringLiteral("filesList"))->model();
     Watch watch("changes", changes);
     for (int change = 1; change <= changes; ++change) {
-        if (change % 2 == 1)
-            browser.setDirectory(QDir(QStringLiteral("%1/shot_%2")
-                                          .arg(tree)
-                                          .arg(change / 2 % Folders, 3, 10, QLatin1Char('0'))),
-                                 false, true);
+        const int folder = change / 2 % Folders;
+        const bool enters = change % 2 == 1;
+        if (enters)
+            browser.setDirectory(QDir(folderName(tree, folder)), false, true);
         else
             back->click();
         // Every third directory is left in mid-read, as by someone who knows the way.
+        const bool waits = change % 3 != 0;
         QElapsedTimer timer;
         timer.start();
-        while (change % 3 != 0 && !rows.index(0, 0).data().isValid() && timer.elapsed() < 10000)
+        while (waits && !rows.index(0, 0).data().isValid() && timer.elapsed() < 10000)
             QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 10);
         QCoreApplication::processEvents();
+        if (waits && rows.rowCount() != (enters ? fileCount(folder) : Folders + 1)) {
+            std::printf("changes: %d rows in folder %d\n", rows.rowCount(), folder);
+            return false;
+        }
         watch.finishRound(change);
     }
     return watch.isSteady();
+}
+
+// Destroys a browser behind the box that says that a folder cannot be made.
+bool destroyBehindBox()
+{
+    const QPointer<FileBrowser> browser = new FileBrowser;
+    QTimer::singleShot(0, [&browser] {
+        QTimer::singleShot(0, [&browser] { delete browser; });
+        auto* question = qobject_cast<QInputDialog*>(QApplication::activeModalWidget());
+        question->setTextValue(QStringLiteral("no/such/folder"));
+        question->accept();
+    });
+    browser->findChild<QPushButton*>(QStringLiteral("newFolderButton"))->click();
+    return !browser;
 }
 
 bool destroyInMidRead(const QString& folder, int browsers)
@@ -155,6 +187,8 @@ bool destroyInMidRead(const QString& folder, int browsers)
         browser.show();
         for (int turn = 0; turn < round % 10; ++turn)
             QCoreApplication::processEvents(QEventLoop::AllEvents, 1);
+        if (round % 10 == 0 && !destroyBehindBox())
+            return false;
         watch.finishRound(round);
     }
     return watch.isSteady();

@@ -19,7 +19,8 @@ FileSequenceEvaluator::FileSequenceEvaluator(const FileSequenceEvaluator& other)
 
 FileSequenceEvaluator& FileSequenceEvaluator::operator=(const FileSequenceEvaluator& other)
 {
-    m_manager = other.m_manager;
+    if (this != &other)
+        m_manager = other.m_manager;
     return *this;
 }
 

@@ -21,11 +21,16 @@ public:
     std::vector<FileInfo*> evaluateFiles(std::vector<FileInfo*> files) override
     {
         interrupt();
+        if (dies) {
+            delete this;
+            return {files.front()};
+        }
         const auto isFolder = [](FileInfo* file) { return file->isDirectory(); };
         files.erase(std::remove_if(files.begin(), files.end(), isFolder), files.end());
         return {nullptr, buildFileSequence("everything", {1, 2}, files)};
     }
     std::function<void()> interrupt = [] {};
+    bool dies = false;
 };
 
 } // namespace
@@ -148,6 +153,19 @@ private slots:
         QTRY_COMPARE(window.browser.directory(), QDir(other.path()));
         window.browser.setFileSequenceEvaluator(nullptr);
         QTRY_COMPARE(window.rows(), (QStringList{"c", "d"}));
+
+        // Asked, it wants to be asked again; then it goes, between two questions or while it is asked.
+        for (const bool dies : {false, true}) {
+            auto* mortal = new OneForTwo;
+            mortal->interrupt = [&] { window.browser.setSequencesEnabled(true); };
+            window.browser.setFileSequenceEvaluator(mortal);
+            QCOMPARE(window.rows(), QStringList("everything"));
+            mortal->dies = dies;
+            if (!dies)
+                delete mortal;
+            window.model()->refreshList();
+            QTRY_COMPARE(window.rows(), (QStringList{"c", "d"}));
+        }
     }
 
     void oddNamesAreShown()

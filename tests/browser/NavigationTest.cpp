@@ -124,20 +124,6 @@ private slots:
         QCOMPARE(warning, QStringLiteral("Can't create folder <b>no</b>/such/parent"));
     }
 
-    // Behind the box that says what was wrong with a name.
-    void browserMayGoBehindItsQuestions()
-    {
-        const QPointer<FileBrowser> browser = new FileBrowser;
-        QTimer::singleShot(0, this, [&] {
-            auto* question = qobject_cast<QInputDialog*>(QApplication::activeModalWidget());
-            QTimer::singleShot(0, this, [&] { delete browser; });
-            question->setTextValue("no/such/parent");
-            question->accept();
-        });
-        QTest::mouseClick(browser->findChild<QPushButton*>("newFolderButton"), Qt::LeftButton);
-        QVERIFY(!browser);
-    }
-
     void splitShowsRuns()
     {
         QVERIFY(SampleFiles::make(path("a"), {"in_a.4.exr", "in_a.5.exr"}));

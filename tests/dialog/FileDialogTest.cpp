@@ -251,7 +251,6 @@ int main(int argc, char** argv)
     FileBrowser::LoadFavorites();
     FileBrowser::AddFavorite(Favorite(true, true));
     FileBrowser::RemoveFavoriteDir("none", FaveGeo, true);
-    FileBrowser::SetFavoriteExpressionEvaluator(nullptr);
     FileBrowser::ResetNonPersistentFavorites();
     FileBrowser::ResetFavorites();
     const QApplication application(argc, argv);

@@ -6,7 +6,6 @@
 #include "widgets/AppSettings.h"
 
 using namespace Halvern::UI;
-using Halvern::Base::FileHandle;
 
 /// What a failing and a slow disk do to a listing and to what is kept.
 class FaultsTest : public Test
@@ -27,12 +26,18 @@ private slots:
         faults[QuestionDelay] = 50000;
         for (int round = 0; round < 5; ++round) {
             FileManager manager;
+            const QSignalSpy refreshed(&manager, SIGNAL(refreshList()));
             faults[Questions] = 0;
             QVERIFY(manager.getFilesFromFolder(folder.path().toStdString(), false));
-            QTRY_VERIFY(faults[Questions] > round);
+            while (faults[Questions] <= round)
+                QThread::msleep(1);
             const int before = faults[Questions];
             QVERIFY(!manager.getFilesFromFolder("/no/such/folder", true));
             QVERIFY(faults[Questions] <= before + 1);
+            QCoreApplication::processEvents();
+            std::vector<FileInfo*> files;
+            manager.buildRunningList(&files, Halvern::Base::FileHandle::AllFiles);
+            QVERIFY(files.empty() && refreshed.isEmpty());
         }
     }
 
@@ -59,15 +64,14 @@ private slots:
             return kept;
         };
         const QByteArrayList changed = keep("new");
-        for (const auto& [call, favoritesStay, settingsStay] : {std::tuple("open", true, false),
-                                                                {"open64", false, true},
-                                                                {"write", true, true},
-                                                                {"fsync", true, false},
-                                                                {"rename", true, true}}) {
+        for (const QByteArray call : {"open", "open64", "write", "fsync", "rename"}) {
+            // Qt, which writes the settings, opens files in its own way.
+            const bool favoritesStay = call != "open64";
+            const bool settingsStay = call != "open" && call != "fsync";
             for (const int error : {EIO, ENOSPC, EACCES}) {
                 const QByteArrayList before = keep("old");
                 faults[CallError] = error;
-                failingCall = call;
+                failingCall = call.constData();
                 QCOMPARE(keep("new"), (favoritesStay ? before : changed).mid(0, 2) +
                                           (settingsStay ? before : changed).mid(2));
             }
@@ -96,13 +100,13 @@ private slots:
                 QVERIFY(QDir(folder.path()).removeRecursively());
             QTRY_COMPARE_WITH_TIMEOUT(updated, names, 20000);
             std::vector<FileInfo*> files;
-            manager.buildRunningList(&files, FileHandle::AllFiles);
+            manager.buildRunningList(&files, Halvern::Base::FileHandle::AllFiles);
             const auto known = std::count_if(files.begin(), files.end(), [](const FileInfo* file) {
                 return file->modificationTime() > 0;
             });
             QVERIFY(known >= least && known <= most);
             // Asking makes up for types that are missing, so that numbered directories are no frames.
-            manager.buildRunningList(&files, FileHandle::RegisteredSequences);
+            manager.buildRunningList(&files, Halvern::Base::FileHandle::RegisteredSequences);
             QVERIFY(least != all || files.size() == 6);
         }
     }

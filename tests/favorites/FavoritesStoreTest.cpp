@@ -145,9 +145,6 @@ private slots:
             QCOMPARE(stored(path), QString("x:/x"));
             QCOMPARE(QDir(place.path()).entryList(QDir::Files | QDir::Hidden), QStringList("favorites"));
         }
-        const QString full = folder.filePath("full");
-        QVERIFY(QFile::link("/dev/full", full));
-        QCOMPARE(messagesOfSaver("plain", full), "Can't write " + full + ": No space left on device\n");
     }
 
     void fileIsWholeWheneverTheSaverDies()

