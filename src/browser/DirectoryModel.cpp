@@ -161,14 +161,25 @@ void FileBrowser::DirectoryModel::setEvaluator(FileSequenceEvaluator* newEvaluat
 void FileBrowser::DirectoryModel::buildRunningList()
 {
     using Base::FileHandle;
-    const bool evaluated = hasEvaluator() && sequenceMode != SequenceMode::Expanded;
+    // Asked again from within its answer, an evaluator might never come to an end.
+    if (evaluating) {
+        wantedAgain = true;
+        return;
+    }
+    bool evaluated = hasEvaluator() && sequenceMode != SequenceMode::Expanded;
     const FileInfo* hoveredEntry = entry(hovered);
     // The host's code runs while the model still stands as it was. Where it made the browser read another
     // directory, its answer is about entries that are gone.
     const unsigned generation = manager.generation();
+    const FileSequenceEvaluator* const asked = evaluator;
+    wantedAgain = false;
     std::vector<FileInfo*> evaluatedRows = evaluated ? evaluateFiles() : std::vector<FileInfo*>();
-    if (generation != manager.generation())
+    if (generation != manager.generation() || asked != evaluator) {
+        if (wantedAgain)
+            QMetaObject::invokeMethod(this, &DirectoryModel::buildRunningList, Qt::QueuedConnection);
         return;
+    }
+    evaluated = evaluated && hasEvaluator() && sequenceMode != SequenceMode::Expanded;
     beginResetModel();
     if (evaluated)
         entries.swap(evaluatedRows);
@@ -192,7 +203,10 @@ std::vector<FileInfo*> FileBrowser::DirectoryModel::evaluateFiles()
     // Rows of the host's own making may not outlive its next answer.
     browser->filesMenu->forgetItems();
     evaluator->setManager(&manager);
-    return evaluator->evaluateFiles(files);
+    evaluating = true;
+    std::vector<FileInfo*> rows = evaluator->evaluateFiles(files);
+    evaluating = false;
+    return rows;
 }
 
 void FileBrowser::DirectoryModel::refreshList()

@@ -47,6 +47,22 @@ void FileBrowser::FilesList::mousePressEvent(QMouseEvent* event)
     browser->filesMenu->popupMenu(event->globalPos(), source);
 }
 
+// A host may destroy the list in answer to a double click, and the standard handling would go on with it.
+void FileBrowser::FilesList::mouseDoubleClickEvent(QMouseEvent* event)
+{
+    const QPersistentModelIndex index = indexAt(event->pos());
+    {
+        const QSignalBlocker blocker(this);
+        QTreeView::mouseDoubleClickEvent(event);
+    }
+    if (!index.isValid())
+        return;
+    const QPointer<FilesList> self(this);
+    emit doubleClicked(index);
+    if (self && event->button() == Qt::LeftButton)
+        emit activated(index);
+}
+
 void FileBrowser::FilesList::mouseMoveEvent(QMouseEvent* event)
 {
     mouseRow = indexAt(event->localPos().toPoint()).row();

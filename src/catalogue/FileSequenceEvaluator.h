@@ -16,10 +16,10 @@ class FileManager;
 /// Lets a host decide what is a sequence. A browser that holds an evaluator hands it the plain list of files
 /// whenever it builds its rows, and shows the list that comes back.
 ///
-/// The host owns the evaluator and keeps it alive while a browser holds it; a browser whose evaluator died
-/// goes back to the built-in rules when it next builds its rows. Entries that buildFileSequence() makes
-/// belong to the manager of the browser that asked last, and die with that manager's next read; they belong
-/// to the evaluator itself while it has no manager.
+/// The host owns the evaluator. It may destroy it at any time, from within evaluateFiles() too: a browser
+/// that held it goes on with the built-in rules, and an answer that came with its end is not looked at.
+/// Entries that buildFileSequence() makes belong to the manager of the browser that asked last, and die with
+/// that manager's next read; they belong to the evaluator itself while it has no manager.
 class HVCOREUI_EXPORT FileSequenceEvaluator
 {
 public:

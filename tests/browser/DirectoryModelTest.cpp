@@ -21,11 +21,16 @@ public:
     std::vector<FileInfo*> evaluateFiles(std::vector<FileInfo*> files) override
     {
         interrupt();
+        if (dies) {
+            delete this;
+            return {files.front()};
+        }
         const auto isFolder = [](FileInfo* file) { return file->isDirectory(); };
         files.erase(std::remove_if(files.begin(), files.end(), isFolder), files.end());
         return {nullptr, buildFileSequence("everything", {1, 2}, files)};
     }
     std::function<void()> interrupt = [] {};
+    bool dies = false;
 };
 
 } // namespace
@@ -64,14 +69,17 @@ private slots:
         QVERIFY(QDir(folder.path()).mkdir(QStringLiteral("dark")));
         QVERIFY(SampleFiles::make(folder.path(),
                                   {"day.01.exr", "day.02.exr", "notes.txt", "Other.TXT", ".hidden.txt"}));
+        const QByteArray many = 'b' + QByteArray(40, 'a') + "xcb" + QByteArray(40, 'a');
+        QVERIFY(SampleFiles::make(folder.path(), many));
         const BrowserWindow window(folder.path());
-        QTRY_COMPARE(window.rows().size(), 4);
+        QTRY_COMPARE(window.rows().size(), 5);
         // Pattern, prefix, rows.
         const std::tuple<const char*, const char*, QStringList> table[] = {
             {"", ".h", {".hidden.txt"}},
             {"", "oTH", {"Other.TXT"}},
             {"", "day.%02d", {"day.##.exr 1-2"}},
             {"", "%99999999999d", {}},
+            {"*b*a*a*a*a*a*a*a*a*a*a*a*a?c*", "", {many, "dark/"}},
             {"[!d]*.t?t [n-z]*", "", {"dark/", "notes.txt", "Other.TXT"}},
             {"day.#.exr *.none", "d", {"dark/", "day.##.exr 1-2"}}};
         for (const auto& [pattern, prefix, expected] : table) {
@@ -145,18 +153,44 @@ private slots:
         QTRY_COMPARE(window.browser.directory(), QDir(other.path()));
         window.browser.setFileSequenceEvaluator(nullptr);
         QTRY_COMPARE(window.rows(), (QStringList{"c", "d"}));
+
+        // Asked, it wants to be asked again; then it goes, between two questions or while it is asked.
+        for (const bool dies : {false, true}) {
+            auto* mortal = new OneForTwo;
+            mortal->interrupt = [&] { window.browser.setSequencesEnabled(true); };
+            window.browser.setFileSequenceEvaluator(mortal);
+            QCOMPARE(window.rows(), QStringList("everything"));
+            mortal->dies = dies;
+            if (!dies)
+                delete mortal;
+            window.model()->refreshList();
+            QTRY_COMPARE(window.rows(), (QStringList{"c", "d"}));
+        }
     }
 
     void oddNamesAreShown()
     {
         const QTemporaryDir folder;
+        QVERIFY(QFile::link(".", folder.filePath("loop")) && QFile::link("self", folder.filePath("self")));
+        for (const char* name : {"%d", "%s%n", "####", "<b>&amp;", "new\nline", "*", "-1"})
+            QVERIFY(QDir(folder.path()).mkdir(name) &&
+                    SampleFiles::make(folder.filePath(name), {"x.1.exr", "x.2.exr"}));
         QVERIFY(SampleFiles::make(folder.path(), QByteArray(255, 'L')));
-        QVERIFY(SampleFiles::make(folder.path(), {"bytes\xff\xfe", "new\nline", "<b>bold"}));
+        QVERIFY(SampleFiles::make(folder.path(), {"bytes\xff\xfe", "<b>bold"}));
         BrowserWindow window(folder.path());
-        QTRY_COMPARE(window.rows().size(), 4);
+        QTRY_COMPARE(window.rows().size(), 12);
         for (const QString& name : window.rows()) {
             window.clickRow(name);
-            QVERIFY(!window.browser.selectedFiles().isEmpty());
+            // A link to the folder that it is in leads nowhere.
+            if (name.endsWith('/') && name != "loop/") {
+                QTRY_COMPARE(window.rows(), QStringList("x.#.exr 1-2"));
+                window.clickRow("x.#.exr 1-2");
+                QCOMPARE(window.browser.selectedFiles(), QStringList(folder.filePath(name + "x.#.exr 1-2")));
+                window.control("backButton")->click();
+                QTRY_VERIFY(window.rows().contains(name));
+            }
+            QVERIFY(window.browser.directory().path() == folder.path() &&
+                    !window.browser.selectedFiles().isEmpty());
         }
         window.browser.grab();
         ::unlink((QFile::encodeName(folder.path()) + "/bytes\xff\xfe").constData());

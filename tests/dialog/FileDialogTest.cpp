@@ -29,6 +29,7 @@ struct Window
         dialog.show();
         QApplication::setActiveWindow(&dialog);
     }
+    ~Window() { delete owned; }
 
     QPushButton* open() const { return dialog.findChild<QPushButton*>(QStringLiteral("openButton")); }
     QPushButton* next() const { return dialog.findChild<QPushButton*>(QStringLiteral("nextButton")); }
@@ -50,7 +51,8 @@ struct Window
                                              QItemSelectionModel::Select | QItemSelectionModel::Rows);
     }
 
-    FileDialog dialog{nullptr, "Import", nullptr};
+    const QPointer<FileDialog> owned = new FileDialog(nullptr, "Import", nullptr);
+    FileDialog& dialog = *owned;
 };
 
 } // namespace
@@ -215,11 +217,44 @@ private slots:
                  (QStringList{shots + "/fg.##.exr 1-9", shots + "/bg.##.exr 1-9"}));
     }
 
+    void mayGoInItsOwnAnswer()
+    {
+        const auto doubleClick = static_cast<Qt::Key>(0);
+        for (const auto& [control, key] : {std::pair("openButton", Qt::Key_Space),
+                                           {"cancelButton", Qt::Key_Space},
+                                           {"filenameEdit", Qt::Key_Return},
+                                           {"filesList", Qt::Key_Escape},
+                                           {"filesList", doubleClick}}) {
+            const Window window(m_folder->path());
+            QTRY_COMPARE(window.names().size(), 3);
+            window.open()->setEnabled(true);
+            connect(&window.dialog, &QDialog::finished, this, [&] { delete window.owned; });
+            const QPoint place = window.list()->visualRect(window.rows()->index(0, 0)).center();
+            if (key == doubleClick)
+                QTest::mouseDClick(window.list()->viewport(), Qt::LeftButton, Qt::NoModifier, place);
+            else
+                QTest::keyClick(window.dialog.findChild<QWidget*>(control), key);
+            QVERIFY2(!window.owned, control);
+        }
+    }
+
 private:
     QString path(const QString& name) const { return m_folder->path() + '/' + name; }
 
     std::unique_ptr<QTemporaryDir> m_folder;
 };
 
-QTEST_MAIN(FileDialogTest)
+int main(int argc, char** argv)
+{
+    // Before there is an application or a browser, none of these has anything to work on.
+    FileBrowser::SaveFavorites();
+    FileBrowser::LoadFavorites();
+    FileBrowser::AddFavorite(Favorite(true, true));
+    FileBrowser::RemoveFavoriteDir("none", FaveGeo, true);
+    FileBrowser::ResetNonPersistentFavorites();
+    FileBrowser::ResetFavorites();
+    const QApplication application(argc, argv);
+    FileDialogTest test;
+    return QTest::qExec(&test, argc, argv);
+}
 #include "FileDialogTest.moc"
