@@ -151,7 +151,11 @@ void FileBrowser::DirectoryModel::setDirectory(const QDir& dir, SequenceMode /*m
 void FileBrowser::DirectoryModel::setEvaluator(FileSequenceEvaluator* newEvaluator)
 {
     evaluator = newEvaluator;
-    evaluatorLife = newEvaluator ? newEvaluator->life() : std::weak_ptr<const void>();
+    evaluatorLifetime.reset();
+    if (!evaluator)
+        return;
+    evaluatorLifetime = evaluator->lifetime();
+    evaluator->setManager(&manager);
 }
 
 void FileBrowser::DirectoryModel::buildRunningList()

@@ -60,10 +60,10 @@ public:
     void setSequenceMode(SequenceMode mode) { sequenceMode = mode; }
     /// Whether the built-in rules split sequences at gaps (default: no); takes effect in the same way.
     void setSplitSequences(bool split) { splitSequences = split; }
-    /// Null for the built-in rules, which also stand in for one that was destroyed. Takes effect in the same
-    /// way.
+    /// Null for the built-in rules; not owned. Takes effect in the same way. It may die while the model has
+    /// it, which then has none.
     void setEvaluator(FileSequenceEvaluator* newEvaluator);
-    bool hasEvaluator() const { return !evaluatorLife.expired(); }
+    bool hasEvaluator() const { return !evaluatorLifetime.expired(); }
 
     /// False while a read is under way whose rows were not built yet.
     bool isListReady() const { return listReady; }
@@ -84,8 +84,8 @@ private:
     QVariant displayText(const FileInfo& info, int column) const;
     QVariant background(int row, const FileInfo& info) const;
 
-    FileSequenceEvaluator* evaluator = nullptr; // not to be followed where its life has expired
-    std::weak_ptr<const void> evaluatorLife;
+    FileSequenceEvaluator* evaluator = nullptr; // to be followed only while hasEvaluator()
+    std::weak_ptr<const void> evaluatorLifetime;
     bool evaluating = false;
     bool wantedAgain = false; // a list, while the evaluator was asked for it
     QDir directory;

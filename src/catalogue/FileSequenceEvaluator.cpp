@@ -7,13 +7,13 @@
 namespace Halvern::UI {
 
 FileSequenceEvaluator::FileSequenceEvaluator()
-    : m_ownEntries(std::make_unique<EntryPool>())
+    : m_ownEntries(std::make_shared<EntryPool>())
 {
 }
 
 FileSequenceEvaluator::FileSequenceEvaluator(const FileSequenceEvaluator& other)
     : m_manager(other.m_manager)
-    , m_ownEntries(std::make_unique<EntryPool>())
+    , m_ownEntries(std::make_shared<EntryPool>())
 {
 }
 

@@ -45,14 +45,12 @@ public:
 
     /// Says whose entries are being grouped; the manager may die before the evaluator does.
     void setManager(FileManager* manager);
-
-    /// Expires when the evaluator is destroyed, so that whoever holds it can tell.
-    std::weak_ptr<const void> life() const { return m_life; }
+    /// Expires with the evaluator, for those who hold it without owning it.
+    std::weak_ptr<const void> lifetime() const { return m_ownEntries; }
 
 private:
     QPointer<FileManager> m_manager;
-    std::unique_ptr<EntryPool> m_ownEntries;
-    std::shared_ptr<const void> m_life = std::make_shared<char>();
+    std::shared_ptr<EntryPool> m_ownEntries; // never shared: it lives as long as the evaluator
 };
 
 } // namespace Halvern::UI

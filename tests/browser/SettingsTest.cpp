@@ -3,9 +3,6 @@
 #include "widgets/AppSettings.h"
 
 #include <QHeaderView>
-#include <QProcess>
-#include <cstdio>
-#include <cstring>
 
 using namespace Halvern::UI;
 
@@ -36,7 +33,7 @@ class SettingsTest : public Test
 private slots:
     void init() { AppSettings().clear(); }
 
-    void anotherProcessRemembers()
+    void remembers()
     {
         const QTemporaryDir folder;
         {
@@ -47,11 +44,10 @@ private slots:
             window.control<QCheckBox>("splitCheck")->click();
             window.control<QCheckBox>("sequencesCheck")->click();
         }
-        QProcess process;
-        process.start(QCoreApplication::applicationFilePath(),
-                      {QStringLiteral("--describe"), QFileInfo(AppSettings().fileName()).path()});
-        QVERIFY(process.waitForFinished());
-        QCOMPARE(QString::fromUtf8(process.readAllStandardOutput()), folder.path() + " 2 1 0 1");
+        QCOMPARE(describe(FileBrowser()), folder.path() + " 2 1 1 0");
+        FileBrowser browser;
+        browser.updateFromPreferences();
+        QCOMPARE(describe(browser), folder.path() + " 2 1 0 1");
     }
 
     void nonsenseGivesDefaults()
@@ -95,18 +91,5 @@ private slots:
     }
 };
 
-int main(int argc, char** argv)
-{
-    QApplication application(argc, argv);
-    if (argc == 3 && std::strcmp(argv[1], "--describe") == 0) {
-        // The second process of a test: shows what the settings in the folder say.
-        QSettings::setPath(QSettings::IniFormat, QSettings::UserScope, QString::fromLocal8Bit(argv[2]));
-        FileBrowser browser;
-        browser.buildSettingsNamespace(QStringLiteral("render"));
-        std::fputs(qPrintable(describe(browser)), stdout);
-        return 0;
-    }
-    SettingsTest test;
-    return QTest::qExec(&test, argc, argv);
-}
+QTEST_MAIN(SettingsTest)
 #include "SettingsTest.moc"

@@ -1,5 +1,5 @@
-# Makes the Debian package, unpacks it into an empty root, builds a client project against that and runs it.
-# Arguments: BUILD_DIR, SOURCE_DIR (of the tests), WORK_DIR.
+# Makes the Debian package, unpacks it into an empty root, builds a client project against that, runs it, and imports
+# the module from there. Arguments: BUILD_DIR, SOURCE_DIR (of the tests), WORK_DIR, PYTHON.
 
 function(run)
     execute_process(COMMAND ${ARGN} RESULT_VARIABLE result OUTPUT_VARIABLE output ERROR_VARIABLE output)
@@ -31,3 +31,5 @@ run(ldd ${WORK_DIR}/build/client)
 if(NOT output MATCHES "_HvMirefoldCoreUI.abi3.so => ${prefix}/lib/")
     message(FATAL_ERROR "the client runs with another library: ${output}")
 endif()
+run(${CMAKE_COMMAND} -E env PYTHONPATH=${prefix}/lib/python3/dist-packages ${PYTHON} -c
+    "import ast, _HvMirefoldCoreUI as m; print(m.Halvern.UI.FileBrowser); ast.parse(open(m.__file__[:-7] + 'pyi').read())")
