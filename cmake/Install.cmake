@@ -38,10 +38,19 @@ foreach(header IN LISTS COREUI_PUBLIC_HEADERS)
         DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/HvMirefoldCoreUI/${folder})
 endforeach()
 
+# The same file, found under its name where Debian's Python looks for modules.
+set(COREUI_PYTHON_DIR lib/python3/dist-packages)
+set(link ${PROJECT_BINARY_DIR}/python/_HvMirefoldCoreUI.abi3.so)
+file(MAKE_DIRECTORY ${PROJECT_BINARY_DIR}/python)
+file(CREATE_LINK ../../_HvMirefoldCoreUI.abi3.so ${link} SYMBOLIC)
+install(FILES ${link} DESTINATION ${COREUI_PYTHON_DIR})
+# The types of the module, for editors and type checkers, beside both.
+foreach(folder IN ITEMS ${COREUI_PYTHON_DIR} ${CMAKE_INSTALL_LIBDIR})
+    install(FILES ${COREUI_TYPE_STUB} DESTINATION ${folder})
+endforeach()
+
 set_target_properties(CoreUI PROPERTIES EXPORT_NAME CoreUI)
 install(TARGETS CoreUI EXPORT HvMirefoldCoreUITargets LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
-# The types of the module, for editors and type checkers.
-install(FILES ${COREUI_TYPE_STUB} DESTINATION ${CMAKE_INSTALL_LIBDIR})
 
 set(COREUI_PACKAGE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/HvMirefoldCoreUI)
 install(EXPORT HvMirefoldCoreUITargets NAMESPACE HvMirefold:: DESTINATION ${COREUI_PACKAGE_DIR})

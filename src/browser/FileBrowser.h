@@ -274,6 +274,8 @@ private:
     void initOptions();
     void initDialogButtons();
     void initLayout();
+    void initAccessibility();
+    void sortByKey(int column);
     void clearFilterBlock();
     void loadSortOrder();
     void updateNavigationButtons();

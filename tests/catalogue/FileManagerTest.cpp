@@ -24,7 +24,6 @@ private slots:
     void leftoverSignalsAnnounceNothing();
     void unreadableDirectoryLeavesNothing();
     void oddNamesAndKindsAreListed();
-    void destructionInMidReadIsClean();
     void namesTheFilesOfADirectory();
 
 private:
@@ -165,16 +164,6 @@ void FileManagerTest::oddNamesAndKindsAreListed()
     // Qt cannot remove what it cannot spell.
     for (const QByteArray& name : odd)
         ::unlink((root + name).constData());
-}
-
-void FileManagerTest::destructionInMidReadIsClean()
-{
-    for (unsigned long round = 0; round < 12; ++round) {
-        FileManager manager;
-        QVERIFY(manager.getFilesFromFolder(m_path, false));
-        QThread::usleep(round * 400);
-    }
-    QCoreApplication::processEvents();
 }
 
 void FileManagerTest::namesTheFilesOfADirectory()
