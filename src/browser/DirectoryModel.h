@@ -60,8 +60,8 @@ public:
     void setSequenceMode(SequenceMode mode) { sequenceMode = mode; }
     /// Whether the built-in rules split sequences at gaps (default: no); takes effect in the same way.
     void setSplitSequences(bool split) { splitSequences = split; }
-    /// Null for the built-in rules; not owned. Takes effect in the same way. It may die while the model has
-    /// it, which then has none.
+    /// Null for the built-in rules, which also stand in for one that was destroyed. Takes effect in the same
+    /// way; not owned.
     void setEvaluator(FileSequenceEvaluator* newEvaluator);
     bool hasEvaluator() const { return !evaluatorLifetime.expired(); }
 
