@@ -2,6 +2,7 @@
 
 #include "base/Text.h"
 #include "browser/DirectoryModel.h"
+#include "browser/RowRanks.h"
 
 #include <algorithm>
 #include <cstring>
@@ -13,8 +14,7 @@ namespace {
 // Names with equal keys come before each other in both directions, and so does the answer.
 bool nameLess(const FileInfo& left, const FileInfo& right)
 {
-    constexpr std::size_t KeyedLength = 129;
-    if (left.getFilenameLength() < KeyedLength && right.getFilenameLength() < KeyedLength)
+    if (RowRanks::isKeyed(left) && RowRanks::isKeyed(right))
         return std::strcmp(left.getStringSortName(), right.getStringSortName()) <= 0;
     return std::strcoll(left.displayName(), right.displayName()) <= 0;
 }
@@ -70,9 +70,18 @@ void FileBrowser::ProxyModel::apply()
         invalidate();
 }
 
+void FileBrowser::ProxyModel::sort(int column, Qt::SortOrder order)
+{
+    rankedColumn = 0;
+    QSortFilterProxyModel::sort(column, order);
+}
+
 bool FileBrowser::ProxyModel::filterAcceptsRow(int sourceRow, const QModelIndex& /*sourceParent*/) const
 {
     const DirectoryModel& model = *browser->directoryModel;
+    // Filtering begins here, and sorting follows it; sizes and times may have arrived.
+    if (sourceRow == 0)
+        rankedColumn = 0;
     if (!model.isListReady())
         return true;
     const FileInfo* info = model.entry(sourceRow);
@@ -108,8 +117,38 @@ bool FileBrowser::ProxyModel::matchesPrefix(const char* name) const
            });
 }
 
+// Empty while there are no rows to rank.
+const std::vector<int>& FileBrowser::ProxyModel::ranks(int column) const
+{
+    static const std::vector<int> none;
+    const DirectoryModel& model = *browser->directoryModel;
+    if (!model.isListReady())
+        return none;
+    if (rankedRows != model.rowsRevision()) {
+        nameRanks = RowRanks::byName(model.rows());
+        rankedRows = model.rowsRevision();
+        rankedColumn = 0;
+    }
+    if (column == DirectoryModel::NameColumn)
+        return nameRanks;
+    if (rankedColumn != column) {
+        otherRanks = column == DirectoryModel::SizeColumn ? RowRanks::bySize(model.rows(), nameRanks)
+                                                          : RowRanks::byTime(model.rows());
+        rankedColumn = column;
+    }
+    return otherRanks;
+}
+
 bool FileBrowser::ProxyModel::lessThan(const QModelIndex& left, const QModelIndex& right) const
 {
+    const std::vector<int>& places = ranks(left.column());
+    const auto leftPlace = static_cast<std::size_t>(left.row());
+    const auto rightPlace = static_cast<std::size_t>(right.row());
+    if (left.column() == right.column() && leftPlace < places.size() && rightPlace < places.size() &&
+        places[leftPlace] != RowRanks::None && places[rightPlace] != RowRanks::None) {
+        return left.column() == DirectoryModel::ModifiedColumn ? places[leftPlace] < places[rightPlace]
+                                                               : places[leftPlace] <= places[rightPlace];
+    }
     const FileInfo* leftInfo = browser->directoryModel->entry(left.row());
     const FileInfo* rightInfo = browser->directoryModel->entry(right.row());
     if (left.column() != right.column() || !leftInfo || !rightInfo)

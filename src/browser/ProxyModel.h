@@ -6,12 +6,14 @@
 #include <QSortFilterProxyModel>
 #include <QVector>
 #include <string>
+#include <vector>
 
 namespace Halvern::UI {
 
 /// Filters and orders the rows of a DirectoryModel: hides names that begin with ".", applies the wildcard
 /// filter and the typed name prefix, and sorts. It filters and sorts when it is told to, not when data
-/// change.
+/// change. The order of the names is found once for the rows that the model has built, and kept until it
+/// builds them anew.
 class FileBrowser::ProxyModel : public QSortFilterProxyModel
 {
     Q_OBJECT
@@ -30,6 +32,7 @@ public:
     void setFilterBlocked(bool blocked) { filterBlocked = blocked; }
     /// Filters and sorts afresh. While a read is under way nothing happens: the rows are built anew after it.
     void apply();
+    void sort(int column, Qt::SortOrder order = Qt::AscendingOrder) override;
 
 protected:
     bool filterAcceptsRow(int sourceRow, const QModelIndex& sourceParent) const override;
@@ -38,12 +41,19 @@ protected:
 private:
     bool matchesPattern(const char* name) const;
     bool matchesPrefix(const char* name) const;
+    const std::vector<int>& ranks(int column) const;
 
     std::string namePrefix;
     QString filterPattern;
     QVector<QRegularExpression> filterExpressions; // one for each pattern of filterPattern
     FileBrowser* browser;
     bool filterBlocked = false;
+
+    // See RowRanks. Each is found by the comparison that needs it first.
+    mutable std::vector<int> nameRanks;
+    mutable unsigned rankedRows = 0;     // revision of the rows that have name ranks
+    mutable std::vector<int> otherRanks; // those of another column than the name's
+    mutable int rankedColumn = 0;        // which; 0 for none that hold any more
 };
 
 } // namespace Halvern::UI

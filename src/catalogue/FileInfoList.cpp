@@ -1,11 +1,13 @@
 #include "catalogue/FileInfoList.h"
 
 #include "base/FileSystem.h"
+#include "base/TextOrder.h"
 #include "catalogue/FrameName.h"
 #include "catalogue/FrameRun.h"
 #include "catalogue/NaturalOrder.h"
 
-#include <cstdlib>
+#include <cerrno>
+#include <cstring>
 #include <dirent.h>
 #include <utility>
 
@@ -13,49 +15,79 @@ namespace Halvern::UI {
 
 namespace {
 
-int compareEntries(const dirent** a, const dirent** b)
-{
-    return NaturalOrder::compare((*a)->d_name, (*b)->d_name);
-}
-
-int compareEntriesForSequences(const dirent** a, const dirent** b)
-{
-    return NaturalOrder::compareForSequences((*a)->d_name, (*b)->d_name);
-}
-
-/// The names of a directory, sorted.
+/// The names of a directory, sorted. They stand one behind the other in one piece of memory, and so do the
+/// keys that are compared: names that lie scattered make sorting wait for memory, the longer the more there
+/// are.
 class DirectoryScan
 {
 public:
     DirectoryScan(const QByteArray& folder, bool forSequences)
         : m_folder(folder)
-        , m_count(::scandir(folder.constData(), &m_entries, nullptr,
-                            forSequences ? compareEntriesForSequences : compareEntries))
     {
-    }
-    DirectoryScan(const DirectoryScan&) = delete;
-    DirectoryScan& operator=(const DirectoryScan&) = delete;
-    ~DirectoryScan()
-    {
-        for (int i = 0; i < m_count; ++i)
-            std::free(m_entries[i]);
-        std::free(m_entries);
+        DIR* stream = ::opendir(folder.constData());
+        m_complete = stream && read(stream);
+        const int error = errno;
+        if (stream)
+            ::closedir(stream);
+        errno = error;
+        if (m_complete)
+            sort(NaturalOrder(forSequences ? NaturalOrder::DecideLast : NaturalOrder::DecideAtOnce));
     }
 
-    int count() const { return m_count; }
-    const char* name(int index) const { return m_entries[index]->d_name; }
+    /// Negative where the directory could not be read, with the reason in `errno`.
+    int count() const { return m_complete ? static_cast<int>(m_order.size()) : -1; }
+    const char* name(int index) const { return m_names.data() + entry(index).begin; }
     bool isDirectory(int index) const
     {
-        const unsigned char type = m_entries[index]->d_type;
+        const unsigned char type = entry(index).type;
         if (type == DT_DIR || type == DT_REG)
             return type == DT_DIR;
         return Base::isDirectory((m_folder + '/' + name(index)).constData());
     }
 
 private:
+    struct Entry
+    {
+        std::size_t begin; // in the names
+        unsigned char type;
+    };
+
+    bool read(DIR* stream)
+    {
+        errno = 0;
+        while (const dirent* read = ::readdir(stream)) {
+            m_entries.push_back({m_names.size(), read->d_type});
+            m_names.insert(m_names.end(), read->d_name, read->d_name + std::strlen(read->d_name) + 1);
+        }
+        return errno == 0;
+    }
+
+    void sort(const NaturalOrder& order)
+    {
+        std::vector<char> keys;
+        std::vector<std::size_t> begins;
+        begins.reserve(m_entries.size());
+        for (const Entry& one : m_entries) {
+            begins.push_back(keys.size());
+            order.appendKey(m_names.data() + one.begin, keys);
+        }
+        std::vector<const char*> texts;
+        texts.reserve(begins.size());
+        for (const std::size_t begin : begins)
+            texts.push_back(keys.data() + begin);
+        m_order = Base::textOrder(texts);
+    }
+
+    const Entry& entry(int index) const
+    {
+        return m_entries[static_cast<std::size_t>(m_order[static_cast<std::size_t>(index)])];
+    }
+
     QByteArray m_folder;
-    dirent** m_entries = nullptr;
-    int m_count;
+    std::vector<char> m_names; // each terminated
+    std::vector<Entry> m_entries;
+    std::vector<int> m_order; // indexes of entries
+    bool m_complete = false;
 };
 
 std::vector<ListedName> listPlain(const DirectoryScan& scan)

@@ -27,6 +27,7 @@ bool FileManager::isSequence(const char* name, int& frame, char* pattern, int& d
 
 void FileManager::reevaluateSequences()
 {
+    entriesByPattern.clear();
     entriesByName.clear();
     forgetSplitSequences();
     unsummed.clear();
@@ -46,11 +47,11 @@ void FileManager::enterFile(std::size_t index, bool everyMemberSetsWidth)
     bool padded = false;
     char pattern[FileInfo::NameSize];
     if (file->isDirectory() || !isSequence(file->fileName(), frame, pattern, digits, padded)) {
-        entriesByName.emplace(file->fileName(), file);
+        enterName(file->fileName(), file);
         return;
     }
-    const auto present = entriesByName.find(std::string_view(pattern));
-    if (present == entriesByName.end()) {
+    const auto present = entriesByPattern.find(std::string_view(pattern));
+    if (present == entriesByPattern.end()) {
         FileInfo* sequence = nextSequence();
         createSecondarySequence(sequence, pattern, digits, padded, frame, file);
         sequenceOf[index] = sequence;
@@ -63,10 +64,22 @@ void FileManager::enterFile(std::size_t index, bool everyMemberSetsWidth)
         sequence->setNumberOfHashes(digits, padded, assumeZeroPadding);
 }
 
+// The entry that is under the name then: the present one, if there is one. Patterns are looked up for every
+// numbered file, which is quicker by their hash than along the branches of a tree.
+FileInfo* FileManager::enterName(const char* name, FileInfo* entry)
+{
+    const auto [place, isNew] = entriesByName.emplace(name, entry);
+    if (isNew && place->first.find('#') != std::string::npos)
+        entriesByPattern.emplace(place->first, entry);
+    return place->second;
+}
+
 FileInfo* FileManager::nextSequence()
 {
     if (sequencesInUse == sequences.size())
         sequences.push_back(pool.create());
+    else
+        unsummed.insert(sequences[sequencesInUse]); // it has the sums of its earlier members
     FileInfo* sequence = sequences[sequencesInUse++];
     sequence->setFrameInformation(0, 0, 0);
     return sequence;
@@ -77,12 +90,17 @@ bool FileManager::addMember(FileInfo* sequence, int frame, FileInfo* member)
 {
     if (splitDone)
         forgetSplitSequences();
-    const std::size_t before = sequence->sequenceFiles().size();
+    const auto& members = sequence->sequenceFiles();
+    const std::size_t before = members.size();
     sequence->insertSequenceFile(frame, member);
     sequence->invalidateSequenceName();
-    if (sequence->isSequence() && sequence->sequenceFileCount() >= 2)
+    // Where nothing is known of the members yet, there is nothing to sum: that would be a walk over all.
+    const auto isKnown = [](const FileInfo* file) { return file && file->isInfoValid(); };
+    if (sequence->sequenceFileCount() == 2
+            ? isKnown(members.begin()->second) || isKnown(member) || isKnown(members.rbegin()->second)
+            : isKnown(member))
         unsummed.insert(sequence);
-    return sequence->sequenceFiles().size() > before;
+    return members.size() > before;
 }
 
 void FileManager::createSecondarySequence(FileInfo* sequence, const char* pattern, int digits, bool padded,
@@ -90,7 +108,7 @@ void FileManager::createSecondarySequence(FileInfo* sequence, const char* patter
 {
     sequence->setBasicInformation(pattern, true);
     sequence->setNumberOfHashes(digits, padded, assumeZeroPadding);
-    addMember(entriesByName.emplace(pattern, sequence).first->second, frame, member);
+    addMember(enterName(pattern, sequence), frame, member);
 }
 
 void FileManager::forgetSplitSequences()
