@@ -129,7 +129,9 @@ public:
             QElapsedTimer timer;
             timer.start();
             QCoreApplication::sendEvent(edit, &press);
+            if (qEnvironmentVariableIsSet("SPLIT")) fprintf(stderr,"event %.1f\n", milliseconds(timer));
             m_list->viewport()->repaint();
+            if (qEnvironmentVariableIsSet("SPLIT")) fprintf(stderr,"painted %.1f\n", milliseconds(timer));
             QCoreApplication::processEvents();
             slowest = std::max(slowest, milliseconds(timer));
         }

@@ -36,6 +36,8 @@ FileBrowser::ProxyModel::ProxyModel(FileBrowser* owner)
 {
     setDynamicSortFilter(false);
     setSortCaseSensitivity(Qt::CaseInsensitive);
+    // Before the connections of the base class, which show the rows at once.
+    connect(owner->directoryModel, SIGNAL(modelReset()), this, SLOT(forgetRanks()));
     setSourceModel(owner->directoryModel);
 }
 
@@ -72,7 +74,7 @@ void FileBrowser::ProxyModel::apply()
 
 void FileBrowser::ProxyModel::sort(int column, Qt::SortOrder order)
 {
-    rankedColumn = 0;
+    forgetRanks();
     QSortFilterProxyModel::sort(column, order);
 }
 
@@ -81,7 +83,7 @@ bool FileBrowser::ProxyModel::filterAcceptsRow(int sourceRow, const QModelIndex&
     const DirectoryModel& model = *browser->directoryModel;
     // Filtering begins here, and sorting follows it; sizes and times may have arrived.
     if (sourceRow == 0)
-        rankedColumn = 0;
+        rankedColumn = NoColumn;
     if (!model.isListReady())
         return true;
     const FileInfo* info = model.entry(sourceRow);
@@ -117,43 +119,46 @@ bool FileBrowser::ProxyModel::matchesPrefix(const char* name) const
            });
 }
 
-// Empty while there are no rows to rank.
-const std::vector<int>& FileBrowser::ProxyModel::ranks(int column) const
+// None while there are no rows to rank.
+void FileBrowser::ProxyModel::findRanks(int column) const
 {
-    static const std::vector<int> none;
     const DirectoryModel& model = *browser->directoryModel;
+    rankedColumn = column;
+    ranks.clear();
     if (!model.isListReady())
-        return none;
-    if (rankedRows != model.rowsRevision()) {
+        return;
+    if (namedRevision != model.rowsRevision()) {
         nameRanks = RowRanks::byName(model.rows());
-        rankedRows = model.rowsRevision();
-        rankedColumn = 0;
+        namedRevision = model.rowsRevision();
     }
-    if (column == DirectoryModel::NameColumn)
-        return nameRanks;
-    if (rankedColumn != column) {
-        otherRanks = column == DirectoryModel::SizeColumn ? RowRanks::bySize(model.rows(), nameRanks)
-                                                          : RowRanks::byTime(model.rows());
-        rankedColumn = column;
-    }
-    return otherRanks;
+    if (column == DirectoryModel::SizeColumn)
+        ranks = RowRanks::bySize(model.rows(), nameRanks);
+    else if (column == DirectoryModel::ModifiedColumn)
+        ranks = RowRanks::byTime(model.rows());
+    else
+        ranks = nameRanks;
 }
 
 bool FileBrowser::ProxyModel::lessThan(const QModelIndex& left, const QModelIndex& right) const
 {
-    const std::vector<int>& places = ranks(left.column());
-    const auto leftPlace = static_cast<std::size_t>(left.row());
-    const auto rightPlace = static_cast<std::size_t>(right.row());
-    if (left.column() == right.column() && leftPlace < places.size() && rightPlace < places.size() &&
-        places[leftPlace] != RowRanks::None && places[rightPlace] != RowRanks::None) {
-        return left.column() == DirectoryModel::ModifiedColumn ? places[leftPlace] < places[rightPlace]
-                                                               : places[leftPlace] <= places[rightPlace];
+    const int column = left.column();
+    if (column != right.column())
+        return false;
+    if (column != rankedColumn)
+        findRanks(column);
+    const auto leftRow = static_cast<std::size_t>(left.row());
+    const auto rightRow = static_cast<std::size_t>(right.row());
+    if (leftRow < ranks.size() && rightRow < ranks.size()) {
+        const int leftRank = ranks[leftRow];
+        const int rightRank = ranks[rightRow];
+        if (leftRank != RowRanks::None && rightRank != RowRanks::None)
+            return column == DirectoryModel::ModifiedColumn ? leftRank < rightRank : leftRank <= rightRank;
     }
     const FileInfo* leftInfo = browser->directoryModel->entry(left.row());
     const FileInfo* rightInfo = browser->directoryModel->entry(right.row());
-    if (left.column() != right.column() || !leftInfo || !rightInfo)
+    if (!leftInfo || !rightInfo)
         return false;
-    switch (left.column()) {
+    switch (column) {
     case DirectoryModel::NameColumn:
         return nameLess(*leftInfo, *rightInfo);
     case DirectoryModel::SizeColumn:

@@ -34,14 +34,19 @@ public:
     void apply();
     void sort(int column, Qt::SortOrder order = Qt::AscendingOrder) override;
 
+private slots:
+    void forgetRanks() { rankedColumn = NoColumn; }
+
 protected:
     bool filterAcceptsRow(int sourceRow, const QModelIndex& sourceParent) const override;
     bool lessThan(const QModelIndex& left, const QModelIndex& right) const override;
 
 private:
+    static constexpr int NoColumn = -1;
+
     bool matchesPattern(const char* name) const;
     bool matchesPrefix(const char* name) const;
-    const std::vector<int>& ranks(int column) const;
+    void findRanks(int column) const;
 
     std::string namePrefix;
     QString filterPattern;
@@ -49,11 +54,11 @@ private:
     FileBrowser* browser;
     bool filterBlocked = false;
 
-    // See RowRanks. Each is found by the comparison that needs it first.
+    // See RowRanks. The first comparison of a sorting finds them.
     mutable std::vector<int> nameRanks;
-    mutable unsigned rankedRows = 0;     // revision of the rows that have name ranks
-    mutable std::vector<int> otherRanks; // those of another column than the name's
-    mutable int rankedColumn = 0;        // which; 0 for none that hold any more
+    mutable unsigned namedRevision = 0; // of the rows that have name ranks
+    mutable std::vector<int> ranks;     // of the column by which it is being sorted
+    mutable int rankedColumn = NoColumn;
 };
 
 } // namespace Halvern::UI

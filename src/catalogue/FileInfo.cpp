@@ -168,7 +168,7 @@ void FileInfo::setNumberOfHashes(int digits, bool padded, bool assumeZeroPadding
 
 void FileInfo::insertSequenceFile(int frame, FileInfo* file)
 {
-    m_sequenceFiles.try_emplace(frame, file);
+    m_sequenceFiles.try_emplace(m_sequenceFiles.end(), frame, file);
     ++m_sequenceFileCount;
 }
 

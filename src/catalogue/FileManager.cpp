@@ -143,7 +143,8 @@ void FileManager::insertFiles()
 
 void FileManager::cleanData()
 {
-    entriesByPattern.clear();
+    grownPatterns.clear();
+    patterns.clear();
     discard(entriesByName);
     discard(splitFollowers);
     discard(hostFollowers);
@@ -175,6 +176,7 @@ void FileManager::updateInfo(const std::vector<FileInfoWrapper>* batch, bool ann
         return;
     if (reevaluationEnabled)
         reevaluateSequences();
+    addArrivedMembers();
     const int first = infoCursor;
     for (const FileInfoWrapper& info : *batch) {
         const auto index = static_cast<std::size_t>(infoCursor);
@@ -261,8 +263,11 @@ void FileManager::takeArrivals()
     beginTurn();
     const QPointer<FileManager> alive(this);
     while (alive && gatherer->hasArrivals() && !turnIsOver()) {
-        takeNames();
-        if (gatherer->takeNamesFinished())
+        if (gatherer->hasNames())
+            takeNames();
+        else if (!addArrivedMembersInTurn())
+            return;
+        else if (gatherer->takeNamesFinished())
             announceNames(false);
         else if (const auto infos = gatherer->takeInfos())
             updateInfo(infos.get(), true);
@@ -295,9 +300,12 @@ void FileManager::fileInfoBatchReady()
 void FileManager::fileNameFinished(bool withInfo)
 {
     const bool announced = sender() == gatherer.get();
+    if (!mayTakeNow())
+        return;
     // A stopped run may have left its announcement in the queue, and names may still wait for their turn.
-    if (mayTakeNow() && (!announced || gatherer->takeNamesFinished()))
-        announceNames(withInfo);
+    if (announced && (gatherer->hasNames() || !addArrivedMembersInTurn() || !gatherer->takeNamesFinished()))
+        return;
+    announceNames(withInfo);
 }
 
 void FileManager::announceNames(bool withInfo)

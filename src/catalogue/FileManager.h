@@ -120,6 +120,17 @@ private:
     using Followers = std::unordered_multimap<const FileInfo*, FileInfo*>;
     using Names = std::map<std::string, FileInfo*, std::less<>>;
 
+    struct Member
+    {
+        int frame;
+        int index; // in files
+    };
+    struct Pattern
+    {
+        FileInfo* entry;
+        std::vector<Member> arrived; // not yet members of the entry
+    };
+
     static void setInitialSequenceExtensions();
     bool getFilesFromFolderPrivate(const std::string& path, bool force, bool asynchronous);
     bool mayTakeNow();
@@ -133,7 +144,10 @@ private:
     void enterFile(std::size_t index, bool everyMemberSetsWidth);
     FileInfo* nextSequence();
     FileInfo* enterName(const char* name, FileInfo* entry);
-    bool addMember(FileInfo* sequence, int frame, FileInfo* member);
+    bool addMember(FileInfo* sequence, int frame, FileInfo* member, bool known);
+    void addArrivedMembers(Pattern& pattern);
+    void addArrivedMembers();
+    bool addArrivedMembersInTurn();
     void forgetSplitSequences();
     FileInfo* makeSplitSequence(FileInfo* parent, const FrameRange& range);
     void appendSequence(std::vector<FileInfo*>& out, FileInfo* sequence, bool split, bool registeredOnly);
@@ -148,7 +162,8 @@ private:
     std::vector<FileInfo*> files;
     std::vector<FileInfo*> sequenceOf; // for each of files: the sequence it is a member of, or null
     Names entriesByName;
-    std::unordered_map<std::string_view, FileInfo*> entriesByPattern; // those by name with a "#" in it
+    std::unordered_map<std::string_view, Pattern> patterns; // of those by name: the keys with a "#" in them
+    std::vector<Pattern*> grownPatterns;                    // those with arrived members
     std::vector<FileInfo*> sequences;
     std::size_t sequencesInUse = 0; // those behind are left from an earlier evaluation, to be used again
     std::vector<FileInfo*> splitEntries;

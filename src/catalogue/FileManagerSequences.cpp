@@ -27,7 +27,8 @@ bool FileManager::isSequence(const char* name, int& frame, char* pattern, int& d
 
 void FileManager::reevaluateSequences()
 {
-    entriesByPattern.clear();
+    grownPatterns.clear();
+    patterns.clear();
     entriesByName.clear();
     forgetSplitSequences();
     unsummed.clear();
@@ -35,6 +36,7 @@ void FileManager::reevaluateSequences()
     for (std::size_t index = 0; index < files.size(); ++index)
         enterFile(index, false);
     sequences.resize(sequencesInUse);
+    addArrivedMembers();
 }
 
 // Puts one file under its name, or into the sequence of its pattern.
@@ -50,18 +52,54 @@ void FileManager::enterFile(std::size_t index, bool everyMemberSetsWidth)
         enterName(file->fileName(), file);
         return;
     }
-    const auto present = entriesByPattern.find(std::string_view(pattern));
-    if (present == entriesByPattern.end()) {
+    const auto present = patterns.find(std::string_view(pattern));
+    if (present == patterns.end()) {
         FileInfo* sequence = nextSequence();
         createSecondarySequence(sequence, pattern, digits, padded, frame, file);
         sequenceOf[index] = sequence;
         return;
     }
-    FileInfo* sequence = present->second;
-    if (addMember(sequence, frame, file) && sequence->isSequence())
-        sequenceOf[index] = sequence;
+    Pattern& found = present->second;
+    if (found.arrived.empty())
+        grownPatterns.push_back(&found);
+    found.arrived.push_back({frame, static_cast<int>(index)});
     if (everyMemberSetsWidth)
-        sequence->setNumberOfHashes(digits, padded, assumeZeroPadding);
+        found.entry->setNumberOfHashes(digits, padded, assumeZeroPadding);
+}
+
+// Frames come in the order of the disk. Put into the index one by one, each would wait for the memory of a
+// dozen others; in order they go to its end, and stand together in memory for those who walk it.
+void FileManager::addArrivedMembers(Pattern& pattern)
+{
+    std::vector<Member> members;
+    members.swap(pattern.arrived);
+    std::stable_sort(members.begin(), members.end(),
+                     [](const Member& a, const Member& b) { return a.frame < b.frame; });
+    for (const Member& member : members) {
+        const auto index = static_cast<std::size_t>(member.index);
+        const bool known = member.index < infoCursor;
+        if (addMember(pattern.entry, member.frame, files[index], known) && pattern.entry->isSequence())
+            sequenceOf[index] = pattern.entry;
+    }
+}
+
+void FileManager::addArrivedMembers()
+{
+    for (Pattern* pattern : grownPatterns)
+        addArrivedMembers(*pattern);
+    grownPatterns.clear();
+}
+
+// False when the turn is over and not all are added.
+bool FileManager::addArrivedMembersInTurn()
+{
+    while (!grownPatterns.empty()) {
+        if (!readingSynchronously && turnIsOver())
+            return false;
+        addArrivedMembers(*grownPatterns.back());
+        grownPatterns.pop_back();
+    }
+    return true;
 }
 
 // The entry that is under the name then: the present one, if there is one. Patterns are looked up for every
@@ -70,7 +108,7 @@ FileInfo* FileManager::enterName(const char* name, FileInfo* entry)
 {
     const auto [place, isNew] = entriesByName.emplace(name, entry);
     if (isNew && place->first.find('#') != std::string::npos)
-        entriesByPattern.emplace(place->first, entry);
+        patterns.emplace(place->first, Pattern{entry, {}});
     return place->second;
 }
 
@@ -85,8 +123,8 @@ FileInfo* FileManager::nextSequence()
     return sequence;
 }
 
-// False when the frame has a member already.
-bool FileManager::addMember(FileInfo* sequence, int frame, FileInfo* member)
+// False when the frame has a member already. Known members have their attributes.
+bool FileManager::addMember(FileInfo* sequence, int frame, FileInfo* member, bool known)
 {
     if (splitDone)
         forgetSplitSequences();
@@ -95,10 +133,8 @@ bool FileManager::addMember(FileInfo* sequence, int frame, FileInfo* member)
     sequence->insertSequenceFile(frame, member);
     sequence->invalidateSequenceName();
     // Where nothing is known of the members yet, there is nothing to sum: that would be a walk over all.
-    const auto isKnown = [](const FileInfo* file) { return file && file->isInfoValid(); };
-    if (sequence->sequenceFileCount() == 2
-            ? isKnown(members.begin()->second) || isKnown(member) || isKnown(members.rbegin()->second)
-            : isKnown(member))
+    const FileInfo* first = members.begin()->second;
+    if (known || (sequence->sequenceFileCount() == 2 && first && first->isInfoValid()))
         unsummed.insert(sequence);
     return members.size() > before;
 }
@@ -108,7 +144,10 @@ void FileManager::createSecondarySequence(FileInfo* sequence, const char* patter
 {
     sequence->setBasicInformation(pattern, true);
     sequence->setNumberOfHashes(digits, padded, assumeZeroPadding);
-    addMember(enterName(pattern, sequence), frame, member);
+    const auto present = patterns.find(std::string_view(pattern));
+    if (present != patterns.end())
+        addArrivedMembers(present->second);
+    addMember(enterName(pattern, sequence), frame, member, member && member->isInfoValid());
 }
 
 void FileManager::forgetSplitSequences()
@@ -122,6 +161,7 @@ void FileManager::createSplitSequences()
 {
     if (splitDone)
         return;
+    addArrivedMembers();
     splitDone = true;
     for (const auto& named : entriesByName) {
         FileInfo* sequence = named.second;
@@ -161,6 +201,7 @@ void FileManager::buildRunningList(std::vector<FileInfo*>* out, FileHandle::List
         *out = files;
         return;
     }
+    addArrivedMembers();
     out->clear();
     const bool split = type == FileHandle::SplitSequences || type == FileHandle::RegisteredSplitSequences;
     const bool registeredOnly = type >= FileHandle::RegisteredSequences;
