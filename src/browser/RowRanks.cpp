@@ -35,25 +35,29 @@ bool isKeyed(const FileInfo& info)
 
 std::vector<int> byName(const std::vector<FileInfo*>& rows)
 {
-    std::vector<const char*> names;
-    std::vector<int> named;
-    names.reserve(rows.size());
+    constexpr std::size_t TypicalLength = 24;
+    std::vector<char> keys; // copied, since sorting goes back to them in another order
+    std::vector<std::size_t> begins;
+    std::vector<std::size_t> named;
+    keys.reserve(rows.size() * TypicalLength);
+    begins.reserve(rows.size());
     named.reserve(rows.size());
     for (std::size_t row = 0; row < rows.size(); ++row) {
         if (!rows[row] || !isKeyed(*rows[row]))
             continue;
-        names.push_back(rows[row]->getStringSortName());
-        named.push_back(static_cast<int>(row));
+        const char* key = rows[row]->getStringSortName();
+        begins.push_back(keys.size());
+        named.push_back(row);
+        keys.insert(keys.end(), key, key + std::strlen(key) + 1);
     }
+    std::vector<const char*> texts;
+    texts.reserve(begins.size());
+    for (const std::size_t begin : begins)
+        texts.push_back(keys.data() + begin);
+    const std::vector<int> places = Base::textRanks(texts);
     std::vector<int> ranks(rows.size(), None);
-    int rank = 0;
-    const char* previous = nullptr;
-    for (const int index : Base::textOrder(names)) {
-        const auto place = static_cast<std::size_t>(index);
-        rank += previous && std::strcmp(previous, names[place]) != 0 ? 1 : 0;
-        ranks[static_cast<std::size_t>(named[place])] = rank;
-        previous = names[place];
-    }
+    for (std::size_t i = 0; i < places.size(); ++i)
+        ranks[named[i]] = places[i];
     return ranks;
 }
 

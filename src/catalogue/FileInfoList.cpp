@@ -9,6 +9,7 @@
 #include <cerrno>
 #include <cstring>
 #include <dirent.h>
+#include <numeric>
 #include <utility>
 
 namespace Halvern::UI {
@@ -75,7 +76,16 @@ private:
         texts.reserve(begins.size());
         for (const std::size_t begin : begins)
             texts.push_back(keys.data() + begin);
-        m_order = Base::textOrder(texts);
+        // By counting; a directory that changes while it is read may give a name twice.
+        const std::vector<int> ranks = Base::textRanks(texts);
+        std::vector<int> places(ranks.size() + 1);
+        for (const int rank : ranks)
+            ++places[static_cast<std::size_t>(rank) + 1];
+        std::partial_sum(places.begin(), places.end(), places.begin());
+        m_order.resize(ranks.size());
+        for (std::size_t i = 0; i < ranks.size(); ++i)
+            m_order[static_cast<std::size_t>(places[static_cast<std::size_t>(ranks[i])]++)] =
+                static_cast<int>(i);
     }
 
     const Entry& entry(int index) const

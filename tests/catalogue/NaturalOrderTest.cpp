@@ -1,5 +1,5 @@
-#include "base/TextOrder.h"
 #include "catalogue/NaturalOrder.h"
+#include "base/TextOrder.h"
 #include "support/Test.h"
 
 using namespace Halvern;
@@ -25,9 +25,9 @@ static void expectAscending(NaturalOrder::Numbers numbers, QByteArrayList names)
         texts.push_back(key.data());
         QVERIFY2(i == 0 || qstrcmp(texts[texts.size() - 2], texts.back()) > 0, names.at(i).constData());
     }
-    const std::vector<int> order = Base::textOrder(texts);
+    std::vector<int> descending = Base::textRanks(texts);
     for (int i = 0; i < names.size(); ++i)
-        QCOMPARE(order[static_cast<std::size_t>(i)], names.size() - 1 - i);
+        QCOMPARE(descending[static_cast<std::size_t>(i)], names.size() - 1 - i);
 }
 
 void NaturalOrderTest::orders()
