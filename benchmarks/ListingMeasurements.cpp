@@ -13,6 +13,7 @@
 #include <QTemporaryDir>
 #include <QTreeView>
 #include <algorithm>
+#include <cstdlib>
 #include <dirent.h>
 #include <functional>
 #include <string>
@@ -98,12 +99,22 @@ public:
 
     Values read(const QString& folder, int files)
     {
+        return time(files, [&] { m_browser.setDirectory(QDir(folder), false, true); });
+    }
+    Values readAgain(int files)
+    {
+        return time(files, [this] { m_model->refreshList(); });
+    }
+
+    Values time(int files, const std::function<void()>& begin)
+    {
+        m_complete = 0;
         const int expected = m_expanded ? files : files / FramesPerSequence;
         const double before = memory("VmRSS");
         Values values;
         QElapsedTimer timer;
         timer.start();
-        m_browser.setDirectory(QDir(folder), false, true);
+        begin();
         double turn = milliseconds(timer);
         const auto listed = [&] { return m_model->isListReady() && m_rows.rowCount() == expected; };
         if (!runUntil(listed, turn))
@@ -196,6 +207,31 @@ private:
     int m_complete = 0;
 };
 
+Values timeCollapsed(const QString& folder, int files)
+{
+    Browser browser(false);
+    Values values = browser.read(folder, files);
+    Values again = browser.readAgain(files);
+    for (const char* name : {"rows", "attributes"})
+        values[QStringLiteral("again-") + QLatin1String(name)] = again[QLatin1String(name)];
+    return values;
+}
+
+// The memory of the entries alone.
+Values timeMemory(int files)
+{
+    constexpr std::size_t PageSize = 4096;
+    QElapsedTimer timer;
+    timer.start();
+    const std::size_t size = static_cast<std::size_t>(files) * sizeof(FileInfo);
+    auto* const memory = static_cast<volatile char*>(std::malloc(size));
+    for (std::size_t i = 0; memory && i < size; i += PageSize)
+        memory[i] = 0;
+    const double time = milliseconds(timer);
+    std::free(const_cast<char*>(memory));
+    return {{QStringLiteral("touched"), time}};
+}
+
 Values timeExpanded(const QString& folder, int files)
 {
     Browser browser(true);
@@ -249,7 +285,9 @@ Values measure(const QString& kind, const QString& folder, int files)
     if (kind == QLatin1String("qt"))
         return timeFileSystemModel(folder, files);
     if (kind == QLatin1String("collapsed"))
-        return Browser(false).read(folder, files);
+        return timeCollapsed(folder, files);
+    if (kind == QLatin1String("memory"))
+        return timeMemory(files);
     if (kind == QLatin1String("expanded"))
         return timeExpanded(folder, files);
     if (kind == QLatin1String("switch"))
