@@ -38,6 +38,13 @@ foreach(header IN LISTS COREUI_PUBLIC_HEADERS)
         DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/HvMirefoldCoreUI/${folder})
 endforeach()
 
+# The same file, found under its name where Debian's Python looks for modules, and its types for editors and checkers.
+set(COREUI_PYTHON_DIR lib/python3/dist-packages)
+set(link ${PROJECT_BINARY_DIR}/python/_HvMirefoldCoreUI.abi3.so)
+file(MAKE_DIRECTORY ${PROJECT_BINARY_DIR}/python)
+file(CREATE_LINK ../../_HvMirefoldCoreUI.abi3.so ${link} SYMBOLIC)
+install(FILES ${link} ${COREUI_TYPE_STUB} DESTINATION ${COREUI_PYTHON_DIR})
+
 set_target_properties(CoreUI PROPERTIES EXPORT_NAME CoreUI)
 install(TARGETS CoreUI EXPORT HvMirefoldCoreUITargets LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
 
@@ -52,4 +59,5 @@ write_basic_package_version_file(
 install(FILES
     ${PROJECT_BINARY_DIR}/HvMirefoldCoreUIConfig.cmake
     ${PROJECT_BINARY_DIR}/HvMirefoldCoreUIConfigVersion.cmake
+    ${PROJECT_SOURCE_DIR}/cmake/PythonForPyQt.cmake
     DESTINATION ${COREUI_PACKAGE_DIR})

@@ -199,6 +199,7 @@ int main(int argc, char** argv)
     }
     if (!options.needsWindow())
         qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
     const QApplication application(argc, argv);
     FileBrowser::SetUseLastSavedDir(false);
     const QString settings = QStandardPaths::writableLocation(QStandardPaths::ConfigLocation);

@@ -1,12 +1,17 @@
 // Takes the pictures of the documents: pictures DIRECTORY FOLDER shows DIRECTORY and writes PNG files into
-// FOLDER.
+// FOLDER. With a third argument, "dark" or "scale2", it writes only FOLDER/dark.png, in a dark palette, or
+// FOLDER/scale2.png, for which QT_SCALE_FACTOR=2 is to be set.
 
 #include "dialog/FileDialog.h"
 #include "dialog/FilePreview.h"
+#include "widgets/FrameSlider.h"
+#include "widgets/PackedColour.h"
 
 #include <QApplication>
 #include <QElapsedTimer>
+#include <QPalette>
 #include <QPushButton>
+#include <QStyleFactory>
 #include <QTemporaryDir>
 #include <QTreeView>
 #include <cstdio>
@@ -82,13 +87,68 @@ bool pictureDialogs(const QDir& directory, const QString& folder)
     return picture(dialog, folder + QStringLiteral("/picklist.png"));
 }
 
+// One dialog with everything in it: a selected, a hovered and a queued row, and a preview with its slider.
+bool pictureVariant(const QDir& directory, const QString& file)
+{
+    FileDialog dialog;
+    dialog.setSequencesEnabled(true);
+    dialog.setMultipleSelections(true);
+    dialog.setDirectory(directory, false, false);
+    auto* preview = new FilePreview(&dialog, 0);
+    dialog.setPreviewWidget(preview);
+    dialog.findChild<QAbstractButton*>(QStringLiteral("previewButton"))->setChecked(true);
+    dialog.resize(900, 720);
+    dialog.show();
+    settle();
+    selectRow(dialog, QStringLiteral("plate"));
+    dialog.findChild<QPushButton*>(QStringLiteral("nextButton"))->click();
+    selectRow(dialog, QStringLiteral("shot_010"));
+    preview->updateRange(1, 100);
+    auto* slider = preview->findChild<FrameSlider*>();
+    slider->setValue(40);
+    slider->setCacheFrames({38, 39, 40, 41, 42});
+    auto* list = dialog.findChild<QTreeView*>(QStringLiteral("filesList"));
+    const QModelIndex hovered = list->model()->index(1, 0);
+    QMetaObject::invokeMethod(dialog.fileBrowser(), "hoverItem", Q_ARG(QModelIndex, hovered));
+    return picture(dialog, file);
+}
+
+// What a host with a dark surface sets.
+void darken()
+{
+    QPalette palette;
+    const QColor window(53, 53, 53);
+    const QColor base(35, 35, 35);
+    const QColor text(225, 225, 225);
+    const QColor faint(127, 127, 127);
+    palette.setColor(QPalette::Window, window);
+    palette.setColor(QPalette::Button, window);
+    palette.setColor(QPalette::AlternateBase, window);
+    palette.setColor(QPalette::Base, base);
+    palette.setColor(QPalette::ToolTipBase, base);
+    for (const QPalette::ColorRole role :
+         {QPalette::WindowText, QPalette::Text, QPalette::ButtonText, QPalette::ToolTipText}) {
+        palette.setColor(role, text);
+        palette.setColor(QPalette::Disabled, role, faint);
+    }
+    palette.setColor(QPalette::PlaceholderText, faint);
+    palette.setColor(QPalette::Highlight, QColor(42, 110, 180));
+    palette.setColor(QPalette::HighlightedText, Qt::white);
+    QApplication::setPalette(palette);
+    FileBrowser::SetHighlightColor(QColor(70, 70, 70));
+    FileBrowser::SetQueuedColor(QColor(130, 70, 30));
+    FrameSlider::SetHeadColour(Halvern::UI::QColorToRgb0(text));
+}
+
 } // namespace
 
 int main(int argc, char** argv)
 {
+    QApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
     const QApplication application(argc, argv);
-    if (argc != 3) {
-        std::fprintf(stderr, "usage: pictures DIRECTORY FOLDER\n");
+    QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+    if (argc != 3 && argc != 4) {
+        std::fprintf(stderr, "usage: pictures DIRECTORY FOLDER [dark | scale2]\n");
         return 2;
     }
     FileBrowser::SetUseLastSavedDir(false);
@@ -97,5 +157,12 @@ int main(int argc, char** argv)
     FileBrowser::SetQueuedColor(QColor(255, 170, 120));
     const QDir directory(QString::fromLocal8Bit(argv[1]));
     const QString folder = QString::fromLocal8Bit(argv[2]);
+    if (argc == 4) {
+        const QString variant = QString::fromLocal8Bit(argv[3]);
+        if (variant == QLatin1String("dark"))
+            darken();
+        return pictureVariant(directory, folder + QLatin1Char('/') + variant + QStringLiteral(".png")) ? 0
+                                                                                                       : 1;
+    }
     return pictureBrowser(directory, folder) && pictureDialogs(directory, folder) ? 0 : 1;
 }

@@ -80,6 +80,7 @@ void printSignals(FrameSlider& slider)
 
 int main(int argc, char** argv)
 {
+    QApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
     const QApplication application(argc, argv);
     QCommandLineParser parser;
     parser.setApplicationDescription(

@@ -2,9 +2,13 @@
 
 project=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 
-build_packages=(build-essential cmake ninja-build qtbase5-dev libqt5opengl5-dev libboost-dev)
+build_packages=(build-essential cmake file ninja-build qtbase5-dev libqt5opengl5-dev libboost-dev
+    python3-dev python3-pyqt5 pyqt5-dev python3-pyqt5.sip sip-tools)
+test_packages=(python3-pytest)
 display_packages=(xvfb xauth libgl1-mesa-dri fonts-dejavu-core)
 check_packages=(clang-format clang-tidy)
+fuzz_packages=(clang libclang-rt-14-dev)
+document_packages=(doxygen qttools5-dev-tools)
 
 # install_missing PACKAGE...: installs the packages that are not there. Prints nothing where all are.
 install_missing() {

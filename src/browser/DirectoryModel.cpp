@@ -149,17 +149,38 @@ void FileBrowser::DirectoryModel::setDirectory(const QDir& dir, SequenceMode /*m
     directory = dir;
 }
 
+void FileBrowser::DirectoryModel::setEvaluator(FileSequenceEvaluator* newEvaluator)
+{
+    evaluator = newEvaluator;
+    evaluatorLifetime.reset();
+    if (!evaluator)
+        return;
+    evaluatorLifetime = evaluator->lifetime();
+    evaluator->setManager(&manager);
+}
+
 void FileBrowser::DirectoryModel::buildRunningList()
 {
     using Base::FileHandle;
-    const bool evaluated = evaluator && sequenceMode != SequenceMode::Expanded;
+    // Asked again from within its answer, an evaluator might never come to an end.
+    if (evaluating) {
+        wantedAgain = true;
+        return;
+    }
+    bool evaluated = hasEvaluator() && sequenceMode != SequenceMode::Expanded;
     const FileInfo* hoveredEntry = entry(hovered);
     // The host's code runs while the model still stands as it was. Where it made the browser read another
     // directory, its answer is about entries that are gone.
     const unsigned generation = manager.generation();
+    const FileSequenceEvaluator* const asked = evaluator;
+    wantedAgain = false;
     std::vector<FileInfo*> evaluatedRows = evaluated ? evaluateFiles() : std::vector<FileInfo*>();
-    if (generation != manager.generation())
+    if (generation != manager.generation() || asked != evaluator) {
+        if (wantedAgain)
+            QMetaObject::invokeMethod(this, &DirectoryModel::buildRunningList, Qt::QueuedConnection);
         return;
+    }
+    evaluated = evaluated && hasEvaluator() && sequenceMode != SequenceMode::Expanded;
     beginResetModel();
     if (evaluated)
         entries.swap(evaluatedRows);
@@ -184,7 +205,10 @@ std::vector<FileInfo*> FileBrowser::DirectoryModel::evaluateFiles()
     // Rows of the host's own making may not outlive its next answer.
     browser->filesMenu->forgetItems();
     evaluator->setManager(&manager);
-    return evaluator->evaluateFiles(files);
+    evaluating = true;
+    std::vector<FileInfo*> rows = evaluator->evaluateFiles(files);
+    evaluating = false;
+    return rows;
 }
 
 void FileBrowser::DirectoryModel::refreshList()

@@ -4,6 +4,7 @@
 #include "catalogue/FileManager.h"
 
 #include <QAbstractItemModel>
+#include <memory>
 #include <vector>
 
 namespace Halvern::UI {
@@ -40,7 +41,8 @@ public:
     /// Begins to read @p dir; with @p force also where it is the present directory. @p mode is not read: the
     /// mode in force is that of setSequenceMode().
     void setDirectory(const QDir& dir, SequenceMode mode, bool force);
-    /// Rebuilds the rows from the entries that have arrived and resets the model.
+    /// Rebuilds the rows from the entries that have arrived and resets the model. While an evaluator
+    /// is asked it waits for the answer.
     void buildRunningList();
     /// Reads the present directory again; does nothing while there are no rows.
     void refreshList();
@@ -58,9 +60,10 @@ public:
     void setSequenceMode(SequenceMode mode) { sequenceMode = mode; }
     /// Whether the built-in rules split sequences at gaps (default: no); takes effect in the same way.
     void setSplitSequences(bool split) { splitSequences = split; }
-    /// Null for the built-in rules; not owned. Takes effect in the same way.
-    void setEvaluator(FileSequenceEvaluator* newEvaluator) { evaluator = newEvaluator; }
-    bool hasEvaluator() const { return evaluator != nullptr; }
+    /// Null for the built-in rules, which also stand in for one that was destroyed. Takes effect in the same
+    /// way; not owned.
+    void setEvaluator(FileSequenceEvaluator* newEvaluator);
+    bool hasEvaluator() const { return !evaluatorLifetime.expired(); }
 
     /// False while a read is under way whose rows were not built yet.
     bool isListReady() const { return listReady; }
@@ -85,7 +88,10 @@ private:
     QVariant displayText(const FileInfo& info, int column) const;
     QVariant background(int row, const FileInfo& info) const;
 
-    FileSequenceEvaluator* evaluator = nullptr;
+    FileSequenceEvaluator* evaluator = nullptr; // to be followed only while hasEvaluator()
+    std::weak_ptr<const void> evaluatorLifetime;
+    bool evaluating = false;
+    bool wantedAgain = false; // a list, while the evaluator was asked for it
     QDir directory;
     int hovered = -1;
     bool listReady = false;

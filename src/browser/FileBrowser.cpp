@@ -62,6 +62,7 @@ FileBrowser::FileBrowser(QWidget* parent)
     prepareFavorites();
     initWidgets();
     initLayout();
+    initAccessibility();
     setSelectionType(SelectionType::Files);
     setMayNotExist(false);
     setMultipleSelections(false);

@@ -115,7 +115,7 @@ public:
     /// What the "sequences" box says.
     SequenceMode getSequenceMode() const;
     /// Lets @p evaluator decide what a sequence is, null for the built-in rules, and rebuilds the list. The
-    /// caller keeps ownership and the object alive while the browser has it.
+    /// caller keeps ownership; a browser notices when the evaluator is destroyed.
     void setFileSequenceEvaluator(FileSequenceEvaluator* evaluator);
 
     /// Puts a widget below the browser, shown and hidden with the preview button. It becomes a child and must
@@ -274,6 +274,8 @@ private:
     void initOptions();
     void initDialogButtons();
     void initLayout();
+    void initAccessibility();
+    void sortByKey(int column);
     void clearFilterBlock();
     void loadSortOrder();
     void updateNavigationButtons();

@@ -227,10 +227,12 @@ void FileBrowser::newFolder()
     if (name.isEmpty())
         return;
     if (!currentDirectory.mkdir(name)) {
-        QMessageBox box(QMessageBox::Warning, tr("New Folder"), tr("Can't create folder ") + name,
-                        QMessageBox::Ok, this);
-        box.setTextFormat(Qt::PlainText);
-        box.exec();
+        auto* box = new QMessageBox(QMessageBox::Warning, tr("New Folder"), tr("Can't create folder ") + name,
+                                    QMessageBox::Ok, this);
+        box->setTextFormat(Qt::PlainText);
+        // It is gone with the browser where the host closed that in the meantime.
+        box->setAttribute(Qt::WA_DeleteOnClose);
+        box->exec();
         return;
     }
     QDir created = currentDirectory;

@@ -68,8 +68,10 @@ void FileBrowser::fileDoubleClicked(QModelIndex index)
     if (!entry)
         return;
     const FileInfo info = *entry;
+    const QPointer<FileBrowser> self(this);
     emit fileDoubleClick(info);
-    emit fileDoubleClick();
+    if (self)
+        emit fileDoubleClick();
 }
 
 void FileBrowser::hoverItem(QModelIndex index)

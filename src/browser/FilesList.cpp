@@ -3,7 +3,9 @@
 #include "browser/DirectoryModel.h"
 #include "browser/FilesMenu.h"
 #include "browser/ProxyModel.h"
+#include "widgets/LegibleDelegate.h"
 
+#include <QContextMenuEvent>
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QPushButton>
@@ -15,11 +17,24 @@ namespace Halvern::UI {
 FileBrowser::FilesList::FilesList(FileBrowser* owner)
     : browser(owner)
 {
+    setItemDelegate(new LegibleDelegate(this));
 }
 
 QSize FileBrowser::FilesList::sizeHint() const
 {
     return {widthHint, 200};
+}
+
+bool FileBrowser::FilesList::event(QEvent* event)
+{
+    // With the mouse the menu has opened already, when the button was pressed.
+    if (event->type() != QEvent::ContextMenu ||
+        static_cast<QContextMenuEvent*>(event)->reason() != QContextMenuEvent::Keyboard)
+        return QTreeView::event(event);
+    const QModelIndex current = currentIndex();
+    const QPoint place = viewport()->mapToGlobal(visualRect(current).bottomLeft());
+    browser->filesMenu->popupMenu(place, browser->proxyModel->mapToSource(current));
+    return true;
 }
 
 void FileBrowser::FilesList::mousePressEvent(QMouseEvent* event)
@@ -30,6 +45,22 @@ void FileBrowser::FilesList::mousePressEvent(QMouseEvent* event)
     }
     const QModelIndex source = browser->proxyModel->mapToSource(indexAt(event->pos()));
     browser->filesMenu->popupMenu(event->globalPos(), source);
+}
+
+// A host may destroy the list in answer to a double click, and the standard handling would go on with it.
+void FileBrowser::FilesList::mouseDoubleClickEvent(QMouseEvent* event)
+{
+    const QPersistentModelIndex index = indexAt(event->pos());
+    {
+        const QSignalBlocker blocker(this);
+        QTreeView::mouseDoubleClickEvent(event);
+    }
+    if (!index.isValid())
+        return;
+    const QPointer<FilesList> self(this);
+    emit doubleClicked(index);
+    if (self && event->button() == Qt::LeftButton)
+        emit activated(index);
 }
 
 void FileBrowser::FilesList::mouseMoveEvent(QMouseEvent* event)

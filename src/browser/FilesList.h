@@ -31,7 +31,10 @@ public:
     void keepPlace(const std::function<void()>& reset);
 
 protected:
+    /// The menu key opens the menu at the current row.
+    bool event(QEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void leaveEvent(QEvent* event) override;

@@ -41,7 +41,21 @@ FileBrowser::ProxyModel::ProxyModel(FileBrowser* owner)
     setSourceModel(owner->directoryModel);
 }
 
-void FileBrowser::ProxyModel::setNamePrefix(const QString& text)
+// Each "*" but the last takes no more than it must and never gives it back. What is between two "*" has a
+// fixed length, so that the first place that it fits is as good as any; trying all places takes time that
+// grows with every "*", until the matcher gives up.
+QRegularExpression FileBrowser::ProxyModel::filterExpression(const QString& pattern)
+{
+    const QLatin1String star("[^/]*");
+    QStringList parts = QRegularExpression::wildcardToRegularExpression(pattern).split(star);
+    const QString end = parts.size() > 1 ? star + parts.takeLast() : QString();
+    QString text = parts.takeFirst();
+    for (const QString& part : qAsConst(parts))
+        text += QLatin1String("(?>[^/]*?") + part + QLatin1Char(')');
+    return QRegularExpression(text + end, QRegularExpression::CaseInsensitiveOption);
+}
+
+QString FileBrowser::ProxyModel::withHashes(const QString& text)
 {
     static const QRegularExpression token(QStringLiteral("(?:%)(\\d*)(?:d)"));
     QString prefix = text;
@@ -51,10 +65,15 @@ void FileBrowser::ProxyModel::setNamePrefix(const QString& text)
         const int width = qBound(1, match.captured(1).toInt(), static_cast<int>(FileInfo::NameSize));
         prefix.replace(token, QString(width, QLatin1Char('#')));
     }
-    namePrefix = prefix.toUtf8().constData();
+    return prefix;
 }
 
-// As QDir::match() does it, which would compile the patterns for every row.
+void FileBrowser::ProxyModel::setNamePrefix(const QString& text)
+{
+    namePrefix = withHashes(text).toUtf8().constData();
+}
+
+// Matches what QDir::match() does, which would compile the patterns for every row.
 void FileBrowser::ProxyModel::setFilterPattern(const QString& patterns)
 {
     if (patterns == filterPattern)
@@ -62,8 +81,7 @@ void FileBrowser::ProxyModel::setFilterPattern(const QString& patterns)
     filterPattern = patterns;
     filterExpressions.clear();
     for (const QString& pattern : QDir::nameFiltersFromString(patterns))
-        filterExpressions.append(QRegularExpression(QRegularExpression::wildcardToRegularExpression(pattern),
-                                                    QRegularExpression::CaseInsensitiveOption));
+        filterExpressions.append(filterExpression(pattern));
 }
 
 void FileBrowser::ProxyModel::apply()

@@ -21,11 +21,17 @@ class FileBrowser::ProxyModel : public QSortFilterProxyModel
 public:
     explicit ProxyModel(FileBrowser* owner);
 
-    /// Rows must begin with @p text in any letter case; a leading "." shows hidden names too. printf tokens
-    /// become the "#" of listed sequences: "shot.%04d" stands for "shot.####".
+    /// @p text with the "#" of listed sequences in place of printf tokens, as many for each as the first one
+    /// is wide: "shot.%04d" gives "shot.####".
+    static QString withHashes(const QString& text);
+    /// Rows must begin with @p text in any letter case, printf tokens read by withHashes(); a leading "."
+    /// shows hidden names too.
     void setNamePrefix(const QString& text);
     /// The prefix as rows are compared with it, UTF-8.
     const std::string& prefix() const { return namePrefix; }
+    /// Matches what QDir::match() does for one wildcard pattern, in a time that the number of "*" hardly
+    /// touches.
+    static QRegularExpression filterExpression(const QString& pattern);
     /// Wildcard patterns, separated by blanks or semicolons, that files must match; empty for all.
     void setFilterPattern(const QString& patterns);
     /// While set, folders always pass and the name prefix is not looked at.

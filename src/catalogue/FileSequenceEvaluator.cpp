@@ -7,19 +7,20 @@
 namespace Halvern::UI {
 
 FileSequenceEvaluator::FileSequenceEvaluator()
-    : m_ownEntries(std::make_unique<EntryPool>())
+    : m_ownEntries(std::make_shared<EntryPool>())
 {
 }
 
 FileSequenceEvaluator::FileSequenceEvaluator(const FileSequenceEvaluator& other)
     : m_manager(other.m_manager)
-    , m_ownEntries(std::make_unique<EntryPool>())
+    , m_ownEntries(std::make_shared<EntryPool>())
 {
 }
 
 FileSequenceEvaluator& FileSequenceEvaluator::operator=(const FileSequenceEvaluator& other)
 {
-    m_manager = other.m_manager;
+    if (this != &other)
+        m_manager = other.m_manager;
     return *this;
 }
 

@@ -16,9 +16,10 @@ class FileManager;
 /// Lets a host decide what is a sequence. A browser that holds an evaluator hands it the plain list of files
 /// whenever it builds its rows, and shows the list that comes back.
 ///
-/// The host owns the evaluator and keeps it alive while a browser holds it. Entries that buildFileSequence()
-/// makes belong to the manager of the browser that asked last, and die with that manager's next read; they
-/// belong to the evaluator itself while it has no manager.
+/// The host owns the evaluator. It may destroy it at any time, from within evaluateFiles() too: a browser
+/// that held it goes on with the built-in rules, and an answer that came with its end is not looked at.
+/// Entries that buildFileSequence() makes belong to the manager of the browser that asked last, and die with
+/// that manager's next read; they belong to the evaluator itself while it has no manager.
 class HVCOREUI_EXPORT FileSequenceEvaluator
 {
 public:
@@ -44,10 +45,12 @@ public:
 
     /// Says whose entries are being grouped; the manager may die before the evaluator does.
     void setManager(FileManager* manager);
+    /// Expires with the evaluator, for those who hold it without owning it.
+    std::weak_ptr<const void> lifetime() const { return m_ownEntries; }
 
 private:
     QPointer<FileManager> m_manager;
-    std::unique_ptr<EntryPool> m_ownEntries;
+    std::shared_ptr<EntryPool> m_ownEntries; // never shared: it lives as long as the evaluator
 };
 
 } // namespace Halvern::UI

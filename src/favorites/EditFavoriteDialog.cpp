@@ -20,17 +20,24 @@ struct ChooserType
 
 // In the order of the rows.
 constexpr ChooserType chooserTypesInOrder[] = {
-    {FaveImage, "FaveImage", QT_TRANSLATE_NOOP("EditFavoriteDialog", "image browser:")},
-    {FaveMisc, "FaveMisc", QT_TRANSLATE_NOOP("EditFavoriteDialog", "misc browser:")},
-    {FavePython, "FavePython", QT_TRANSLATE_NOOP("EditFavoriteDialog", "python browser:")},
-    {FaveSequence, "FaveSequence", QT_TRANSLATE_NOOP("EditFavoriteDialog", "sequence browser:")},
-    {FaveProject, "FaveProject", QT_TRANSLATE_NOOP("EditFavoriteDialog", "project browser:")},
-    {FaveScript, "FaveScript", QT_TRANSLATE_NOOP("EditFavoriteDialog", "script browser:")},
-    {FaveFont, "FaveFont", QT_TRANSLATE_NOOP("EditFavoriteDialog", "font browser:")},
-    {FaveGeo, "FaveGeo", QT_TRANSLATE_NOOP("EditFavoriteDialog", "geo browser:")},
+    {FaveImage, "FaveImage", QT_TRANSLATE_NOOP("Halvern::UI::EditFavoriteDialog", "image browser:")},
+    {FaveMisc, "FaveMisc", QT_TRANSLATE_NOOP("Halvern::UI::EditFavoriteDialog", "misc browser:")},
+    {FavePython, "FavePython", QT_TRANSLATE_NOOP("Halvern::UI::EditFavoriteDialog", "python browser:")},
+    {FaveSequence, "FaveSequence", QT_TRANSLATE_NOOP("Halvern::UI::EditFavoriteDialog", "sequence browser:")},
+    {FaveProject, "FaveProject", QT_TRANSLATE_NOOP("Halvern::UI::EditFavoriteDialog", "project browser:")},
+    {FaveScript, "FaveScript", QT_TRANSLATE_NOOP("Halvern::UI::EditFavoriteDialog", "script browser:")},
+    {FaveFont, "FaveFont", QT_TRANSLATE_NOOP("Halvern::UI::EditFavoriteDialog", "font browser:")},
+    {FaveGeo, "FaveGeo", QT_TRANSLATE_NOOP("Halvern::UI::EditFavoriteDialog", "geo browser:")},
 };
 
 constexpr int EveryTypeButSequence = 255 & ~FaveSequence;
+
+void addRow(QGridLayout* grid, QLabel* label, QWidget* control, int row)
+{
+    label->setBuddy(control);
+    grid->addWidget(label, row, 0, Qt::AlignRight);
+    grid->addWidget(control, row, 1);
+}
 
 } // namespace
 
@@ -57,8 +64,7 @@ QLineEdit* EditFavoriteDialog::createEdit(QGridLayout* grid, const char* name, c
 {
     auto* edit = new QLineEdit(text, this);
     edit->setObjectName(QLatin1String(name));
-    grid->addWidget(new QLabel(label, this), row, 0, Qt::AlignRight);
-    grid->addWidget(edit, row, 1);
+    addRow(grid, new QLabel(label, this), edit, row);
     return edit;
 }
 
@@ -80,8 +86,7 @@ void EditFavoriteDialog::createChooserFrame(int type)
 void EditFavoriteDialog::createChooserType(QGridLayout* grid, FaveType type, const char* label, int row)
 {
     auto* box = new QCheckBox(chooserFrame);
-    grid->addWidget(new QLabel(tr(label), chooserFrame), row, 0, Qt::AlignRight);
-    grid->addWidget(box, row, 1);
+    addRow(grid, new QLabel(tr(label), chooserFrame), box, row);
     chooserTypes[type] = box;
 }
 

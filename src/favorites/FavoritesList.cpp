@@ -2,6 +2,7 @@
 
 #include "favorites/FavoritesModel.h"
 #include "favorites/FavoritesProxy.h"
+#include "widgets/LegibleDelegate.h"
 
 #include <QContextMenuEvent>
 #include <QMenu>
@@ -14,6 +15,7 @@ FavoritesList::FavoritesList(FavoritesProxy* proxy, QWidget* parent)
 {
     constexpr int IconSize = 16;
     setMouseTracking(true);
+    setItemDelegate(new LegibleDelegate(this));
     // Platforms have larger icons for some folders than for others.
     setIconSize(QSize(IconSize, IconSize));
     // Asking every row for its size would take seconds where there are ten thousand.

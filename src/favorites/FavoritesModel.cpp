@@ -1,8 +1,19 @@
 #include "favorites/FavoritesModel.h"
 
+#include <QTextDocument>
 #include <algorithm>
 
 namespace Halvern::UI {
+
+namespace {
+
+// A tooltip that looks like markup would be shown as what it marks up.
+QString plainTooltip(const QString& text)
+{
+    return Qt::mightBeRichText(text) ? Qt::convertFromPlainText(text) : text;
+}
+
+} // namespace
 
 FavoritesModel::FavoritesModel(const QList<Favorite>* list, const QColor* highlight, QObject* parent)
     : QAbstractListModel(parent)
@@ -28,7 +39,7 @@ QVariant FavoritesModel::data(const QModelIndex& index, int role) const
     case Qt::DecorationRole:
         return favorite.icon;
     case Qt::ToolTipRole:
-        return favorite.tooltip.isEmpty() ? favorite.dir.path() : favorite.tooltip;
+        return plainTooltip(favorite.tooltip.isEmpty() ? favorite.dir.path() : favorite.tooltip);
     case Qt::BackgroundRole:
         return index.row() == hovered ? QVariant(*highlightColour) : QVariant();
     default:

@@ -233,8 +233,13 @@ QIcon FavoritesStore::findIcon(const Favorite& favorite)
 
 void FavoritesStore::resolveAll()
 {
-    for (Favorite& favorite : ensureList())
+    for (int i = 0, count = ensureList().size(); i < count; ++i) {
+        // The host's evaluator may change the list.
+        Favorite favorite = list->value(i);
         resolve(favorite);
+        if (i < list->size() && list->at(i).isSame(favorite))
+            list->replace(i, favorite);
+    }
 }
 
 } // namespace Halvern::UI

@@ -34,6 +34,20 @@ QPainterPath triangle(bool open)
     return path;
 }
 
+constexpr int DarkestLight = 128; // a grey level
+
+// The triangle is black; on a dark window it needs something to stand on.
+void drawPlate(QPainter& painter, const QRect& widget, const QPalette& palette)
+{
+    if (qGray(palette.color(QPalette::Window).rgb()) >= DarkestLight)
+        return;
+    QPainterPath plate;
+    plate.addRoundedRect(widget & QRect(0, 0, 17, 15), 2, 2);
+    painter.setRenderHint(QPainter::Antialiasing, true);
+    painter.fillPath(plate, palette.color(QPalette::WindowText));
+    painter.setRenderHint(QPainter::Antialiasing, false);
+}
+
 } // namespace
 
 DisclosureButton::DisclosureButton(QWidget* parent, bool showWidgetsWhenChecked)
@@ -139,6 +153,8 @@ void DisclosureButton::paintEvent(QPaintEvent* /*event*/)
     QStyleOptionButton option;
     initStyleOption(&option);
 
+    if (isEnabled())
+        drawPlate(painter, rect(), palette());
     painter.fillPath(triangle(isChecked()),
                      isEnabled() ? QColor(Qt::black) : palette().color(QPalette::Disabled, QPalette::Light));
 

@@ -10,7 +10,7 @@ namespace Halvern::UI {
 class VisibilitySetter;
 
 /// A check box drawn as a small triangle that shows (pointing down, checked) or hides (pointing right,
-/// unchecked) a group of widgets.
+/// unchecked) a group of widgets. The triangle is black, in a dark palette on a light plate.
 ///
 /// Buttons can be nested: one button may be among the widgets of another, and what is in a closed or hidden
 /// button's group stays hidden. A widget that derives from DisclosableWidget can belong to several buttons.

@@ -24,6 +24,7 @@ FrameSlider::FrameSlider(bool showGlobalKeys, QWidget* parent)
     setMinimumHeight(Height);
     setMaximumHeight(Height);
     setMouseTracking(true);
+    initAccessibility();
 }
 
 FrameSlider::~FrameSlider()
@@ -43,6 +44,7 @@ bool FrameSlider::setValue(FrameNumber v)
     if (v > m_viewEnd)
         m_viewEnd = v;
     m_value = v;
+    announceValue();
     update();
     return true;
 }

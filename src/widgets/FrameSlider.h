@@ -20,6 +20,13 @@ using FrameNumber = qint32;
 /// - the wheel zooms about the frame under the mouse, one step for an event;
 /// - without a button the frame under the mouse is marked.
 ///
+/// The keyboard, while the slider has the focus, which it takes by Tab and not by a click:
+/// - Left and Right move the head by a frame, Page Down and Page Up by ten, Home and End to the first and the
+///   last frame to play;
+/// - I and O move the in and the out point to the head, while they are shown;
+/// - "+" and "-" zoom about the head, Alt with Left or Right pans by a tenth of the view, and F asks the host
+///   by sliderRangeReset() to reset it.
+///
 /// All frames are whole numbers. "The view" is what is visible, "the play range" lies from the in to the out
 /// point, "the frame range" is all that there is. What a host sets emits nothing; signals tell what the user
 /// did. The drag in progress is kept once for all sliders, as are the colours and the key frames. GUI thread
@@ -123,6 +130,7 @@ protected:
     void wheelEvent(QWheelEvent* event) override;
     void enterEvent(QEvent* event) override;
     void leaveEvent(QEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void hideEvent(QHideEvent* event) override;
 
@@ -144,6 +152,7 @@ protected:
 
 private:
     class Painting;
+    class Accessible;
 
     enum class DragMode
     {
@@ -167,6 +176,8 @@ private:
     void scrub(int x);
     void zoom(int x, int y);
     void pan(int x);
+    void moveView(qint64 moved);
+    void zoomAbout(double frame, int steps);
     void moveInPoint(int x);
     void moveOutPoint(int x);
     void hover(int x);
@@ -175,6 +186,12 @@ private:
     void abandonDrag();
     void updateBand(int left, int right);
     void setView(qint64 start, qint64 end);
+    void initAccessibility();
+    void announceValue();
+    void moveHead(qint64 frame);
+    bool editByKey(int key);
+    bool panByKey(int key);
+    bool setPointByKey(int in, int out);
 
     int m_frameFirst = 0;
     int m_frameLast = 0;

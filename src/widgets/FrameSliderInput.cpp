@@ -189,9 +189,13 @@ void FrameSlider::zoom(int x, int y)
 
 void FrameSlider::pan(int x)
 {
+    moveView(qint64(frameUnderMouse(x)) - panFrame);
+}
+
+void FrameSlider::moveView(qint64 moved)
+{
     constexpr qint64 least = std::numeric_limits<FrameNumber>::min();
     constexpr qint64 most = std::numeric_limits<FrameNumber>::max();
-    const qint64 moved = qint64(frameUnderMouse(x)) - panFrame;
     // A view at the end of the numbers stops there and keeps its length.
     const qint64 distance =
         std::clamp(moved, std::max(m_viewStart, m_viewEnd) - most, std::min(m_viewStart, m_viewEnd) - least);
@@ -301,9 +305,13 @@ void FrameSlider::wheelEvent(QWheelEvent* event)
     }
     const int delta = event->angleDelta().y();
     const int steps = delta == 0 ? 0 : (delta > 0 ? -1 : 1);
-    const double anchor =
-        std::clamp(mouseToValue(position.x()), static_cast<double>(std::min(m_viewStart, m_viewEnd)),
-                   static_cast<double>(std::max(m_viewStart, m_viewEnd)));
+    zoomAbout(mouseToValue(position.x()), steps);
+}
+
+void FrameSlider::zoomAbout(double frame, int steps)
+{
+    const double anchor = std::clamp(frame, static_cast<double>(std::min(m_viewStart, m_viewEnd)),
+                                     static_cast<double>(std::max(m_viewStart, m_viewEnd)));
     const double factor = static_cast<double>(powerOfTwo(steps * WheelStep));
     const double frames = static_cast<double>(m_viewEnd) + 1 - m_viewStart;
     const qint64 start = Rounding::halfUp((m_viewStart - anchor) * factor + anchor);

@@ -7,6 +7,8 @@
 
 #include <QPaintEvent>
 #include <QPainter>
+#include <QStyle>
+#include <QStyleOptionFocusRect>
 #include <algorithm>
 #include <cmath>
 
@@ -40,6 +42,7 @@ public:
     void drawSelection();
     void drawHover();
     void shadeOutside();
+    void drawFocus();
 
 private:
     /// A number below the scale.
@@ -283,6 +286,15 @@ void FrameSlider::Painting::shadeOutside()
     painter.fillRect(last, 0, end - last, TickBottom, Qt::black);
 }
 
+void FrameSlider::Painting::drawFocus()
+{
+    if (!slider.hasFocus())
+        return;
+    QStyleOptionFocusRect option;
+    option.initFrom(&slider);
+    slider.style()->drawPrimitive(QStyle::PE_FrameFocusRect, &option, &painter, &slider);
+}
+
 void FrameSlider::paintEvent(QPaintEvent* event)
 {
     if (width() <= 2 * EndMargin)
@@ -296,4 +308,5 @@ void FrameSlider::paintEvent(QPaintEvent* event)
     painting.drawSelection();
     painting.drawHover();
     painting.shadeOutside();
+    painting.drawFocus();
 }

@@ -14,44 +14,40 @@ class BaseTest : public Test
     Q_OBJECT
 
 private slots:
-    void refusesWhatIsNoNumber();
-    void normalisesPaths();
-    void changesTheFileSystem();
+    void refusesWhatIsNoNumber()
+    {
+        QVERIFY(Base::toNumber("-9223372036854775808") == LLONG_MIN);
+        for (const char* text : {"", "-", "+1", " 1", "1x", "9223372036854775808"})
+            QVERIFY2(!Base::toNumber(text), text);
+    }
+
+    void normalisesPaths()
+    {
+        const std::pair<const char*, const char*> rows[] = {{"", ""},          {"//a/./b//", "/a/b"},
+                                                            {"/a/../..", "/"}, {"a/../../b", "../b"},
+                                                            {"a/..", "."},     {"...", "..."}};
+        for (const auto& row : rows)
+            QCOMPARE(Base::normalisedPath(row.first), std::string(row.second));
+    }
+
+    void changesTheFileSystem()
+    {
+        const QTemporaryDir folder;
+        const std::string root = folder.path().toStdString();
+        QVERIFY(Base::makeDirectories(root + "/a/b/c") && Base::makeDirectories(root + "/a/b"));
+        QVERIFY(SampleFiles::make(folder.path(), QByteArray("a/file"), 7));
+        QVERIFY(SampleFiles::make(folder.path(), {"other"}));
+        QVERIFY(!Base::makeDirectories(root + "/a/file/d"));
+        // A link is not followed, neither in walking nor in removing.
+        QVERIFY(QFile::link(folder.path(), folder.filePath(QStringLiteral("a/b/up"))));
+        int visits = 0;
+        QVERIFY(Base::walk(root + "/a", [&](const std::string&) { ++visits; }));
+        QCOMPARE(visits, 4);
+        QVERIFY(Base::renameFile(root + "/a/file", root + "/other"));
+        QVERIFY(Base::removeAll(root + "/a") && Base::removeAll(root + "/a"));
+        QCOMPARE(Base::fileStatus((root + "/other").c_str())->st_size, off_t(7));
+    }
 };
-
-void BaseTest::refusesWhatIsNoNumber()
-{
-    QVERIFY(Base::toNumber("-9223372036854775808") == LLONG_MIN);
-    for (const char* text : {"", "-", "+1", " 1", "1x", "9223372036854775808"})
-        QVERIFY2(!Base::toNumber(text), text);
-}
-
-void BaseTest::normalisesPaths()
-{
-    const std::pair<const char*, const char*> rows[] = {{"", ""},          {"//a/./b//", "/a/b"},
-                                                        {"/a/../..", "/"}, {"a/../../b", "../b"},
-                                                        {"a/..", "."},     {"...", "..."}};
-    for (const auto& row : rows)
-        QCOMPARE(Base::normalisedPath(row.first), std::string(row.second));
-}
-
-void BaseTest::changesTheFileSystem()
-{
-    const QTemporaryDir folder;
-    const std::string root = folder.path().toStdString();
-    QVERIFY(Base::makeDirectories(root + "/a/b/c") && Base::makeDirectories(root + "/a/b"));
-    QVERIFY(SampleFiles::make(folder.path(), QByteArray("a/file"), 7));
-    QVERIFY(SampleFiles::make(folder.path(), {"other"}));
-    QVERIFY(!Base::makeDirectories(root + "/a/file/d"));
-    // A link is not followed, neither in walking nor in removing.
-    QVERIFY(QFile::link(folder.path(), folder.filePath(QStringLiteral("a/b/up"))));
-    int visits = 0;
-    QVERIFY(Base::walk(root + "/a", [&](const std::string&) { ++visits; }));
-    QCOMPARE(visits, 4);
-    QVERIFY(Base::renameFile(root + "/a/file", root + "/other"));
-    QVERIFY(Base::removeAll(root + "/a") && Base::removeAll(root + "/a"));
-    QCOMPARE(Base::fileStatus((root + "/other").c_str())->st_size, off_t(7));
-}
 
 QTEST_GUILESS_MAIN(BaseTest)
 #include "BaseTest.moc"

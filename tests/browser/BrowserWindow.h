@@ -55,11 +55,16 @@ public:
     {
         QTest::mouseClick(list()->viewport(), button, modifiers, place(name));
     }
-    /// Moves the mouse over a row, as far as the list can tell.
+    /// Moves the mouse over a row. The display server tells the list of it when it comes to it, and not at
+    /// all while the window is being mapped.
     void hover(const QString& name)
     {
-        QTest::mouseMove(list()->viewport(), place(name) + QPoint(1, 0));
-        QTest::mouseMove(list()->viewport(), place(name));
+        const auto isHovered = [&] {
+            QTest::mouseMove(list()->viewport(), place(name) + QPoint(1, 0));
+            QTest::mouseMove(list()->viewport(), place(name));
+            return row(name).isValid() && model()->hoveredRow() == proxy()->mapToSource(row(name)).row();
+        };
+        QTRY_VERIFY(isHovered());
     }
     void focusList()
     {

@@ -15,145 +15,133 @@ class NavigationTest : public Test
     Q_OBJECT
 
 private slots:
-    void init();
-    void historyDropsWhatWasAhead();
-    void deletedDirectoriesAreLeftOut();
-    void shorthandsAreExpanded();
-    void tabCompletes();
-    void setFilenameSelectsTheBareName();
-    void makesFolders();
-    void splitShowsRuns();
-    void replacesHashes();
+    void init()
+    {
+        AppSettings().clear();
+        m_folder = std::make_unique<QTemporaryDir>();
+        for (const char* name : {"a", "b", "c"})
+            QVERIFY(QDir(m_folder->path()).mkdir(QLatin1String(name)));
+        QVERIFY(SampleFiles::make(path("a"), {"in_a.1.exr", "in_a.2.exr"}));
+    }
+
+    void historyDropsWhatWasAhead()
+    {
+        BrowserWindow window(path("a"));
+        for (const char* name : {"b", "missing"})
+            window.browser.setDirectory(QDir(path(name)), false, true);
+        window.control("backButton")->click();
+        QCOMPARE(window.edit()->text(), path("a/"));
+        window.browser.setDirectory(QDir(path("c")), false, true);
+        QVERIFY(!window.control("forwardButton")->isEnabled());
+        window.control("backButton")->click();
+        QCOMPARE(window.browser.directory().path(), path("a"));
+    }
+
+    void deletedDirectoriesAreLeftOut()
+    {
+        QVERIFY(QDir(path("c")).mkpath(QStringLiteral("x/y")));
+        BrowserWindow window(path("a"));
+        window.browser.setDirectory(QDir(path("b")), false, true);
+        window.browser.setDirectory(QDir(path("c/x/y")), false, true);
+        QVERIFY(QDir(path("b")).removeRecursively());
+        window.control("backButton")->click();
+        QCOMPARE(window.browser.directory().path(), path("c/x/y"));
+        QVERIFY(QDir(path("c/x")).removeRecursively());
+        window.control("upButton")->click();
+        QCOMPARE(window.browser.directory().absolutePath(), path("c"));
+    }
+
+    void shorthandsAreExpanded()
+    {
+        BrowserWindow window(path("b"));
+        const QByteArray home = qgetenv("HOME");
+        qputenv("HOME", path("c").toUtf8());
+        window.type(QStringLiteral("~/"));
+        qputenv("HOME", home);
+        QCOMPARE(window.edit()->text(), path("c/"));
+
+        QVERIFY(QDir(path("a")).mkdir(QStringLiteral("shots")));
+        FileBrowser::SetDefaultPath(path("a"));
+        window.type(QStringLiteral("./shots/"));
+        FileBrowser::SetDefaultPath(QString());
+        QCOMPARE(window.browser.directory().path(), path("a/shots"));
+    }
+
+    void tabCompletes()
+    {
+        QVERIFY(QDir(path("b")).mkdir(QStringLiteral("cut")));
+        QVERIFY(SampleFiles::make(path("b"), {"cutout", "notes", "Shot_a", "shot_b"}));
+        BrowserWindow window(path("b"));
+        QTRY_COMPARE(window.rows().size(), 5);
+        for (const auto& [typed, completed] :
+             {std::pair("no", "b/notes"), {"s", "b/Shot_"}, {"c", "b/cut/"}}) {
+            window.edit()->setText(path("b/"));
+            QTest::keyClicks(window.edit(), QLatin1String(typed));
+            QTest::keyClick(window.edit(), Qt::Key_Tab);
+            QCOMPARE(window.edit()->text(), path(completed));
+        }
+    }
+
+    void setFilenameSelectsTheBareName()
+    {
+        QVERIFY(SampleFiles::make(path("a"), {"other"}));
+        BrowserWindow window(path("b"));
+        window.browser.setFilename(path("a/in_a.1.exr"));
+        QCOMPARE(window.edit()->selectedText(), QStringLiteral("in_a.1.exr"));
+        QTRY_COMPARE(window.rows(), (QStringList{"in_a.#.exr 1-2", "other"}));
+        // The block takes effect with the next listing, and ends with the next edit.
+        QVERIFY(QMetaObject::invokeMethod(&window.browser, "refresh"));
+        QCOMPARE(window.rows().size(), 4);
+        QTest::keyClicks(window.edit(), QStringLiteral("o"));
+        QCOMPARE(window.edit()->text(), path("a/o"));
+        QCOMPARE(window.rows(), QStringList("other"));
+    }
+
+    void makesFolders()
+    {
+        BrowserWindow window(path("b"));
+        const auto answer = [&](const QString& name) {
+            QTimer::singleShot(0, &window.browser, [=] {
+                auto* dialog = qobject_cast<QInputDialog*>(QApplication::activeModalWidget());
+                QVERIFY(dialog);
+                dialog->setTextValue(name);
+                dialog->accept();
+            });
+            window.control("newFolderButton")->click();
+        };
+        answer(QStringLiteral("made"));
+        QCOMPARE(window.browser.directory().path(), path("b/made"));
+
+        QString warning;
+        QTimer::singleShot(50, this, [&] {
+            auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+            QVERIFY(box);
+            QCOMPARE(box->textFormat(), Qt::PlainText);
+            warning = box->text();
+            box->accept();
+        });
+        answer(QStringLiteral("<b>no</b>/such/parent"));
+        QCOMPARE(warning, QStringLiteral("Can't create folder <b>no</b>/such/parent"));
+    }
+
+    void splitShowsRuns()
+    {
+        QVERIFY(SampleFiles::make(path("a"), {"in_a.4.exr", "in_a.5.exr"}));
+        BrowserWindow window(path("a"));
+        QTRY_COMPARE(window.rows(), QStringList("in_a.#.exr 1-5 ( 1-2 4-5 )"));
+        window.control<QCheckBox>("splitCheck")->click();
+        // Runs of one sequence have one sort name, so that each comes before the other.
+        QCOMPARE(window.rows(), (QStringList{"in_a.#.exr 4-5", "in_a.#.exr 1-2"}));
+    }
+
+    // All from the first number sign to the last becomes one token.
+    void replacesHashes() { QCOMPARE(FileBrowser::replaceHashes("a#b#"), QStringLiteral("a%03d")); }
 
 private:
     QString path(const char* name) const { return m_folder->path() + '/' + name; }
 
     std::unique_ptr<QTemporaryDir> m_folder;
 };
-
-void NavigationTest::init()
-{
-    AppSettings().clear();
-    m_folder = std::make_unique<QTemporaryDir>();
-    for (const char* name : {"a", "b", "c"})
-        QVERIFY(QDir(m_folder->path()).mkdir(QLatin1String(name)));
-    QVERIFY(SampleFiles::make(path("a"), {"in_a.1.exr", "in_a.2.exr"}));
-}
-
-void NavigationTest::historyDropsWhatWasAhead()
-{
-    BrowserWindow window(path("a"));
-    for (const char* name : {"b", "missing"})
-        window.browser.setDirectory(QDir(path(name)), false, true);
-    window.control("backButton")->click();
-    QCOMPARE(window.edit()->text(), path("a/"));
-    window.browser.setDirectory(QDir(path("c")), false, true);
-    QVERIFY(!window.control("forwardButton")->isEnabled());
-    window.control("backButton")->click();
-    QCOMPARE(window.browser.directory().path(), path("a"));
-}
-
-void NavigationTest::deletedDirectoriesAreLeftOut()
-{
-    QVERIFY(QDir(path("c")).mkpath(QStringLiteral("x/y")));
-    BrowserWindow window(path("a"));
-    window.browser.setDirectory(QDir(path("b")), false, true);
-    window.browser.setDirectory(QDir(path("c/x/y")), false, true);
-    QVERIFY(QDir(path("b")).removeRecursively());
-    window.control("backButton")->click();
-    QCOMPARE(window.browser.directory().path(), path("c/x/y"));
-    QVERIFY(QDir(path("c/x")).removeRecursively());
-    window.control("upButton")->click();
-    QCOMPARE(window.browser.directory().absolutePath(), path("c"));
-}
-
-void NavigationTest::shorthandsAreExpanded()
-{
-    BrowserWindow window(path("b"));
-    const QByteArray home = qgetenv("HOME");
-    qputenv("HOME", path("c").toUtf8());
-    window.type(QStringLiteral("~/"));
-    qputenv("HOME", home);
-    QCOMPARE(window.edit()->text(), path("c/"));
-
-    QVERIFY(QDir(path("a")).mkdir(QStringLiteral("shots")));
-    FileBrowser::SetDefaultPath(path("a"));
-    window.type(QStringLiteral("./shots/"));
-    FileBrowser::SetDefaultPath(QString());
-    QCOMPARE(window.browser.directory().path(), path("a/shots"));
-}
-
-void NavigationTest::tabCompletes()
-{
-    QVERIFY(QDir(path("b")).mkdir(QStringLiteral("cut")));
-    QVERIFY(SampleFiles::make(path("b"), {"cutout", "notes", "Shot_a", "shot_b"}));
-    BrowserWindow window(path("b"));
-    QTRY_COMPARE(window.rows().size(), 5);
-    for (const auto& [typed, completed] : {std::pair("no", "b/notes"), {"s", "b/Shot_"}, {"c", "b/cut/"}}) {
-        window.edit()->setText(path("b/"));
-        QTest::keyClicks(window.edit(), QLatin1String(typed));
-        QTest::keyClick(window.edit(), Qt::Key_Tab);
-        QCOMPARE(window.edit()->text(), path(completed));
-    }
-}
-
-void NavigationTest::setFilenameSelectsTheBareName()
-{
-    QVERIFY(SampleFiles::make(path("a"), {"other"}));
-    BrowserWindow window(path("b"));
-    window.browser.setFilename(path("a/in_a.1.exr"));
-    QCOMPARE(window.edit()->selectedText(), QStringLiteral("in_a.1.exr"));
-    QTRY_COMPARE(window.rows(), (QStringList{"in_a.#.exr 1-2", "other"}));
-    // The block takes effect with the next listing, and ends with the next edit.
-    QVERIFY(QMetaObject::invokeMethod(&window.browser, "refresh"));
-    QCOMPARE(window.rows().size(), 4);
-    QTest::keyClicks(window.edit(), QStringLiteral("o"));
-    QCOMPARE(window.edit()->text(), path("a/o"));
-    QCOMPARE(window.rows(), QStringList("other"));
-}
-
-void NavigationTest::makesFolders()
-{
-    BrowserWindow window(path("b"));
-    const auto answer = [&](const QString& name) {
-        QTimer::singleShot(0, &window.browser, [=] {
-            auto* dialog = qobject_cast<QInputDialog*>(QApplication::activeModalWidget());
-            QVERIFY(dialog);
-            dialog->setTextValue(name);
-            dialog->accept();
-        });
-        window.control("newFolderButton")->click();
-    };
-    answer(QStringLiteral("made"));
-    QCOMPARE(window.browser.directory().path(), path("b/made"));
-
-    QString warning;
-    QTimer::singleShot(50, this, [&] {
-        auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
-        QVERIFY(box);
-        QCOMPARE(box->textFormat(), Qt::PlainText);
-        warning = box->text();
-        box->accept();
-    });
-    answer(QStringLiteral("<b>no</b>/such/parent"));
-    QCOMPARE(warning, QStringLiteral("Can't create folder <b>no</b>/such/parent"));
-}
-
-void NavigationTest::splitShowsRuns()
-{
-    QVERIFY(SampleFiles::make(path("a"), {"in_a.4.exr", "in_a.5.exr"}));
-    BrowserWindow window(path("a"));
-    QTRY_COMPARE(window.rows(), QStringList("in_a.#.exr 1-5 ( 1-2 4-5 )"));
-    window.control<QCheckBox>("splitCheck")->click();
-    // Runs of one sequence have one sort name, so that each comes before the other.
-    QCOMPARE(window.rows(), (QStringList{"in_a.#.exr 4-5", "in_a.#.exr 1-2"}));
-}
-
-// All from the first number sign to the last becomes one token.
-void NavigationTest::replacesHashes()
-{
-    QCOMPARE(FileBrowser::replaceHashes("a#b#"), QStringLiteral("a%03d"));
-}
 
 QTEST_MAIN(NavigationTest)
 #include "NavigationTest.moc"

@@ -11,144 +11,135 @@ class SelectionTest : public Test
     Q_OBJECT
 
 private slots:
-    void init();
-    void listenersMayChangeTheField();
-    void listenersMayLeaveTheDirectory();
-    void spaceTakesWhatIsUnderTheMouse();
-    void typeDecidesWhatIsQueued();
-    void menuItemsAreKeptUntilUsed();
-    void queuedRowsAreRemovedByTheMenu();
+    void init()
+    {
+        m_window.reset();
+        AppSettings().clear();
+        m_folder = std::make_unique<QTemporaryDir>();
+        QVERIFY(QDir(m_folder->path()).mkdir(QStringLiteral("sub")));
+        QVERIFY(SampleFiles::make(m_folder->path(), {"a", "b", "s.01.exr", "s.02.exr", "s.03.exr"}));
+        m_window = std::make_unique<BrowserWindow>(m_folder->path());
+        QTRY_COMPARE(m_window->rows(), (QStringList{"a", "b", m_sequence, "sub/"}));
+        QTRY_VERIFY(m_window->proxy()->index(3, 2).data().toDateTime().toSecsSinceEpoch() > 0);
+        m_window->browser.setMultipleSelections(true);
+    }
+
+    void listenersMayChangeTheField()
+    {
+        m_window->browser.setMultipleSelections(false);
+        QSignalSpy texts(&m_window->browser, SIGNAL(filenameTextChanged(QString)));
+        connect(&m_window->browser, &FileBrowser::fileSelected, this,
+                [&](const FileInfo& info, const QDir& dir) {
+                    m_window->edit()->setText(dir.path() + '/' + info.displayName() + '!');
+                });
+        m_window->clickRow(m_sequence);
+        // What a listener writes is not announced.
+        QCOMPARE(texts.size(), 1);
+        QCOMPARE(m_window->browser.selectedFiles(), QStringList(path(m_sequence) + '!'));
+    }
+
+    // What is announced stays readable for all, whatever the first of them does.
+    void listenersMayLeaveTheDirectory()
+    {
+        QString name;
+        connect(&m_window->browser, QOverload<const FileInfo&>::of(&FileBrowser::fileDoubleClick), this,
+                [&](const FileInfo& info) {
+                    m_window->browser.setDirectory(QDir(path("sub")), false, true);
+                    name = info.fileName();
+                });
+        m_window->clickRow(QStringLiteral("b"));
+        QTest::mouseDClick(m_window->list()->viewport(), Qt::LeftButton, Qt::NoModifier,
+                           m_window->place("b"));
+        QCOMPARE(name, QStringLiteral("b"));
+    }
+
+    void spaceTakesWhatIsUnderTheMouse()
+    {
+        m_window->clickRow(QStringLiteral("a"));
+        m_window->clickRow(m_sequence, Qt::ControlModifier);
+        pressSpaceOver(QStringLiteral("b"));
+        pressSpaceOver(QStringLiteral("b"));
+        QVERIFY(picked({"b"}));
+        m_window->clickRow(QStringLiteral("a"));
+        m_window->clickRow(m_sequence, Qt::ControlModifier);
+        pressSpaceOver(QStringLiteral("a"));
+        QVERIFY(picked({"b", "a", m_sequence}));
+        // The button asks nobody whether a row is queued already.
+        m_window->clickRow(QStringLiteral("b"));
+        m_window->control("nextButton")->click();
+        QVERIFY(picked({"b", "a", m_sequence, "b"}));
+    }
+
+    void typeDecidesWhatIsQueued()
+    {
+        m_window->control("nextButton")->click();
+        QVERIFY(picked({}));
+        m_window->browser.setSelectionType(FileBrowser::SelectionType::Directories);
+        m_window->control("nextButton")->click();
+        m_window->focusList();
+        pressSpaceOver(QStringLiteral("a"));
+        pressSpaceOver(QStringLiteral("sub/"));
+        QCOMPARE(m_window->browser.pickedFiles(), (QStringList{m_folder->path(), path("sub")}));
+    }
+
+    void menuItemsAreKeptUntilUsed()
+    {
+        const auto closeMenuOver = [&](const QString& name) {
+            m_window->clickRow(name, Qt::NoModifier, Qt::RightButton);
+            m_window->menu()->hide();
+        };
+        closeMenuOver(QStringLiteral("a"));
+        m_window->hover(QStringLiteral("b"));
+        action(0)->trigger();
+        QVERIFY(picked({"a"}));
+        action(0)->trigger();
+        QVERIFY(picked({"a", "b"}));
+
+        // Another read takes the menu's items away.
+        closeMenuOver(m_sequence);
+        m_window->model()->refreshList();
+        QTRY_COMPARE(m_window->rows().first(), QStringLiteral("a"));
+        action(0)->trigger();
+        QVERIFY(picked({"a", "b"}));
+    }
+
+    void queuedRowsAreRemovedByTheMenu()
+    {
+        m_window->clickRow(m_sequence);
+        m_window->control("nextButton")->click();
+        m_window->browser.setDirectory(QDir(path("sub")), false, true);
+        m_window->control("backButton")->click();
+        m_window->hover(QStringLiteral("a"));
+        const QModelIndex queued = m_window->row(m_sequence);
+        QCOMPARE(queued.data(Qt::BackgroundRole).value<QColor>(), QColor(Qt::red));
+        m_window->clickRow(m_sequence, Qt::NoModifier, Qt::RightButton);
+        QVERIFY(!action(0)->isEnabled() && action(1)->isEnabled());
+        action(1)->trigger();
+        QVERIFY(picked({}));
+    }
 
 private:
     QString path(const QString& name) const { return m_folder->path() + '/' + name; }
     QAction* action(int index) const { return m_window->menu()->actions().at(index); }
-    void pressSpaceOver(const QString& name) const;
-    bool picked(const QStringList& names) const;
+
+    void pressSpaceOver(const QString& name) const
+    {
+        m_window->hover(name);
+        QTest::keyClick(m_window->list(), Qt::Key_Space);
+    }
+
+    bool picked(const QStringList& names) const
+    {
+        QStringList paths;
+        for (const QString& name : names)
+            paths.append(path(name));
+        return m_window->browser.pickedFiles() == paths;
+    }
 
     const QString m_sequence = QStringLiteral("s.##.exr 1-3");
     std::unique_ptr<QTemporaryDir> m_folder;
     std::unique_ptr<BrowserWindow> m_window;
 };
-
-void SelectionTest::init()
-{
-    m_window.reset();
-    AppSettings().clear();
-    m_folder = std::make_unique<QTemporaryDir>();
-    QVERIFY(QDir(m_folder->path()).mkdir(QStringLiteral("sub")));
-    QVERIFY(SampleFiles::make(m_folder->path(), {"a", "b", "s.01.exr", "s.02.exr", "s.03.exr"}));
-    m_window = std::make_unique<BrowserWindow>(m_folder->path());
-    QTRY_COMPARE(m_window->rows(), (QStringList{"a", "b", m_sequence, "sub/"}));
-    QTRY_VERIFY(m_window->proxy()->index(3, 2).data().toDateTime().toSecsSinceEpoch() > 0);
-    m_window->browser.setMultipleSelections(true);
-}
-
-void SelectionTest::pressSpaceOver(const QString& name) const
-{
-    m_window->hover(name);
-    QTest::keyClick(m_window->list(), Qt::Key_Space);
-}
-
-bool SelectionTest::picked(const QStringList& names) const
-{
-    QStringList paths;
-    for (const QString& name : names)
-        paths.append(path(name));
-    return m_window->browser.pickedFiles() == paths;
-}
-
-void SelectionTest::listenersMayChangeTheField()
-{
-    m_window->browser.setMultipleSelections(false);
-    QSignalSpy texts(&m_window->browser, SIGNAL(filenameTextChanged(QString)));
-    connect(&m_window->browser, &FileBrowser::fileSelected, this, [&](const FileInfo& info, const QDir& dir) {
-        m_window->edit()->setText(dir.path() + '/' + info.displayName() + '!');
-    });
-    m_window->clickRow(m_sequence);
-    // What a listener writes is not announced.
-    QCOMPARE(texts.size(), 1);
-    QCOMPARE(m_window->browser.selectedFiles(), QStringList(path(m_sequence) + '!'));
-}
-
-// What is announced stays readable for all, whatever the first of them does.
-void SelectionTest::listenersMayLeaveTheDirectory()
-{
-    QString name;
-    connect(&m_window->browser, QOverload<const FileInfo&>::of(&FileBrowser::fileDoubleClick), this,
-            [&](const FileInfo& info) {
-                m_window->browser.setDirectory(QDir(path("sub")), false, true);
-                name = info.fileName();
-            });
-    m_window->clickRow(QStringLiteral("b"));
-    QTest::mouseDClick(m_window->list()->viewport(), Qt::LeftButton, Qt::NoModifier, m_window->place("b"));
-    QCOMPARE(name, QStringLiteral("b"));
-}
-
-void SelectionTest::spaceTakesWhatIsUnderTheMouse()
-{
-    m_window->clickRow(QStringLiteral("a"));
-    m_window->clickRow(m_sequence, Qt::ControlModifier);
-    pressSpaceOver(QStringLiteral("b"));
-    pressSpaceOver(QStringLiteral("b"));
-    QVERIFY(picked({"b"}));
-    m_window->clickRow(QStringLiteral("a"));
-    m_window->clickRow(m_sequence, Qt::ControlModifier);
-    pressSpaceOver(QStringLiteral("a"));
-    QVERIFY(picked({"b", "a", m_sequence}));
-    // The button asks nobody whether a row is queued already.
-    m_window->clickRow(QStringLiteral("b"));
-    m_window->control("nextButton")->click();
-    QVERIFY(picked({"b", "a", m_sequence, "b"}));
-}
-
-void SelectionTest::typeDecidesWhatIsQueued()
-{
-    m_window->control("nextButton")->click();
-    QVERIFY(picked({}));
-    m_window->browser.setSelectionType(FileBrowser::SelectionType::Directories);
-    m_window->control("nextButton")->click();
-    m_window->focusList();
-    pressSpaceOver(QStringLiteral("a"));
-    pressSpaceOver(QStringLiteral("sub/"));
-    QCOMPARE(m_window->browser.pickedFiles(), (QStringList{m_folder->path(), path("sub")}));
-}
-
-void SelectionTest::menuItemsAreKeptUntilUsed()
-{
-    const auto closeMenuOver = [&](const QString& name) {
-        m_window->clickRow(name, Qt::NoModifier, Qt::RightButton);
-        m_window->menu()->hide();
-    };
-    closeMenuOver(QStringLiteral("a"));
-    m_window->hover(QStringLiteral("b"));
-    action(0)->trigger();
-    QVERIFY(picked({"a"}));
-    action(0)->trigger();
-    QVERIFY(picked({"a", "b"}));
-
-    // Another read takes the menu's items away.
-    closeMenuOver(m_sequence);
-    m_window->model()->refreshList();
-    QTRY_COMPARE(m_window->rows().first(), QStringLiteral("a"));
-    action(0)->trigger();
-    QVERIFY(picked({"a", "b"}));
-}
-
-void SelectionTest::queuedRowsAreRemovedByTheMenu()
-{
-    m_window->clickRow(m_sequence);
-    m_window->control("nextButton")->click();
-    m_window->browser.setDirectory(QDir(path("sub")), false, true);
-    m_window->control("backButton")->click();
-    QTRY_COMPARE(m_window->rows().size(), 4);
-    m_window->hover(QStringLiteral("a"));
-    const QModelIndex queued = m_window->row(m_sequence);
-    QCOMPARE(queued.data(Qt::BackgroundRole).value<QColor>(), QColor(Qt::red));
-    m_window->clickRow(m_sequence, Qt::NoModifier, Qt::RightButton);
-    QVERIFY(!action(0)->isEnabled() && action(1)->isEnabled());
-    action(1)->trigger();
-    QVERIFY(picked({}));
-}
 
 QTEST_MAIN(SelectionTest)
 #include "SelectionTest.moc"

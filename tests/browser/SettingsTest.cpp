@@ -3,24 +3,8 @@
 #include "widgets/AppSettings.h"
 
 #include <QHeaderView>
-#include <QProcess>
-#include <cstdio>
-#include <cstring>
 
 using namespace Halvern::UI;
-
-/// What a browser remembers.
-class SettingsTest : public Test
-{
-    Q_OBJECT
-
-private slots:
-    void init() { AppSettings().clear(); }
-    void anotherProcessRemembers();
-    void nonsenseGivesDefaults();
-    void unwritableSettingsDoNoHarm();
-    void namespacesSeparate();
-};
 
 namespace {
 
@@ -41,74 +25,71 @@ QString describe(const FileBrowser& browser)
 
 } // namespace
 
-void SettingsTest::anotherProcessRemembers()
+/// What a browser remembers.
+class SettingsTest : public Test
 {
-    const QTemporaryDir folder;
+    Q_OBJECT
+
+private slots:
+    void init() { AppSettings().clear(); }
+
+    void remembers()
     {
-        BrowserWindow window(folder.path());
-        window.browser.buildSettingsNamespace(QStringLiteral("render"));
-        window.browser.setDirectory(QDir(folder.path()), false, true);
-        window.list()->sortByColumn(2, Qt::DescendingOrder);
-        window.control<QCheckBox>("splitCheck")->click();
-        window.control<QCheckBox>("sequencesCheck")->click();
-    }
-    QProcess process;
-    process.start(QCoreApplication::applicationFilePath(),
-                  {QStringLiteral("--describe"), QFileInfo(AppSettings().fileName()).path()});
-    QVERIFY(process.waitForFinished());
-    QCOMPARE(QString::fromUtf8(process.readAllStandardOutput()), folder.path() + " 2 1 0 1");
-}
-
-void SettingsTest::nonsenseGivesDefaults()
-{
-    QFile settings(AppSettings().fileName());
-    QVERIFY(settings.open(QIODevice::WriteOnly));
-    settings.write("[FileBrowser]\norderlogicalindex=abc\nsortorder=99\nsequences=maybe\nsplitsequences=\n"
-                   "directory=@Invalid()\npreview=@ByteArray(\nsize=wide\nnoise\n\xff\xfe=\n"
-                   "[FileBrowser/odd]\norderlogicalindex=-7\ndirectory=/nowhere/at/all\n");
-    settings.close();
-    FileBrowser browser;
-    QCOMPARE(describe(browser), QDir::currentPath() + " 0 0 1 0");
-    browser.buildSettingsNamespace(QStringLiteral("odd"));
-    QCOMPARE(describe(browser), QFileInfo(QDir::currentPath()).path() + " 0 0 1 0");
-}
-
-void SettingsTest::unwritableSettingsDoNoHarm()
-{
-    const QString path = QFileInfo(AppSettings().fileName()).path();
-    QSettings::setPath(QSettings::IniFormat, QSettings::UserScope, QStringLiteral("/proc/no/such/folder"));
-    BrowserWindow(QDir::tempPath()).list()->sortByColumn(1, Qt::DescendingOrder);
-    QCOMPARE(describe(FileBrowser()), QStringLiteral("%1 0 0 1 0").arg(QDir::currentPath()));
-    QSettings::setPath(QSettings::IniFormat, QSettings::UserScope, path);
-}
-
-void SettingsTest::namespacesSeparate()
-{
-    FileBrowser first;
-    first.buildSettingsNamespace(QStringLiteral("a"));
-    first.findChild<FileBrowser::FilesList*>()->sortByColumn(1, Qt::DescendingOrder);
-    FileBrowser second;
-    const QHeaderView* header = second.findChild<FileBrowser::FilesList*>()->header();
-    QCOMPARE(header->sortIndicatorSection(), 1);
-    second.buildSettingsNamespace(QStringLiteral("b"));
-    QCOMPARE(header->sortIndicatorSection(), 0);
-    // The last namespace is that of all browsers.
-    first.findChild<FileBrowser::FilesList*>()->sortByColumn(2, Qt::AscendingOrder);
-    QCOMPARE(AppSettings().value(QStringLiteral("FileBrowser/b/orderlogicalindex")).toInt(), 2);
-}
-
-int main(int argc, char** argv)
-{
-    QApplication application(argc, argv);
-    if (argc == 3 && std::strcmp(argv[1], "--describe") == 0) {
-        // The second process of a test: shows what the settings in the folder say.
-        QSettings::setPath(QSettings::IniFormat, QSettings::UserScope, QString::fromLocal8Bit(argv[2]));
+        const QTemporaryDir folder;
+        {
+            BrowserWindow window(folder.path());
+            window.browser.buildSettingsNamespace(QStringLiteral("render"));
+            window.browser.setDirectory(QDir(folder.path()), false, true);
+            window.list()->sortByColumn(2, Qt::DescendingOrder);
+            window.control<QCheckBox>("splitCheck")->click();
+            window.control<QCheckBox>("sequencesCheck")->click();
+        }
+        QCOMPARE(describe(FileBrowser()), folder.path() + " 2 1 1 0");
         FileBrowser browser;
-        browser.buildSettingsNamespace(QStringLiteral("render"));
-        std::fputs(qPrintable(describe(browser)), stdout);
-        return 0;
+        browser.updateFromPreferences();
+        QCOMPARE(describe(browser), folder.path() + " 2 1 0 1");
     }
-    SettingsTest test;
-    return QTest::qExec(&test, argc, argv);
-}
+
+    void nonsenseGivesDefaults()
+    {
+        QFile settings(AppSettings().fileName());
+        QVERIFY(settings.open(QIODevice::WriteOnly));
+        settings.write(
+            "[FileBrowser]\norderlogicalindex=abc\nsortorder=99\nsequences=maybe\nsplitsequences=\n"
+            "directory=@Invalid()\npreview=@ByteArray(\nsize=wide\nnoise\n\xff\xfe=\n"
+            "[FileBrowser/odd]\norderlogicalindex=-7\ndirectory=/nowhere/at/all\n");
+        settings.close();
+        FileBrowser browser;
+        QCOMPARE(describe(browser), QDir::currentPath() + " 0 0 1 0");
+        browser.buildSettingsNamespace(QStringLiteral("odd"));
+        QCOMPARE(describe(browser), QFileInfo(QDir::currentPath()).path() + " 0 0 1 0");
+    }
+
+    void unwritableSettingsDoNoHarm()
+    {
+        const QString path = QFileInfo(AppSettings().fileName()).path();
+        QSettings::setPath(QSettings::IniFormat, QSettings::UserScope,
+                           QStringLiteral("/proc/no/such/folder"));
+        BrowserWindow(QDir::tempPath()).list()->sortByColumn(1, Qt::DescendingOrder);
+        QCOMPARE(describe(FileBrowser()), QStringLiteral("%1 0 0 1 0").arg(QDir::currentPath()));
+        QSettings::setPath(QSettings::IniFormat, QSettings::UserScope, path);
+    }
+
+    void namespacesSeparate()
+    {
+        FileBrowser first;
+        first.buildSettingsNamespace(QStringLiteral("a"));
+        first.findChild<FileBrowser::FilesList*>()->sortByColumn(1, Qt::DescendingOrder);
+        FileBrowser second;
+        const QHeaderView* header = second.findChild<FileBrowser::FilesList*>()->header();
+        QCOMPARE(header->sortIndicatorSection(), 1);
+        second.buildSettingsNamespace(QStringLiteral("b"));
+        QCOMPARE(header->sortIndicatorSection(), 0);
+        // The last namespace is that of all browsers.
+        first.findChild<FileBrowser::FilesList*>()->sortByColumn(2, Qt::AscendingOrder);
+        QCOMPARE(AppSettings().value(QStringLiteral("FileBrowser/b/orderlogicalindex")).toInt(), 2);
+    }
+};
+
+QTEST_MAIN(SettingsTest)
 #include "SettingsTest.moc"

@@ -6,17 +6,6 @@
 
 using namespace Halvern::UI;
 
-class FileInfoListTest : public Test
-{
-    Q_OBJECT
-
-private slots:
-    void collapsesAndSplits();
-    void keepsManyNumberedDirectoriesSeparate();
-    void saysWhatItRead();
-    void walksOncePerListing();
-};
-
 namespace {
 
 // The entries as texts; those of sequences are marked.
@@ -30,79 +19,85 @@ QStringList texts(const FileInfoList& list)
 
 } // namespace
 
-void FileInfoListTest::collapsesAndSplits()
+class FileInfoListTest : public Test
 {
-    // The files, the collapsed and the split entries.
-    const std::tuple<QStringList, QStringList, QStringList> rows[] = {
-        {{"x.01.exr", "x.02.exr", "x.05.exr", "x.08.exr", "x.09.exr"},
-         {"*x.##.exr 1-9 ( 1-2  5-5  8-9 )"},
-         {"*x.##.exr 1-2", "x.05.exr", "*x.##.exr 8-9"}},
-        {{"x.1.exr", "x.2.exr", "x.4.exr"}, {"*x.#.exr 1-4 ( 1-2 )"}, {"*x.#.exr 1-2"}},
-        {{"x.000.exr", "x.003.exr", "x.005.exr"}, {"*x.###.exr 0-5 ( 0-3 )"}, {"*x.###.exr 0-3"}},
-        {{"x.1.exr", "x.3.exr", "x.7.exr", "x.9.exr"},
-         {"*x.#.exr 1-9,2 ( 1-3  7-9 )"},
-         {"*x.#.exr 1-3", "*x.#.exr 7-9"}},
-        {{"x.01.exr", "x.02.exr", "x.002.exr"},
-         {"*x.##.exr 1-2", "x.002.exr"},
-         {"*x.##.exr 1-2", "x.002.exr"}}};
-    for (const auto& [names, collapsed, split] : rows) {
+    Q_OBJECT
+
+private slots:
+    void collapsesAndSplits()
+    {
+        // The files, the collapsed and the split entries.
+        const std::tuple<QStringList, QStringList, QStringList> rows[] = {
+            {{"x.01.exr", "x.02.exr", "x.05.exr", "x.08.exr", "x.09.exr"},
+             {"*x.##.exr 1-9 ( 1-2  5-5  8-9 )"},
+             {"*x.##.exr 1-2", "x.05.exr", "*x.##.exr 8-9"}},
+            {{"x.1.exr", "x.2.exr", "x.4.exr"}, {"*x.#.exr 1-4 ( 1-2 )"}, {"*x.#.exr 1-2"}},
+            {{"x.000.exr", "x.003.exr", "x.005.exr"}, {"*x.###.exr 0-5 ( 0-3 )"}, {"*x.###.exr 0-3"}},
+            {{"x.1.exr", "x.3.exr", "x.7.exr", "x.9.exr"},
+             {"*x.#.exr 1-9,2 ( 1-3  7-9 )"},
+             {"*x.#.exr 1-3", "*x.#.exr 7-9"}},
+            {{"x.01.exr", "x.02.exr", "x.002.exr"},
+             {"*x.##.exr 1-2", "x.002.exr"},
+             {"*x.##.exr 1-2", "x.002.exr"}}};
+        for (const auto& [names, collapsed, split] : rows) {
+            const QTemporaryDir folder;
+            for (const QString& name : names)
+                QVERIFY(SampleFiles::make(folder.path(), name.toUtf8()));
+            FileInfoList list;
+            list.setSequencesEnabled(true);
+            QCOMPARE(list.fill(folder.path()), names.size() + 2);
+            QCOMPARE(texts(list), collapsed);
+            list.setSplitSequences(true);
+            list.fill(folder.path());
+            QCOMPARE(texts(list), split);
+        }
+    }
+
+    // Growing the run anew from each of them would take minutes.
+    void keepsManyNumberedDirectoriesSeparate()
+    {
+        const int count = 2500;
         const QTemporaryDir folder;
-        for (const QString& name : names)
-            QVERIFY(SampleFiles::make(folder.path(), name.toUtf8()));
+        for (int i = 0; i < count; ++i)
+            QVERIFY(QDir(folder.path()).mkdir(QString::asprintf("take%05d", i)));
+        QVERIFY(SampleFiles::make(folder.path(), {"take02500", "take02501"}));
         FileInfoList list;
         list.setSequencesEnabled(true);
-        QCOMPARE(list.fill(folder.path()), names.size() + 2);
-        QCOMPARE(texts(list), collapsed);
-        list.setSplitSequences(true);
+        QElapsedTimer timer;
+        timer.start();
         list.fill(folder.path());
-        QCOMPARE(texts(list), split);
+        QVERIFY(timer.elapsed() < 2000);
+        QCOMPARE(texts(list).indexOf(QStringLiteral("*take##### 2500-2501")), count);
     }
-}
 
-// Growing the run anew from each of them would take minutes.
-void FileInfoListTest::keepsManyNumberedDirectoriesSeparate()
-{
-    const int count = 2500;
-    const QTemporaryDir folder;
-    for (int i = 0; i < count; ++i)
-        QVERIFY(QDir(folder.path()).mkdir(QString::asprintf("take%05d", i)));
-    QVERIFY(SampleFiles::make(folder.path(), {"take02500", "take02501"}));
-    FileInfoList list;
-    list.setSequencesEnabled(true);
-    QElapsedTimer timer;
-    timer.start();
-    list.fill(folder.path());
-    QVERIFY(timer.elapsed() < 2000);
-    QCOMPARE(texts(list).indexOf(QStringLiteral("*take##### 2500-2501")), count);
-}
+    void saysWhatItRead()
+    {
+        const QTemporaryDir folder;
+        QVERIFY(SampleFiles::make(folder.path(), {"a1b", "a2a", "x.01.exr", "x.02.exr"}));
+        FileInfoList list;
+        list.setSequencesEnabled(true);
+        list.fill(folder.path());
+        QCOMPARE(texts(list), (QStringList{"a2a", "a1b", "*x.##.exr 1-2"}));
+        QVERIFY(list.fill(folder.filePath(QStringLiteral("missing"))) < 0);
+        QCOMPARE(errno, ENOENT);
+        QVERIFY(list.entries().empty());
+    }
 
-void FileInfoListTest::saysWhatItRead()
-{
-    const QTemporaryDir folder;
-    QVERIFY(SampleFiles::make(folder.path(), {"a1b", "a2a", "x.01.exr", "x.02.exr"}));
-    FileInfoList list;
-    list.setSequencesEnabled(true);
-    list.fill(folder.path());
-    QCOMPARE(texts(list), (QStringList{"a2a", "a1b", "*x.##.exr 1-2"}));
-    QVERIFY(list.fill(folder.filePath(QStringLiteral("missing"))) < 0);
-    QCOMPARE(errno, ENOENT);
-    QVERIFY(list.entries().empty());
-}
-
-void FileInfoListTest::walksOncePerListing()
-{
-    const QTemporaryDir folder;
-    FileInfoList list;
-    QSignalSpy ends(&list, SIGNAL(fileInfoAvailable()));
-    list.fill(folder.path());
-    QCoreApplication::sendPostedEvents();
-    QCOMPARE(ends.size(), 0);
-    // The step of the first walk that is still in the queue belongs to no walk any more.
-    list.fill(folder.path());
-    QTRY_COMPARE(ends.size(), 1);
-    QCoreApplication::processEvents();
-    QCOMPARE(ends.size(), 1);
-}
+    void walksOncePerListing()
+    {
+        const QTemporaryDir folder;
+        FileInfoList list;
+        QSignalSpy ends(&list, SIGNAL(fileInfoAvailable()));
+        list.fill(folder.path());
+        QCoreApplication::sendPostedEvents();
+        QCOMPARE(ends.size(), 0);
+        // The step of the first walk that is still in the queue belongs to no walk any more.
+        list.fill(folder.path());
+        QTRY_COMPARE(ends.size(), 1);
+        QCoreApplication::processEvents();
+        QCOMPARE(ends.size(), 1);
+    }
+};
 
 QTEST_GUILESS_MAIN(FileInfoListTest)
 #include "FileInfoListTest.moc"

@@ -6,19 +6,6 @@
 
 using namespace Halvern::UI;
 
-class FileInfoTest : public Test
-{
-    Q_OBJECT
-
-private slots:
-    void namesSequences();
-    void settlesTheWidth();
-    void sumsMembers();
-    void recyclesEntries();
-    void cutsWhatIsTooLong();
-    void detectsRegisteredSequences();
-};
-
 namespace {
 
 // A sequence with members at the given frames, which the pool owns.
@@ -36,103 +23,108 @@ FileInfo* makeSequence(EntryPool& pool, const char* pattern, const QVector<int>&
 
 } // namespace
 
-void FileInfoTest::namesSequences()
+class FileInfoTest : public Test
 {
-    EntryPool pool;
-    FileInfo* sequence = makeSequence(pool, "x.#.exr", {0, 1, 4, 6, 7});
-    sequence->setFrameInformation(0, 0, 4);
-    sequence->constructSequenceName();
-    QCOMPARE(sequence->sequenceName(), "x.####.exr 0-7");
-    QCOMPARE(sequence->getSequenceLongName(), QStringLiteral("x.####.exr 0-7 ( 0-1 4 6-7 )"));
+    Q_OBJECT
 
-    sequence->insertSequenceFile(2147483647, nullptr);
-    sequence->invalidateSequenceName();
-    sequence->constructSequenceName();
-    QCOMPARE(sequence->sequenceName(), "x.####.exr 0-2147483647");
-}
-
-void FileInfoTest::settlesTheWidth()
-{
-    const auto hashes = [](const QByteArrayList& numbers, bool assumePadding) {
-        FileInfo sequence("x.#.exr", true);
-        for (const QByteArray& number : numbers)
-            sequence.setNumberOfHashes(number.size(), number.startsWith('0'), assumePadding);
-        return sequence.numberOfHashes();
-    };
-    QCOMPARE(hashes({"0009", "0010", "11"}, false), 4);
-    QCOMPARE(hashes({"10", "11"}, true), 2);
-    QCOMPARE(hashes({"10", "100", "5", "11"}, true), 1);
-}
-
-void FileInfoTest::sumsMembers()
-{
-    EntryPool pool;
-    FileInfo* sequence = makeSequence(pool, "x.#.exr", {1, 2, 3, 7, 8});
-    sequence->insertSequenceFile(9, nullptr);
-    // The first member of a frame stays.
-    sequence->insertSequenceFile(8, nullptr);
-    sequence->synchSequenceData();
-    QCOMPARE(sequence->size(), 50ULL);
-    QCOMPARE(sequence->modificationTime(), 1008LL);
-
-    // A run has its own size too.
-    FileInfo run("x.#.exr", true);
-    run.setParentSequence(sequence);
-    run.setFrameInformation(2, 7, 1);
-    run.setAdditionalInfo({5, false, 0});
-    run.synchSequenceData();
-    QCOMPARE(run.size(), 35ULL);
-}
-
-void FileInfoTest::recyclesEntries()
-{
-    EntryPool pool;
-    FileInfo* entry = makeSequence(pool, "x.#.exr", {1, 3});
-    entry->setParentSequence(entry);
-    entry->constructSequenceName();
-    entry->setBasicInformation("b.#.exr", true);
-    QCOMPARE(entry->flags(), unsigned(FileInfo::Sequence));
-    QVERIFY(entry->sequenceFiles().empty() && entry->frameRanges().empty() && !entry->parentSequence());
-
-    for (int round = 0; round < 3; ++round) {
-        pool.clear();
-        QCOMPARE(pool.create()->sequenceFileCount(), 0);
-        for (std::size_t i = 0; i < EntryPool::BlockSize; ++i)
-            pool.create()->insertSequenceFile(1, nullptr);
-        QCOMPARE(pool.blockCount(), std::size_t(2));
-    }
-    // A block is prepared only where it would be filled, and is the next to be used.
-    QVERIFY(!pool.prepareBlock(3 * EntryPool::BlockSize - 1));
-    QVERIFY(pool.prepareBlock(3 * EntryPool::BlockSize));
-    for (std::size_t i = 0; i < EntryPool::BlockSize; ++i)
-        pool.create();
-    QCOMPARE(pool.blockCount(), std::size_t(3));
-}
-
-void FileInfoTest::cutsWhatIsTooLong()
-{
-    const FileInfo info(QByteArray(3000, 'n').constData(), false);
-    QCOMPARE(info.getFilenameLength(), std::size_t(1023));
-    FileInfo wide("x.#", true);
-    wide.setFrameInformation(1, 2, 5000);
-    wide.constructSequenceName();
-    QCOMPARE(std::strlen(wide.sequenceName()), std::size_t(1023));
-}
-
-void FileInfoTest::detectsRegisteredSequences()
-{
-    FileInfo::addSequenceFileExtension(".Known");
-    QVERIFY(FileInfo::isSequenceExtension("KNOWN") && !FileInfo::isSequenceExtension("..known"));
-    const auto detected = [](const char* pattern, const QVector<int>& frames) {
+private slots:
+    void namesSequences()
+    {
         EntryPool pool;
-        FileInfo* sequence = makeSequence(pool, pattern, frames);
-        sequence->detectAutoSequence();
-        return sequence->isAutoSequence();
-    };
-    QVERIFY(detected("x.#.known", {1, 2}) && !detected("x.#.known", {1}));
-    for (const char* pattern : {"x.#.other", "x#", ".known"})
-        QVERIFY2(!detected(pattern, {1, 2}), pattern);
-}
+        FileInfo* sequence = makeSequence(pool, "x.#.exr", {0, 1, 4, 6, 7});
+        sequence->setFrameInformation(0, 0, 4);
+        sequence->constructSequenceName();
+        QCOMPARE(sequence->getSequenceLongName(), QStringLiteral("x.####.exr 0-7 ( 0-1 4 6-7 )"));
+
+        sequence->insertSequenceFile(2147483647, nullptr);
+        sequence->invalidateSequenceName();
+        sequence->constructSequenceName();
+        QCOMPARE(sequence->sequenceName(), "x.####.exr 0-2147483647");
+    }
+
+    void settlesTheWidth()
+    {
+        const auto hashes = [](const QByteArrayList& numbers, bool assumePadding) {
+            FileInfo sequence("x.#.exr", true);
+            for (const QByteArray& number : numbers)
+                sequence.setNumberOfHashes(number.size(), number.startsWith('0'), assumePadding);
+            return sequence.numberOfHashes();
+        };
+        QCOMPARE(hashes({"0009", "0010", "11"}, false), 4);
+        QCOMPARE(hashes({"10", "11"}, true), 2);
+        QCOMPARE(hashes({"10", "100", "5", "11"}, true), 1);
+    }
+
+    void sumsMembers()
+    {
+        EntryPool pool;
+        FileInfo* sequence = makeSequence(pool, "x.#.exr", {1, 2, 3, 7, 8});
+        sequence->insertSequenceFile(9, nullptr);
+        // The first member of a frame stays.
+        sequence->insertSequenceFile(8, nullptr);
+        sequence->synchSequenceData();
+        QCOMPARE(sequence->size(), 50ULL);
+        QCOMPARE(sequence->modificationTime(), 1008LL);
+
+        // A run has its own size too.
+        FileInfo run("x.#.exr", true);
+        run.setParentSequence(sequence);
+        run.setFrameInformation(2, 7, 1);
+        run.setAdditionalInfo({5, false, 0});
+        run.synchSequenceData();
+        QCOMPARE(run.size(), 35ULL);
+    }
+
+    void recyclesEntries()
+    {
+        EntryPool pool;
+        FileInfo* entry = makeSequence(pool, "x.#.exr", {1, 3});
+        entry->setParentSequence(entry);
+        entry->constructSequenceName();
+        entry->setBasicInformation("b.#.exr", true);
+        QCOMPARE(entry->flags(), unsigned(FileInfo::Sequence));
+        QVERIFY(entry->sequenceFiles().empty() && entry->frameRanges().empty() && !entry->parentSequence());
+
+        for (int round = 0; round < 3; ++round) {
+            pool.clear();
+            QCOMPARE(pool.create()->sequenceFileCount(), 0);
+            for (std::size_t i = 0; i < EntryPool::BlockSize; ++i)
+                pool.create()->insertSequenceFile(1, nullptr);
+            QCOMPARE(pool.blockCount(), std::size_t(2));
+        }
+        // A block is prepared only where it would be filled, and is the next to be used.
+        QVERIFY(!pool.prepareBlock(3 * EntryPool::BlockSize - 1));
+        QVERIFY(pool.prepareBlock(3 * EntryPool::BlockSize));
+        for (std::size_t i = 0; i < EntryPool::BlockSize; ++i)
+            pool.create();
+        QCOMPARE(pool.blockCount(), std::size_t(3));
+    }
+
+    void cutsWhatIsTooLong()
+    {
+        const FileInfo info(QByteArray(3000, 'n').constData(), false);
+        QCOMPARE(info.getFilenameLength(), std::size_t(1023));
+        FileInfo wide("x.#", true);
+        wide.setFrameInformation(1, 2, 5000);
+        wide.constructSequenceName();
+        QCOMPARE(std::strlen(wide.sequenceName()), std::size_t(1023));
+    }
+
+    void detectsRegisteredSequences()
+    {
+        FileInfo::addSequenceFileExtension(".Known");
+        QVERIFY(FileInfo::isSequenceExtension("KNOWN") && !FileInfo::isSequenceExtension("..known"));
+        const auto detected = [](const char* pattern, const QVector<int>& frames) {
+            EntryPool pool;
+            FileInfo* sequence = makeSequence(pool, pattern, frames);
+            sequence->detectAutoSequence();
+            return sequence->isAutoSequence();
+        };
+        QVERIFY(detected("x.#.known", {1, 2}) && !detected("x.#.known", {1}));
+        for (const char* pattern : {"x.#.other", "x#", ".known"})
+            QVERIFY2(!detected(pattern, {1, 2}), pattern);
+    }
+};
 
 QTEST_GUILESS_MAIN(FileInfoTest)
 #include "FileInfoTest.moc"

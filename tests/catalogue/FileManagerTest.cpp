@@ -10,31 +10,6 @@
 using namespace Halvern::UI;
 using Halvern::Base::FileHandle;
 
-/// Reading real directories, on the worker thread and without it.
-class FileManagerTest : public Test
-{
-    Q_OBJECT
-
-public:
-    FileManagerTest() { SampleFiles::makeFrames(m_folder.path(), "f.%04d.exr", 1, 2500); }
-
-private slots:
-    void readsInBatches();
-    void busyHostsGetTheirTurns();
-    void secondReadMakesNoEntries();
-    void readsAgainOnlyByForce();
-    void switchingNeverShowsTheFirstDirectory();
-    void leftoverSignalsAnnounceNothing();
-    void unreadableDirectoryLeavesNothing();
-    void oddNamesAndKindsAreListed();
-    void destructionInMidReadIsClean();
-    void namesTheFilesOfADirectory();
-
-private:
-    const QTemporaryDir m_folder; // more than a batch of names and two of attributes
-    const std::string m_path = m_folder.path().toStdString();
-};
-
 namespace {
 
 std::vector<FileInfo*> allFiles(FileManager& manager)
@@ -46,181 +21,194 @@ std::vector<FileInfo*> allFiles(FileManager& manager)
 
 } // namespace
 
-void FileManagerTest::readsInBatches()
+/// Reading real directories, on the worker thread and without it.
+class FileManagerTest : public Test
 {
-    FileManager manager;
-    QVector<std::size_t> counts;
-    connect(&manager, &FileManager::refreshList, this, [&] { counts.append(allFiles(manager).size()); });
-    QSignalSpy updated(&manager, SIGNAL(infoUpdated(int, int)));
-    QVERIFY(manager.getFilesFromFolder(m_path, false));
-    QTRY_COMPARE(updated, (QList<QList<QVariant>>{{0, 1000}, {1000, 1000}, {2000, 502}}));
-    QCOMPARE(counts, QVector<std::size_t>{2502});
+    Q_OBJECT
 
-    // Attributes never arrive before their names.
-    FileGatherer gatherer;
-    gatherer.readNow(m_path);
-    QVERIFY(!gatherer.takeInfos() && !gatherer.takeNamesFinished());
-    QCOMPARE(gatherer.takeNames()->size(), std::size_t(2000));
-    QCOMPARE(gatherer.takeNames()->size(), std::size_t(502));
-    QVERIFY(!gatherer.takeNames() && gatherer.takeNamesFinished() && !gatherer.takeNamesFinished());
-    QCOMPARE(gatherer.takeInfos()->size(), std::size_t(1000));
-}
+public:
+    FileManagerTest() { SampleFiles::makeFrames(m_folder.path(), "f.%04d.exr", 1, 2500); }
 
-// Each of the host's slots takes more than a turn's share, so that all batches wait by the second turn.
-void FileManagerTest::busyHostsGetTheirTurns()
-{
-    FileManager manager;
-    QSignalSpy updated(&manager, SIGNAL(infoUpdated(int, int)));
-    connect(&manager, &FileManager::refreshList, this, [] { QThread::msleep(20); });
-    connect(&manager, &FileManager::infoUpdated, this, [] { QThread::msleep(20); });
-    QVERIFY(manager.getFilesFromFolder(m_path, false));
-    int most = 0;
-    for (QDeadlineTimer deadline(10000); updated.size() < 3 && !deadline.hasExpired();) {
-        const int before = updated.size();
-        QCoreApplication::processEvents();
-        most = std::max(most, updated.size() - before);
-    }
-    QCOMPARE(updated, (QList<QList<QVariant>>{{0, 1000}, {1000, 1000}, {2000, 502}}));
-    QCOMPARE(most, 1);
-}
-
-void FileManagerTest::secondReadMakesNoEntries()
-{
-    FileManager manager;
-    QSignalSpy refreshed(&manager, SIGNAL(refreshList()));
-    QVERIFY(manager.getFilesFromFolder(m_path, false));
-    QTRY_COMPARE(refreshed.size(), 1);
-    const std::vector<FileInfo*> first = allFiles(manager);
-    QVERIFY(manager.getFilesFromFolder(m_path, true));
-    QTRY_COMPARE(refreshed.size(), 2);
-    QVERIFY(allFiles(manager) == first);
-}
-
-void FileManagerTest::readsAgainOnlyByForce()
-{
-    const QTemporaryDir folder;
-    const std::string path = folder.path().toStdString();
-    FileManager manager;
-    QVERIFY(manager.getFilesFromFolderSynchronously(path, false));
-    QVERIFY(SampleFiles::make(folder.path(), {"new"}));
-    QVERIFY(!manager.getFilesFromFolderSynchronously(path, false));
-    QCOMPARE(allFiles(manager).size(), std::size_t(2));
-
-    // A call from within a read is refused.
-    QVector<bool> answers;
-    connect(&manager, &FileManager::refreshList, this,
-            [&] { answers.append(manager.getFilesFromFolder(path, true)); });
-    QVERIFY(manager.getFilesFromFolderSynchronously(path, true));
-    QCOMPARE(answers, QVector<bool>{false});
-    QCOMPARE(allFiles(manager).size(), std::size_t(3));
-}
-
-void FileManagerTest::switchingNeverShowsTheFirstDirectory()
-{
-    const QTemporaryDir second;
-    QVERIFY(SampleFiles::makeFrames(second.path(), "second.%04d.exr", 1, 2100));
-    for (unsigned long round = 0; round < 16; ++round) {
+private slots:
+    void readsInBatches()
+    {
         FileManager manager;
-        QVERIFY(manager.getFilesFromFolder(m_path, false));
-        // Switched at another moment each time, some with signals of the first read waiting to be delivered.
-        QThread::usleep(round * 400);
-        if (round % 3 == 0)
-            QCoreApplication::processEvents();
-        QVERIFY(manager.getFilesFromFolder(second.path().toStdString(), false));
+        QVector<std::size_t> counts;
+        connect(&manager, &FileManager::refreshList, this, [&] { counts.append(allFiles(manager).size()); });
         QSignalSpy updated(&manager, SIGNAL(infoUpdated(int, int)));
-        int refreshes = 0;
-        connect(&manager, &FileManager::refreshList, this, [&] {
-            ++refreshes;
-            for (const FileInfo* file : allFiles(manager))
-                QVERIFY2(*file->fileName() != 'f', file->fileName());
-        });
-        QTRY_COMPARE(updated, (QList<QList<QVariant>>{{0, 1000}, {1000, 1000}, {2000, 102}}));
-        QCOMPARE(allFiles(manager).size(), std::size_t(2102));
-        QCOMPARE(refreshes, 1);
-    }
-}
-
-void FileManagerTest::leftoverSignalsAnnounceNothing()
-{
-    FileGatherer gatherer;
-    QSignalSpy finished(&gatherer, SIGNAL(finishedGatheringFiles()));
-    for (const bool delivered : {true, false}) {
-        gatherer.startReading(m_path);
-        QVERIFY(gatherer.wait(10000));
-        gatherer.stop();
-        if (delivered)
-            QCoreApplication::processEvents();
-        QCOMPARE(finished.size(), 0);
-    }
-    gatherer.startReading(m_path);
-    QTRY_COMPARE(finished.size(), 1);
-    QCoreApplication::processEvents();
-    QCOMPARE(finished.size(), 1);
-    QCOMPARE(gatherer.takeNames()->size() + gatherer.takeNames()->size(), std::size_t(2502));
-}
-
-void FileManagerTest::unreadableDirectoryLeavesNothing()
-{
-    FileManager manager;
-    QSignalSpy refreshed(&manager, SIGNAL(refreshList()));
-    // After the longer wait the stopped read had all its names, and had announced them.
-    for (const unsigned long wait : {0UL, 100UL}) {
-        QVERIFY(manager.getFilesFromFolder(m_path, true));
-        QThread::msleep(wait);
-        QVERIFY(!manager.getFilesFromFolder(m_path + "/gone", true));
-        QCoreApplication::processEvents();
-        QCOMPARE(refreshed.size(), 0);
-        QVERIFY(allFiles(manager).empty());
-    }
-}
-
-void FileManagerTest::oddNamesAndKindsAreListed()
-{
-    const QTemporaryDir folder;
-    const QByteArray root = QFile::encodeName(folder.path()) + '/';
-    const QByteArrayList odd{QByteArray(255, 'e'), "latin\xe9.0001.exr", "latin\xe9.0002.exr", "new\nline",
-                             "s%d#[*]{a,b}"};
-    for (const QByteArray& name : odd)
-        QVERIFY(SampleFiles::make(folder.path(), name, 3));
-    QCOMPARE(::symlink("nowhere", (root + "dangling").constData()), 0);
-
-    FileManager manager;
-    QVERIFY(manager.getFilesFromFolderSynchronously(folder.path().toStdString(), false));
-    QByteArrayList names;
-    for (const FileInfo* file : allFiles(manager)) {
-        const QByteArray name = file->fileName();
-        QCOMPARE(file->modificationTime() == 0, name == "dangling");
-        if (!file->isDirectory())
-            names.append(name);
-    }
-    std::sort(names.begin(), names.end());
-    QCOMPARE(names, QByteArrayList{"dangling"} + odd);
-    // Qt cannot remove what it cannot spell.
-    for (const QByteArray& name : odd)
-        ::unlink((root + name).constData());
-}
-
-void FileManagerTest::destructionInMidReadIsClean()
-{
-    for (unsigned long round = 0; round < 12; ++round) {
-        FileManager manager;
         QVERIFY(manager.getFilesFromFolder(m_path, false));
-        QThread::usleep(round * 400);
-    }
-    QCoreApplication::processEvents();
-}
+        QTRY_COMPARE(updated, (QList<QList<QVariant>>{{0, 1000}, {1000, 1000}, {2000, 502}}));
+        QCOMPARE(counts, QVector<std::size_t>{2502});
 
-void FileManagerTest::namesTheFilesOfADirectory()
-{
-    const QTemporaryDir folder;
-    for (const char* name : {"take.1.exr", "take.2.exr"})
-        QVERIFY(QDir(folder.path()).mkdir(QString::fromLatin1(name)));
-    QVERIFY(SampleFiles::make(folder.path(), {"s.01.exr", "s.02.exr", "s.08.exr", "notes", ".hidden"}));
-    FileManager manager;
-    // Numbered folders stay folders.
-    QCOMPARE(manager.getFilenameList(folder.path().toStdString(), false, true, true, false),
-             (std::vector<std::string>{"notes", "s.##.exr 1-8 ( 1-2 8 )", "take.1.exr", "take.2.exr"}));
-}
+        // Attributes never arrive before their names.
+        FileGatherer gatherer;
+        gatherer.readNow(m_path);
+        QVERIFY(!gatherer.takeInfos() && !gatherer.takeNamesFinished());
+        QCOMPARE(gatherer.takeNames()->size(), std::size_t(2000));
+        QCOMPARE(gatherer.takeNames()->size(), std::size_t(502));
+        QVERIFY(!gatherer.takeNames() && gatherer.takeNamesFinished() && !gatherer.takeNamesFinished());
+        QCOMPARE(gatherer.takeInfos()->size(), std::size_t(1000));
+    }
+
+    // Each of the host's slots takes more than a turn's share, so that all batches wait by the second turn.
+    void busyHostsGetTheirTurns()
+    {
+        FileManager manager;
+        QSignalSpy updated(&manager, SIGNAL(infoUpdated(int, int)));
+        connect(&manager, &FileManager::refreshList, this, [] { QThread::msleep(20); });
+        connect(&manager, &FileManager::infoUpdated, this, [] { QThread::msleep(20); });
+        QVERIFY(manager.getFilesFromFolder(m_path, false));
+        int most = 0;
+        for (QDeadlineTimer deadline(10000); updated.size() < 3 && !deadline.hasExpired();) {
+            const int before = updated.size();
+            QCoreApplication::processEvents();
+            most = std::max(most, updated.size() - before);
+        }
+        QCOMPARE(updated, (QList<QList<QVariant>>{{0, 1000}, {1000, 1000}, {2000, 502}}));
+        QCOMPARE(most, 1);
+    }
+
+    void secondReadMakesNoEntries()
+    {
+        FileManager manager;
+        QSignalSpy refreshed(&manager, SIGNAL(refreshList()));
+        QVERIFY(manager.getFilesFromFolder(m_path, false));
+        QTRY_COMPARE(refreshed.size(), 1);
+        const std::vector<FileInfo*> first = allFiles(manager);
+        QVERIFY(manager.getFilesFromFolder(m_path, true));
+        QTRY_COMPARE(refreshed.size(), 2);
+        QVERIFY(allFiles(manager) == first);
+    }
+
+    void readsAgainOnlyByForce()
+    {
+        const QTemporaryDir folder;
+        const std::string path = folder.path().toStdString();
+        FileManager manager;
+        QVERIFY(manager.getFilesFromFolderSynchronously(path, false));
+        QVERIFY(SampleFiles::make(folder.path(), {"new"}));
+        QVERIFY(!manager.getFilesFromFolderSynchronously(path, false));
+        QCOMPARE(allFiles(manager).size(), std::size_t(2));
+
+        // A call from within a read is refused.
+        QVector<bool> answers;
+        connect(&manager, &FileManager::refreshList, this,
+                [&] { answers.append(manager.getFilesFromFolder(path, true)); });
+        QVERIFY(manager.getFilesFromFolderSynchronously(path, true));
+        QCOMPARE(answers, QVector<bool>{false});
+        QCOMPARE(allFiles(manager).size(), std::size_t(3));
+    }
+
+    void switchingNeverShowsTheFirstDirectory()
+    {
+        const QTemporaryDir second;
+        QVERIFY(SampleFiles::makeFrames(second.path(), "second.%04d.exr", 1, 2100));
+        for (unsigned long round = 0; round < 16; ++round) {
+            FileManager manager;
+            QVERIFY(manager.getFilesFromFolder(m_path, false));
+            // Switched at another moment each time, some with signals of the first read waiting to be
+            // delivered.
+            QThread::usleep(round * 400);
+            if (round % 3 == 0)
+                QCoreApplication::processEvents();
+            QVERIFY(manager.getFilesFromFolder(second.path().toStdString(), false));
+            QSignalSpy updated(&manager, SIGNAL(infoUpdated(int, int)));
+            int refreshes = 0;
+            connect(&manager, &FileManager::refreshList, this, [&] {
+                ++refreshes;
+                for (const FileInfo* file : allFiles(manager))
+                    QVERIFY2(*file->fileName() != 'f', file->fileName());
+            });
+            QTRY_COMPARE(updated, (QList<QList<QVariant>>{{0, 1000}, {1000, 1000}, {2000, 102}}));
+            QCOMPARE(allFiles(manager).size(), std::size_t(2102));
+            QCOMPARE(refreshes, 1);
+        }
+    }
+
+    // From within either signal, and then they destroy the manager.
+    void listenersMayReadAnotherDirectory()
+    {
+        const QTemporaryDir other;
+        QVERIFY(SampleFiles::makeFrames(other.path(), "other.%04d.exr", 1, 2100));
+        for (const bool byNames : {true, false}) {
+            auto* manager = new FileManager;
+            int reads = 0;
+            const auto readNext = [&] {
+                if (++reads == 6)
+                    delete manager;
+                else
+                    manager->getFilesFromFolder(reads % 2 == 0 ? m_path : other.path().toStdString(), false);
+            };
+            if (byNames)
+                connect(manager, &FileManager::refreshList, this, readNext);
+            else
+                connect(manager, &FileManager::infoUpdated, this, readNext);
+            readNext();
+            QTRY_COMPARE(reads, 6);
+        }
+    }
+
+    void leftoverSignalsAnnounceNothing()
+    {
+        FileGatherer gatherer;
+        QSignalSpy finished(&gatherer, SIGNAL(finishedGatheringFiles()));
+        for (const bool delivered : {true, false}) {
+            gatherer.startReading(m_path);
+            QVERIFY(gatherer.wait(10000));
+            gatherer.stop();
+            if (delivered)
+                QCoreApplication::processEvents();
+            QCOMPARE(finished.size(), 0);
+        }
+        gatherer.startReading(m_path);
+        QTRY_COMPARE(finished.size(), 1);
+        QCoreApplication::processEvents();
+        QCOMPARE(finished.size(), 1);
+        QCOMPARE(gatherer.takeNames()->size() + gatherer.takeNames()->size(), std::size_t(2502));
+    }
+
+    void oddNamesAndKindsAreListed()
+    {
+        const QTemporaryDir folder;
+        const QByteArray root = QFile::encodeName(folder.path()) + '/';
+        const QByteArrayList odd{QByteArray(255, 'e'), "latin\xe9.0001.exr", "latin\xe9.0002.exr",
+                                 "new\nline", "s%d#[*]{a,b}"};
+        for (const QByteArray& name : odd)
+            QVERIFY(SampleFiles::make(folder.path(), name, 3));
+        QCOMPARE(::symlink("nowhere", (root + "dangling").constData()), 0);
+
+        FileManager manager;
+        QVERIFY(manager.getFilesFromFolderSynchronously(folder.path().toStdString(), false));
+        QByteArrayList names;
+        for (const FileInfo* file : allFiles(manager)) {
+            const QByteArray name = file->fileName();
+            QCOMPARE(file->modificationTime() == 0, name == "dangling");
+            if (!file->isDirectory())
+                names.append(name);
+        }
+        std::sort(names.begin(), names.end());
+        QCOMPARE(names, QByteArrayList{"dangling"} + odd);
+        // Qt cannot remove what it cannot spell.
+        for (const QByteArray& name : odd)
+            ::unlink((root + name).constData());
+    }
+
+    void namesTheFilesOfADirectory()
+    {
+        const QTemporaryDir folder;
+        for (const char* name : {"take.1.exr", "take.2.exr"})
+            QVERIFY(QDir(folder.path()).mkdir(QString::fromLatin1(name)));
+        QVERIFY(SampleFiles::make(folder.path(), {"s.01.exr", "s.02.exr", "s.08.exr", "notes", ".hidden"}));
+        FileManager manager;
+        // Numbered folders stay folders.
+        QCOMPARE(manager.getFilenameList(folder.path().toStdString(), false, true, true, false),
+                 (std::vector<std::string>{"notes", "s.##.exr 1-8 ( 1-2 8 )", "take.1.exr", "take.2.exr"}));
+    }
+
+private:
+    const QTemporaryDir m_folder; // more than a batch of names and two of attributes
+    const std::string m_path = m_folder.path().toStdString();
+};
 
 QTEST_GUILESS_MAIN(FileManagerTest)
 #include "FileManagerTest.moc"

@@ -79,11 +79,11 @@ private slots:
     void matchesInBoundedTime()
     {
         const std::string name(255, 'a');
-        for (const char* part : {"*a", "{*a,*a}", "*{[b-z,", "{*,*a}"}) {
-            const QByteArray pattern = QByteArray(part).repeated(100) + 'b';
+        for (const char* part : {"*a", "{*a,*a}", "*{[b-z,", "{*,*a}", "*[!b-z]", "{*a,{*a,*a}}"}) {
+            const QByteArray pattern = QByteArray(part).repeated(24) + 'b';
             QElapsedTimer timer;
             timer.start();
-            QVERIFY2(!filename_match(name.c_str(), pattern.data()) && timer.elapsed() < 1000, part);
+            QVERIFY2(!filename_match(name.c_str(), pattern.data()) && timer.elapsed() < 100, part);
         }
     }
 

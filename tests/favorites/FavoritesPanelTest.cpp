@@ -6,6 +6,7 @@
 #include <QAbstractItemModelTester>
 #include <QDialog>
 #include <QLineEdit>
+#include <QTextDocument>
 #include <functional>
 
 using namespace Halvern::UI;
@@ -113,6 +114,16 @@ private slots:
         QCOMPARE(panel.names(), QString("Home Current edited geo"));
         panel.choose("edited");
         QCOMPARE(panel.place(), QString("all"));
+    }
+
+    // "&lt;" stands for itself, too.
+    void showsMarkupAsText()
+    {
+        FileBrowser::AddFavoriteDir("<b>", "", "/", "", "<u>&lt;</u>", FaveAll, true);
+        const Panel panel(root.path());
+        QTextDocument shown;
+        shown.setHtml(panel.favorites->model()->index(4, 0).data(Qt::ToolTipRole).toString());
+        QCOMPARE(shown.toPlainText(), QString("<u>&lt;</u>"));
     }
 
     void survivesWhatOthersRemove()

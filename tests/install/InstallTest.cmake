@@ -1,5 +1,5 @@
-# Installs the built tree into an empty prefix, builds a client project against it and runs that.
-# Arguments: BUILD_DIR, SOURCE_DIR (of the tests), WORK_DIR.
+# Makes the Debian package, unpacks it into an empty root, builds a client project against that, runs it, and imports
+# the module from there. Arguments: BUILD_DIR, SOURCE_DIR (of the tests), WORK_DIR, PYTHON.
 
 function(run)
     execute_process(COMMAND ${ARGN} RESULT_VARIABLE result OUTPUT_VARIABLE output ERROR_VARIABLE output)
@@ -15,12 +15,21 @@ foreach(frame 0001 0002 0004)
     file(TOUCH ${WORK_DIR}/frames/shot.${frame}.exr)
 endforeach()
 
-run(${CMAKE_COMMAND} --install ${BUILD_DIR} --prefix ${WORK_DIR}/prefix)
+run(cpack --config ${BUILD_DIR}/CPackConfig.cmake -B ${WORK_DIR})
+file(GLOB package ${WORK_DIR}/hvmirefold-coreui_*.deb)
+run(dpkg-deb --extract ${package} ${WORK_DIR}/root)
+set(prefix ${WORK_DIR}/root/usr)
 run(${CMAKE_COMMAND} -S ${SOURCE_DIR}/install/client -B ${WORK_DIR}/build -G Ninja
-    -DCMAKE_PREFIX_PATH=${WORK_DIR}/prefix -DCMAKE_BUILD_TYPE=Debug)
+    -DCMAKE_PREFIX_PATH=${prefix} -DGUIDE=${SOURCE_DIR}/../examples/guide)
 run(${CMAKE_COMMAND} --build ${WORK_DIR}/build)
-run(${CMAKE_COMMAND} -E env QT_QPA_PLATFORM=offscreen XDG_CONFIG_HOME=${WORK_DIR}/config
-    ${WORK_DIR}/build/client ${WORK_DIR}/frames)
-if(NOT output MATCHES "shot\\.####\\.exr 1-4")
+run(${CMAKE_COMMAND} -E env QT_QPA_PLATFORM=offscreen GUIDE_UNATTENDED=1 XDG_CONFIG_HOME=${WORK_DIR}/config
+    ${CMAKE_COMMAND} -E chdir ${WORK_DIR}/frames ${WORK_DIR}/build/client)
+if(NOT output MATCHES "/frames/shot\\.####\\.exr 1-4")
     message(FATAL_ERROR "the client printed: ${output}")
 endif()
+run(ldd ${WORK_DIR}/build/client)
+if(NOT output MATCHES "_HvMirefoldCoreUI.abi3.so => ${prefix}/lib/")
+    message(FATAL_ERROR "the client runs with another library: ${output}")
+endif()
+run(${CMAKE_COMMAND} -E env PYTHONPATH=${prefix}/lib/python3/dist-packages ${PYTHON} -c
+    "import ast, _HvMirefoldCoreUI as m; print(m.Halvern.UI.FileBrowser); ast.parse(open(m.__file__[:-7] + 'pyi').read())")

@@ -80,88 +80,82 @@ class FrameSliderPaintingTest : public Test
     Q_OBJECT
 
 private slots:
-    void ticksFollowTheZoom();
-    void numbersNeverOverlap();
-    void rowsAndEnds();
-    void keyRowsMergeRuns();
-    void partialPaintEqualsTheWhole();
-};
+    void ticksFollowTheZoom()
+    {
+        const auto top = [](int width, int first, int last, int frame) {
+            Slider slider(width, first, last);
+            const QImage image = slider.grab().toImage();
+            int row = 16; // below the ticks
+            while (row > 0 && image.pixelColor(slider.valueToMouse(frame), row - 1) == Ink)
+                --row;
+            return row;
+        };
+        QCOMPARE(top(1030, 0, 100, 10), 10);
+        QCOMPARE(top(1000, -200, -1, -65), 13);
+        QCOMPARE(top(1000, 0, 199, 67), 12);
+        QCOMPARE(top(1000, 0, 499, 117), 16);
+        QCOMPARE(top(1000, 1, 10000000, 5100000), 14);
+    }
 
-void FrameSliderPaintingTest::ticksFollowTheZoom()
-{
-    const auto top = [](int width, int first, int last, int frame) {
-        Slider slider(width, first, last);
-        const QImage image = slider.grab().toImage();
-        int row = 16; // below the ticks
-        while (row > 0 && image.pixelColor(slider.valueToMouse(frame), row - 1) == Ink)
-            --row;
-        return row;
-    };
-    QCOMPARE(top(1030, 0, 100, 10), 10);
-    QCOMPARE(top(1000, -200, -1, -65), 13);
-    QCOMPARE(top(1000, 0, 199, 67), 12);
-    QCOMPARE(top(1000, 0, 499, 117), 16);
-    QCOMPARE(top(1000, 1, 10000000, 5100000), 14);
-}
-
-void FrameSliderPaintingTest::numbersNeverOverlap()
-{
-    for (const int width : {60, 130, 400, 1000, 2000}) {
-        for (const int start : {-10000000, -77, 1, 1001, 9999990}) {
-            for (int frames = 1; frames <= 10000000; frames += frames / 3 + 1) {
-                Slider slider(width, start, start + frames - 1);
-                const NumberRecorder recorder(slider);
-                QVERIFY(!recorder.numbers.empty() && (width < 400 || recorder.numbers.size() >= 2));
-                int end = INT_MIN;
-                for (const auto& [left, right] : recorder.numbers) {
-                    const QString place = QStringLiteral("pixel %1 of %2, %3 frames from %4").arg(left);
-                    QVERIFY2(left > end, qPrintable(place.arg(width).arg(frames).arg(start)));
-                    end = right;
+    void numbersNeverOverlap()
+    {
+        for (const int width : {60, 130, 400, 1000, 2000}) {
+            for (const int start : {-10000000, -77, 1, 1001, 9999990}) {
+                for (int frames = 1; frames <= 10000000; frames += frames / 3 + 1) {
+                    Slider slider(width, start, start + frames - 1);
+                    const NumberRecorder recorder(slider);
+                    QVERIFY(!recorder.numbers.empty() && (width < 400 || recorder.numbers.size() >= 2));
+                    int end = INT_MIN;
+                    for (const auto& [left, right] : recorder.numbers) {
+                        const QString place = QStringLiteral("pixel %1 of %2, %3 frames from %4").arg(left);
+                        QVERIFY2(left > end, qPrintable(place.arg(width).arg(frames).arg(start)));
+                        end = right;
+                    }
                 }
             }
         }
     }
-}
 
-void FrameSliderPaintingTest::rowsAndEnds()
-{
-    Slider slider(220, 3, 17);
-    for (const int row : {16, 19, 22})
-        QCOMPARE(slider.runs(row, Ink), QStringLiteral("0-219"));
-    for (const int row : {17, 20})
-        QCOMPARE(slider.runs(row, Qt::white), QStringLiteral("0-9 11-209 211-219"));
-    for (const int row : {0, 9, 18, 21, 23})
-        QCOMPARE(slider.runs(row, Ink), QStringLiteral("10-10 210-210"));
-}
-
-void FrameSliderPaintingTest::keyRowsMergeRuns()
-{
-    Slider slider(1020); // ten pixels for a frame
-    slider.setCacheFrames({INT_MIN, -3, 0, 10, 11, 12, 50, 100, 101, INT_MAX});
-    QCOMPARE(slider.runs(20, Cached), QStringLiteral("10-14 105-134 505-514 1005-1009"));
-    QCOMPARE(slider.runs(21, Cached), slider.runs(20, Cached));
-    slider.range(0, 1000);
-    QCOMPARE(slider.runs(20, Cached), QStringLiteral("10-10 19-22 59-60 109-111"));
-    slider.range(10, 10);
-    QCOMPARE(slider.runs(20, Cached), QStringLiteral("10-10"));
-    slider.range(INT_MIN, INT_MAX);
-    QCOMPARE(slider.runs(20, Cached), QStringLiteral("10-10 508-510 1009-1009"));
-}
-
-// Without the numbers: clipped letters differ a little from whole ones.
-void FrameSliderPaintingTest::partialPaintEqualsTheWhole()
-{
-    for (const int last : {20, 99, 1500, 10000000}) {
-        Slider slider(600, 0, last);
-        slider.setHideInOut(false);
-        slider.setinout(last / 3, last - last / 4);
-        slider.setValue(last / 2);
-        slider.setCacheFrames({0, 1, 2, last / 5, last / 4, last / 4 + 1, last});
-        const QImage whole = slider.grab({0, 9, 600, 13}).toImage();
-        for (int x = 0; x < 590; x += 9)
-            QCOMPARE(slider.grab({x, 9, 10, 13}).toImage(), whole.copy(x, 0, 10, 13));
+    void rowsAndEnds()
+    {
+        Slider slider(220, 3, 17);
+        for (const int row : {16, 19, 22})
+            QCOMPARE(slider.runs(row, Ink), QStringLiteral("0-219"));
+        for (const int row : {17, 20})
+            QCOMPARE(slider.runs(row, Qt::white), QStringLiteral("0-9 11-209 211-219"));
+        for (const int row : {0, 9, 18, 21, 23})
+            QCOMPARE(slider.runs(row, Ink), QStringLiteral("10-10 210-210"));
     }
-}
+
+    void keyRowsMergeRuns()
+    {
+        Slider slider(1020); // ten pixels for a frame
+        slider.setCacheFrames({INT_MIN, -3, 0, 10, 11, 12, 50, 100, 101, INT_MAX});
+        QCOMPARE(slider.runs(20, Cached), QStringLiteral("10-14 105-134 505-514 1005-1009"));
+        QCOMPARE(slider.runs(21, Cached), slider.runs(20, Cached));
+        slider.range(0, 1000);
+        QCOMPARE(slider.runs(20, Cached), QStringLiteral("10-10 19-22 59-60 109-111"));
+        slider.range(10, 10);
+        QCOMPARE(slider.runs(20, Cached), QStringLiteral("10-10"));
+        slider.range(INT_MIN, INT_MAX);
+        QCOMPARE(slider.runs(20, Cached), QStringLiteral("10-10 508-510 1009-1009"));
+    }
+
+    // Without the numbers: clipped letters differ a little from whole ones.
+    void partialPaintEqualsTheWhole()
+    {
+        for (const int last : {20, 99, 1500, 10000000}) {
+            Slider slider(600, 0, last);
+            slider.setHideInOut(false);
+            slider.setinout(last / 3, last - last / 4);
+            slider.setValue(last / 2);
+            slider.setCacheFrames({0, 1, 2, last / 5, last / 4, last / 4 + 1, last});
+            const QImage whole = slider.grab({0, 9, 600, 13}).toImage();
+            for (int x = 0; x < 590; x += 9)
+                QCOMPARE(slider.grab({x, 9, 10, 13}).toImage(), whole.copy(x, 0, 10, 13));
+        }
+    }
+};
 
 QTEST_MAIN(FrameSliderPaintingTest)
 #include "FrameSliderPaintingTest.moc"

@@ -1,7 +1,7 @@
 #include "widgets/FrameSlider.h"
 #include "support/Test.h"
 
-#include <QSignalSpy>
+#include <QAccessible>
 #include <climits>
 #include <memory>
 
@@ -50,152 +50,178 @@ class FrameSliderTest : public Test
     Q_OBJECT
 
 private slots:
-    void frameRangeMovesTheRest();
-    void mapsFramesToPixels();
-    void drags();
-    void wheelZoomsAtTheMouse();
-    void staysInsideTheNumbers();
-    void scrubbingEndsWhenItMust();
-    void signaturesStand();
-};
-
-void FrameSliderTest::frameRangeMovesTheRest()
-{
-    Slider slider;
-    QVERIFY(slider.set_frame_range(50, 10) && !slider.set_frame_range(10, 50));
-    QCOMPARE(slider.state(), QStringLiteral("0 10:50 10:50"));
-    QVERIFY(!slider.setValue(0) && slider.setValue(150) && slider.setValue(-5));
-    QCOMPARE(slider.state(), QStringLiteral("-5 -5:150 10:50"));
-    QVERIFY(slider.setinout(99, 0) && slider.range(10, 20));
-    QVERIFY(slider.first_frame() == 10 && slider.last_frame() == 20);
-
-    Slider keeping;
-    keeping.setKeepInOut(true);
-    QVERIFY(keeping.set_frame_range(1, 500));
-    QCOMPARE(keeping.state(), QStringLiteral("0 10:100 10:100"));
-    keeping.range(0, 5);
-    QVERIFY(keeping.set_frame_range(1, 600));
-    QCOMPARE(keeping.state(), QStringLiteral("0 0:5 10:100"));
-}
-
-void FrameSliderTest::mapsFramesToPixels()
-{
-    for (const auto& [first, last] : {std::pair(-1, 0), {1001, 1200}, {1, 10000000}, {INT_MIN, INT_MAX}}) {
-        for (const int width : {60, 61, 900, 4000}) {
-            Slider slider(width);
-            slider.range(first, last);
-            QVERIFY(slider.valueToMouse(first) == 10 && slider.valueToMouse(last) == width - 10);
-            QCOMPARE(slider.valuePlusOneToMouse(first - 5.0), slider.valuePlusOneToMouse(first));
-            for (int x = 10; x <= width - 10; x += 7)
-                QCOMPARE(slider.valueToMouse(slider.mouseToValue(x) + 1e-9 * (double(last) - first)), x);
-            slider.setMargin(3);
-            QVERIFY(slider.mouseToValue(13) == first && slider.valuePlusOneToMouse(last) == width - 13);
-            slider.range(7, 7);
-            QVERIFY(slider.valueToMouse(7) == 10 && slider.valuePlusOneToMouse(7) == width - 13);
-        }
-    }
-}
-
-// The slider shows 0 to 100 at two pixels per frame and plays 11 to 89.
-void FrameSliderTest::drags()
-{
-    const auto left = Qt::LeftButton;
-    const auto right = Qt::RightButton;
-    const auto alt = Qt::AltModifier;
-    const auto ctrl = Qt::ControlModifier;
-    const struct
+    void frameRangeMovesTheRest()
     {
-        const char* name;
-        int head;
-        Qt::MouseButton button;
-        Qt::KeyboardModifiers modifiers;
-        QPointF press;
-        QPointF move;
-        const char* wanted; // head, view, play range, events
-    } rows[] = {
-        {"rounds", 50, left, Qt::ShiftModifier, {110.5, 5}, {108.4, 5}, "49 0:100 11:89 scrub 51 49 free 49"},
-        {"widens the view", 50, left, {}, {110, 5}, {-10.5, 5}, "-10 -10:100 11:89 scrub 50 -10 free -10"},
-        {"select", 50, right, {}, {150, 5}, {111.4, 5}, "50 50:70 11:89 range"},
-        {"short of a drag", 50, right, {}, {110, 5}, {113, 6}, "50 0:100 11:89 range reset"},
-        {"pan", 50, left, alt | ctrl, {110, 5}, {131, 5}, "50 -10:90 11:89 range"},
-        {"zoom out downwards", 50, right, alt, {110, 5}, {110, 101}, "50 -50:150 11:89 range"},
-        {"zoom to all", 50, right, alt, {110, 5}, {-1e5, 5}, "50 -2147483648:2147483647 11:89 range"},
-        {"in stops at the head", 50, left, ctrl, {109, 5}, {150, 5}, "50 0:100 50:89 inout inout"},
-        {"in is nearer", 5, left, ctrl, {110, 5}, {230, 5}, "5 0:100 89:89 inout inout"},
-        {"out is nearer", 5, left, ctrl, {111, 5}, {0, 5}, "5 0:100 11:11 inout inout"},
-    };
-    for (const auto& row : rows) {
         Slider slider;
-        slider.setValue(row.head);
-        slider.setinout(11, 89);
-        slider.mouse(QEvent::MouseButtonPress, row.press, row.button, row.modifiers);
-        slider.mouse(QEvent::MouseMove, row.move, row.button);
-        slider.mouse(QEvent::MouseButtonRelease, row.move, row.button);
-        slider.mouse(QEvent::MouseMove, {50, 5}, Qt::NoButton);
-        QVERIFY2(slider.state() == row.wanted, qPrintable(row.name + (": " + slider.state())));
+        QVERIFY(slider.set_frame_range(50, 10) && !slider.set_frame_range(10, 50));
+        QCOMPARE(slider.state(), QStringLiteral("0 10:50 10:50"));
+        QVERIFY(!slider.setValue(0) && slider.setValue(150) && slider.setValue(-5));
+        QCOMPARE(slider.state(), QStringLiteral("-5 -5:150 10:50"));
+        QVERIFY(slider.setinout(99, 0) && slider.range(10, 20));
+        QVERIFY(slider.first_frame() == 10 && slider.last_frame() == 20);
+
+        Slider keeping;
+        keeping.setKeepInOut(true);
+        QVERIFY(keeping.set_frame_range(1, 500));
+        QCOMPARE(keeping.state(), QStringLiteral("0 10:100 10:100"));
+        keeping.range(0, 5);
+        QVERIFY(keeping.set_frame_range(1, 600));
+        QCOMPARE(keeping.state(), QStringLiteral("0 0:5 10:100"));
     }
-}
 
-void FrameSliderTest::wheelZoomsAtTheMouse()
-{
-    const auto turn = [](double x, QPoint delta) {
-        Slider slider;
-        slider.wheel({x, 5}, delta);
-        return slider.state();
-    };
-    QCOMPARE(turn(110, {0, 240}), QStringLiteral("0 8:92 10:100 range"));
-    QCOMPARE(turn(110, {0, -15}), QStringLiteral("0 -9:111 10:100 range"));
-    QCOMPARE(turn(0, {0, 120}), QStringLiteral("0 0:84 10:100 range"));
-    QCOMPARE(turn(110, {120, 0}), QStringLiteral("0 0:100 10:100 range"));
-    QCOMPARE(turn(219.5, {0, 120}), QStringLiteral("0 0:100 10:100"));
-}
-
-void FrameSliderTest::staysInsideTheNumbers()
-{
-    for (const int width : {60, 20, 3}) {
-        Slider slider(width);
-        slider.range(INT_MIN, INT_MAX - 10);
-        slider.setinout(INT_MIN, INT_MAX);
-        for (const Qt::KeyboardModifiers modifiers : {Qt::NoModifier, Qt::AltModifier, Qt::ControlModifier}) {
-            for (const Qt::MouseButton button : {Qt::LeftButton, Qt::RightButton}) {
-                slider.mouse(QEvent::MouseButtonPress, {1, 1}, button, modifiers);
-                for (const double x : {-1e9, 0.0, 1e9})
-                    slider.mouse(QEvent::MouseMove, {x, 1}, button);
-                slider.mouse(QEvent::MouseButtonRelease, {1, 1}, button);
-                QVERIFY(slider.viewStart() <= slider.viewEnd());
+    void mapsFramesToPixels()
+    {
+        for (const auto& [first, last] :
+             {std::pair(-1, 0), {1001, 1200}, {1, 10000000}, {INT_MIN, INT_MAX}}) {
+            for (const int width : {60, 61, 900, 4000}) {
+                Slider slider(width);
+                slider.range(first, last);
+                QVERIFY(slider.valueToMouse(first) == 10 && slider.valueToMouse(last) == width - 10);
+                QCOMPARE(slider.valuePlusOneToMouse(first - 5.0), slider.valuePlusOneToMouse(first));
+                for (int x = 10; x <= width - 10; x += 7)
+                    QCOMPARE(slider.valueToMouse(slider.mouseToValue(x) + 1e-9 * (double(last) - first)), x);
+                slider.setMargin(3);
+                QVERIFY(slider.mouseToValue(13) == first && slider.valuePlusOneToMouse(last) == width - 13);
+                slider.range(7, 7);
+                QVERIFY(slider.valueToMouse(7) == 10 && slider.valuePlusOneToMouse(7) == width - 13);
             }
         }
-        slider.wheel({1, 1}, {0, -120});
-        slider.grab();
     }
-}
 
-void FrameSliderTest::scrubbingEndsWhenItMust()
-{
-    auto slider = std::make_unique<Slider>();
-    slider->show();
-    slider->mouse(QEvent::MouseButtonPress, {110, 5}, Qt::LeftButton);
-    slider->mouse(QEvent::MouseButtonPress, {110, 5}, Qt::RightButton);
-    slider->mouse(QEvent::MouseButtonRelease, {110, 5}, Qt::RightButton);
-    slider->mouse(QEvent::MouseButtonRelease, {110, 5}, Qt::LeftButton);
-    slider->mouse(QEvent::MouseButtonPress, {150, 5}, Qt::LeftButton);
-    slider->hide();
-    QCOMPARE(slider->events, QStringLiteral(" scrub 50 reset free scrub 70 free"));
-    slider->mouse(QEvent::MouseButtonPress, {110, 5}, Qt::LeftButton);
-    slider.reset();
-    Slider other;
-    other.mouse(QEvent::MouseMove, {150, 5}, Qt::NoButton);
-    QCOMPARE(other.events, QString());
-}
+    // The slider shows 0 to 100 at two pixels per frame and plays 11 to 89.
+    void drags()
+    {
+        const auto left = Qt::LeftButton;
+        const auto right = Qt::RightButton;
+        const auto alt = Qt::AltModifier;
+        const auto ctrl = Qt::ControlModifier;
+        const struct
+        {
+            const char* name;
+            int head;
+            Qt::MouseButton button;
+            Qt::KeyboardModifiers modifiers;
+            QPointF press;
+            QPointF move;
+            const char* wanted; // head, view, play range, events
+        } rows[] = {
+            {"rounds",
+             50,
+             left,
+             Qt::ShiftModifier,
+             {110.5, 5},
+             {108.4, 5},
+             "49 0:100 11:89 scrub 51 49 free 49"},
+            {"widens the view",
+             50,
+             left,
+             {},
+             {110, 5},
+             {-10.5, 5},
+             "-10 -10:100 11:89 scrub 50 -10 free -10"},
+            {"select", 50, right, {}, {150, 5}, {111.4, 5}, "50 50:70 11:89 range"},
+            {"short of a drag", 50, right, {}, {110, 5}, {113, 6}, "50 0:100 11:89 range reset"},
+            {"pan", 50, left, alt | ctrl, {110, 5}, {131, 5}, "50 -10:90 11:89 range"},
+            {"zoom out downwards", 50, right, alt, {110, 5}, {110, 101}, "50 -50:150 11:89 range"},
+            {"zoom to all", 50, right, alt, {110, 5}, {-1e5, 5}, "50 -2147483648:2147483647 11:89 range"},
+            {"in stops at the head", 50, left, ctrl, {109, 5}, {150, 5}, "50 0:100 50:89 inout inout"},
+            {"in is nearer", 5, left, ctrl, {110, 5}, {230, 5}, "5 0:100 89:89 inout inout"},
+            {"out is nearer", 5, left, ctrl, {111, 5}, {0, 5}, "5 0:100 11:11 inout inout"},
+        };
+        for (const auto& row : rows) {
+            Slider slider;
+            slider.setValue(row.head);
+            slider.setinout(11, 89);
+            slider.mouse(QEvent::MouseButtonPress, row.press, row.button, row.modifiers);
+            slider.mouse(QEvent::MouseMove, row.move, row.button);
+            slider.mouse(QEvent::MouseButtonRelease, row.move, row.button);
+            slider.mouse(QEvent::MouseMove, {50, 5}, Qt::NoButton);
+            QVERIFY2(slider.state() == row.wanted, qPrintable(row.name + (": " + slider.state())));
+        }
+    }
 
-void FrameSliderTest::signaturesStand()
-{
-    const FrameSlider slider(false, nullptr);
-    for (const char* signal :
-         {SIGNAL(sliderMoved(int)), SIGNAL(sliderRangeChanged()), SIGNAL(sliderInOutChanged()),
-          SIGNAL(sliderRangeReset()), SIGNAL(scrubbingChanged(bool))})
-        QVERIFY(QSignalSpy(&slider, signal).isValid());
-}
+    void wheelZoomsAtTheMouse()
+    {
+        const auto turn = [](double x, QPoint delta) {
+            Slider slider;
+            slider.wheel({x, 5}, delta);
+            return slider.state();
+        };
+        QCOMPARE(turn(110, {0, 240}), QStringLiteral("0 8:92 10:100 range"));
+        QCOMPARE(turn(110, {0, -15}), QStringLiteral("0 -9:111 10:100 range"));
+        QCOMPARE(turn(0, {0, 120}), QStringLiteral("0 0:84 10:100 range"));
+        QCOMPARE(turn(110, {120, 0}), QStringLiteral("0 0:100 10:100 range"));
+        QCOMPARE(turn(219.5, {0, 120}), QStringLiteral("0 0:100 10:100"));
+    }
+
+    void keysDoWhatTheMouseDoes()
+    {
+        const std::tuple<Qt::Key, Qt::KeyboardModifiers, const char*> keys[] = {
+            {Qt::Key_Left, Qt::NoModifier, "49 0:100 10:90 49"},
+            {Qt::Key_PageUp, Qt::NoModifier, "60 0:100 10:90 60"},
+            {Qt::Key_Home, Qt::NoModifier, "10 0:100 10:90 10"},
+            {Qt::Key_End, Qt::NoModifier, "90 0:100 10:90 90"},
+            {Qt::Key_Left, Qt::AltModifier, "50 -10:90 10:90 range"},
+            {Qt::Key_Plus, Qt::ShiftModifier, "50 8:92 10:90 range"},
+            {Qt::Key_Minus, Qt::NoModifier, "50 -9:111 10:90 range"},
+            {Qt::Key_I, Qt::NoModifier, "50 0:100 50:90 inout"},
+            {Qt::Key_O, Qt::NoModifier, "50 0:100 10:50 inout"},
+            {Qt::Key_F, Qt::NoModifier, "50 0:100 10:90 reset"},
+            {Qt::Key_Left, Qt::ControlModifier, "50 0:100 10:90"},
+        };
+        for (const auto& [key, modifiers, expected] : keys) {
+            Slider slider;
+            slider.setinout(10, 90);
+            slider.setValue(50);
+            QTest::keyClick(&slider, key, modifiers);
+            QCOMPARE(slider.state(), QLatin1String(expected));
+        }
+        Slider end;
+        end.setValue(INT_MAX);
+        QTest::keyClick(&end, Qt::Key_Right);
+        QAccessible::queryAccessibleInterface(&end)->valueInterface()->setCurrentValue(7);
+        QCOMPARE(end.events, QStringLiteral(" 7"));
+    }
+
+    void staysInsideTheNumbers()
+    {
+        for (const int width : {60, 20, 3}) {
+            Slider slider(width);
+            slider.range(INT_MIN, INT_MAX - 10);
+            slider.setinout(INT_MIN, INT_MAX);
+            for (const Qt::KeyboardModifiers modifiers :
+                 {Qt::NoModifier, Qt::AltModifier, Qt::ControlModifier}) {
+                for (const Qt::MouseButton button : {Qt::LeftButton, Qt::RightButton}) {
+                    slider.mouse(QEvent::MouseButtonPress, {1, 1}, button, modifiers);
+                    for (const double x : {-1e9, 0.0, 1e9})
+                        slider.mouse(QEvent::MouseMove, {x, 1}, button);
+                    slider.mouse(QEvent::MouseButtonRelease, {1, 1}, button);
+                    QVERIFY(slider.viewStart() <= slider.viewEnd());
+                }
+            }
+            slider.wheel({1, 1}, {0, -120});
+            slider.grab();
+        }
+    }
+
+    void scrubbingEndsWhenItMust()
+    {
+        auto slider = std::make_unique<Slider>();
+        slider->show();
+        slider->mouse(QEvent::MouseButtonPress, {110, 5}, Qt::LeftButton);
+        slider->mouse(QEvent::MouseButtonPress, {110, 5}, Qt::RightButton);
+        slider->mouse(QEvent::MouseButtonRelease, {110, 5}, Qt::RightButton);
+        slider->mouse(QEvent::MouseButtonRelease, {110, 5}, Qt::LeftButton);
+        slider->mouse(QEvent::MouseButtonPress, {150, 5}, Qt::LeftButton);
+        slider->hide();
+        QCOMPARE(slider->events, QStringLiteral(" scrub 50 reset free scrub 70 free"));
+        slider->mouse(QEvent::MouseButtonPress, {110, 5}, Qt::LeftButton);
+        slider.reset();
+        Slider other;
+        other.mouse(QEvent::MouseMove, {150, 5}, Qt::NoButton);
+        QCOMPARE(other.events, QString());
+    }
+};
 
 QTEST_MAIN(FrameSliderTest)
 #include "FrameSliderTest.moc"

@@ -1,0 +1,42 @@
+#include <QApplication>
+#include <QDockWidget>
+#include <QMainWindow>
+#include <browser/FileBrowser.h>
+#include <catalogue/FileInfo.h>
+#include <iostream>
+#include <widgets/AppSettings.h>
+
+using Halvern::UI::FileBrowser;
+
+int main(int argc, char** argv)
+{
+    QApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
+    QApplication application(argc, argv);
+    // Class-wide, once, before the first browser is made.
+    Halvern::UI::AppSettings::SetName("Comp");
+    FileBrowser::SetPreferencesPath(QDir::homePath() + "/.comp-favorites", "Comp");
+    FileBrowser::SetHighlightColor(application.palette().color(QPalette::AlternateBase));
+
+    QMainWindow window;
+    auto* dock = new QDockWidget("Plates", &window);
+    auto* browser = new FileBrowser(dock);
+    dock->setWidget(browser);
+    window.addDockWidget(Qt::LeftDockWidgetArea, dock);
+    browser->setFaveType(Halvern::UI::FaveImage);
+    browser->setSequencesEnabled(true);
+    browser->setMultipleSelections(true);
+    QStringList filters{"*.exr *.dpx", "*.jpg"};
+    browser->setFilters(filters, false);
+    browser->setAcceptButtonText("Import");
+    browser->setAcceptButtonEnabled(true); // a browser on its own leaves that to its host
+    browser->setDirectory(QDir::current(), false, true);
+
+    QObject::connect(browser, &FileBrowser::fileSelected, [](const Halvern::UI::FileInfo& info, QDir) {
+        std::cout << "selected " << info.displayName() << std::endl;
+    });
+    QObject::connect(browser, &FileBrowser::accepted, [browser] {
+        std::cout << browser->selectedFiles().join('\n').toStdString() << std::endl;
+    });
+    window.show();
+    return application.exec();
+}

@@ -1,0 +1,49 @@
+#include <QApplication>
+#include <browser/FileBrowser.h>
+#include <catalogue/FileInfo.h>
+#include <catalogue/FileSequenceEvaluator.h>
+#include <iostream>
+#include <map>
+#include <string>
+
+using namespace Halvern::UI;
+
+// Groups left and right eye, "shot.left.0001.exr" and "shot.right.0001.exr", into one row for each take.
+class StereoPairs : public FileSequenceEvaluator
+{
+public:
+    std::vector<FileInfo*> evaluateFiles(std::vector<FileInfo*> files) override
+    {
+        std::vector<FileInfo*> rows;
+        std::map<std::string, std::vector<FileInfo*>> eyes;
+        for (FileInfo* file : files) {
+            const std::string name = file->fileName();
+            const auto eye =
+                name.find(".left.") != std::string::npos ? name.find(".left.") : name.find(".right.");
+            if (eye == std::string::npos)
+                rows.push_back(file);
+            else
+                eyes[name.substr(0, eye)].push_back(file);
+        }
+        for (const auto& [take, members] : eyes) {
+            std::vector<int> frames;
+            for (std::size_t i = 0; i < members.size(); ++i)
+                frames.push_back(static_cast<int>(i));
+            rows.push_back(buildFileSequence(take + ".stereo.exr", frames, members));
+            std::cout << take << ": " << members.size() << " files" << std::endl;
+        }
+        return rows;
+    }
+};
+
+int main(int argc, char** argv)
+{
+    QApplication application(argc, argv);
+    StereoPairs evaluator; // outlives the browser
+    FileBrowser browser;
+    browser.setSequencesEnabled(true);
+    browser.setFileSequenceEvaluator(&evaluator);
+    browser.setDirectory(QDir("stereo"), false, true);
+    browser.show();
+    return application.exec();
+}

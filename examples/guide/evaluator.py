@@ -1,0 +1,35 @@
+import sys
+
+from PyQt5.QtCore import QDir
+from PyQt5.QtWidgets import QApplication
+
+from _HvMirefoldCoreUI import Halvern
+
+
+class StereoPairs(Halvern.UI.FileSequenceEvaluator):
+    """Groups left and right eye, "shot.left.0001.exr" and "shot.right.0001.exr", into one row for each take."""
+
+    def evaluateFiles(self, files):
+        rows, eyes = [], {}
+        for file in files:
+            take, eye, _ = file.fileName().partition(".left.")
+            if not eye:
+                take, eye, _ = file.fileName().partition(".right.")
+            if eye:
+                eyes.setdefault(take, []).append(file)
+            else:
+                rows.append(file)
+        for take, members in eyes.items():
+            rows.append(self.buildFileSequence(take + ".stereo.exr", range(len(members)), tuple(members)))
+            print(take, len(members), "files")
+        return tuple(rows)  # a list is refused
+
+
+application = QApplication(sys.argv)
+evaluator = StereoPairs()  # the browser does not keep it alive
+browser = Halvern.UI.FileBrowser()
+browser.setSequencesEnabled(True)
+browser.setFileSequenceEvaluator(evaluator)
+browser.setDirectory(QDir("stereo"))
+browser.show()
+sys.exit(application.exec_())

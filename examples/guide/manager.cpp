@@ -1,0 +1,31 @@
+#include <QCoreApplication>
+#include <catalogue/FileInfo.h>
+#include <catalogue/FileManager.h>
+#include <iostream>
+
+using namespace Halvern::UI;
+
+int main(int argc, char** argv)
+{
+    QCoreApplication application(argc, argv);
+    FileManager manager;
+    // Names first, so that rows are there at once; sizes and times follow in batches.
+    QObject::connect(&manager, &FileManager::refreshList, [&] {
+        std::vector<FileInfo*> rows; // borrowed until the next read
+        manager.buildRunningList(&rows, Halvern::Base::FileHandle::RegisteredSequences);
+        for (const FileInfo* row : rows)
+            std::cout << row->displayName() << std::endl;
+    });
+    QObject::connect(&manager, &FileManager::infoUpdated, [&](int, int) {
+        std::vector<FileInfo*> rows;
+        manager.buildRunningList(&rows, Halvern::Base::FileHandle::AllFiles);
+        unsigned long long bytes = 0;
+        for (const FileInfo* row : rows)
+            bytes += row->isInfoValid() && !row->isDirectory() ? row->size() : 0;
+        std::cout << bytes << " bytes" << std::endl;
+        application.quit();
+    });
+    if (!manager.getFilesFromFolder(".", false))
+        return 1;
+    return application.exec();
+}

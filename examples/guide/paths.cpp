@@ -1,0 +1,20 @@
+#include <QApplication>
+#include <dialog/FilePathEdit.h>
+#include <dialog/Filename.h>
+#include <iostream>
+
+int main(int argc, char** argv)
+{
+    QApplication application(argc, argv);
+    char path[1024];
+    filename_absolute(path, sizeof path, "../plates/scan.exr", "/shows/x/shots");
+    std::cout << path << " " << filename_name(path) << " " << filename_match(path, "*.{exr,dpx}")
+              << std::endl;
+    if (filename_isdir("."))
+        std::cout << "modified " << filename_mtime(".") << std::endl; // one look at the disk for both
+
+    FilePathEdit edit(nullptr); // Control with Backspace, Delete, Left and Right goes by components
+    edit.setText(path);
+    edit.show();
+    return application.exec();
+}

@@ -1,0 +1,44 @@
+// Linked into the programs of the guide so that the tests can run them: with GUIDE_UNATTENDED in the
+// environment a program gets what a user would do, the choice of a sequence or a key on a slider, and ends.
+
+#include <QApplication>
+#include <QDialog>
+#include <QKeyEvent>
+#include <QTimer>
+#include <QTreeView>
+#include <widgets/FrameSlider.h>
+
+namespace {
+
+constexpr int ListingTime = 400; // milliseconds
+
+void act()
+{
+    for (QWidget* window : QApplication::topLevelWidgets()) {
+        auto* list = window->findChild<QTreeView*>(QStringLiteral("filesList"));
+        const auto rows =
+            list ? list->model()->match(list->model()->index(0, 0), Qt::DisplayRole, QStringLiteral("shot."))
+                 : QModelIndexList();
+        if (!rows.isEmpty())
+            list->setCurrentIndex(rows.first());
+    }
+    if (auto* slider = qobject_cast<FrameSlider*>(QApplication::topLevelWidgets().value(0))) {
+        for (const Qt::Key key : {Qt::Key_Right, Qt::Key_I}) {
+            QKeyEvent press(QEvent::KeyPress, key, Qt::NoModifier);
+            QCoreApplication::sendEvent(slider, &press);
+        }
+    }
+    if (auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget()))
+        dialog->accept();
+    QCoreApplication::quit();
+}
+
+void attend()
+{
+    if (qEnvironmentVariableIsSet("GUIDE_UNATTENDED"))
+        QTimer::singleShot(ListingTime, act);
+}
+
+} // namespace
+
+Q_COREAPP_STARTUP_FUNCTION(attend)

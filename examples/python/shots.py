@@ -1,0 +1,69 @@
+#!/usr/bin/env python3
+"""Opens the file browser with one row for every shot, and prints what was chosen.
+
+usage: PYTHONPATH=FOLDER_OF_THE_MODULE shots.py [DIRECTORY]
+
+The frames of a shot are the files whose names begin alike, whatever their layers and versions are called:
+"sh010_beauty.0001.exr" and "sh010_matte_v02.0001.exr" belong to "sh010".
+"""
+
+import re
+import sys
+
+from PyQt5.QtCore import QDir
+from PyQt5.QtWidgets import QApplication, QDialog, QDialogButtonBox, QVBoxLayout
+
+from _HvMirefoldCoreUI import Halvern
+
+FRAME_OF_A_SHOT = re.compile(r"([A-Za-z]+_?\d+)_.*\.\d+\.\w+$")
+
+
+class Shots(Halvern.UI.FileSequenceEvaluator):
+    """Makes one row of each shot, and leaves all other files as they are."""
+
+    def evaluateFiles(self, files):
+        rows = []
+        shots = {}
+        for file in files:
+            match = FRAME_OF_A_SHOT.match(file.fileName())
+            if match:
+                shots.setdefault(match.group(1), []).append(file)
+            else:
+                rows.append(file)
+        for shot, members in shots.items():
+            name = f"{shot} ({len(members)} files)"
+            rows.append(self.buildFileSequence(name, range(len(members)), tuple(members)))
+        return tuple(rows)
+
+
+class ShotDialog(QDialog):
+    """A dialog of the script's own around the browser."""
+
+    def __init__(self, directory):
+        super().__init__()
+        self.setWindowTitle("Shots")
+        self.resize(900, 500)
+        self.browser = Halvern.UI.FileBrowser(parent=self)
+        # The browser does not keep the evaluator alive.
+        self.shots = Shots()
+        self.browser.setSequencesEnabled(True)
+        self.browser.setFileSequenceEvaluator(self.shots)
+        self.browser.setButtonsVisible(False)
+        self.browser.setDirectory(QDir(directory))
+        buttons = QDialogButtonBox(QDialogButtonBox.Open | QDialogButtonBox.Cancel)
+        buttons.accepted.connect(self.accept)
+        buttons.rejected.connect(self.reject)
+        layout = QVBoxLayout(self)
+        layout.addWidget(self.browser)
+        layout.addWidget(buttons)
+
+
+def main():
+    application = QApplication(sys.argv)
+    dialog = ShotDialog(sys.argv[1] if len(sys.argv) > 1 else ".")
+    if dialog.exec() == QDialog.Accepted:
+        print("\n".join(dialog.browser.selectedFiles()))
+
+
+if __name__ == "__main__":
+    main()

@@ -1,0 +1,40 @@
+#include "widgets/LegibleDelegate.h"
+
+#include <cmath>
+
+namespace Halvern::UI {
+
+namespace {
+
+double luminance(const QColor& colour)
+{
+    const auto linear = [](double part) { return std::pow(part, 2.2); };
+    return 0.2126 * linear(colour.redF()) + 0.7152 * linear(colour.greenF()) +
+           0.0722 * linear(colour.blueF());
+}
+
+// 1 for equal colours, 21 for black on white.
+double contrast(const QColor& one, const QColor& other)
+{
+    constexpr double Flare = 0.05;
+    const double a = luminance(one) + Flare;
+    const double b = luminance(other) + Flare;
+    return a > b ? a / b : b / a;
+}
+
+} // namespace
+
+void LegibleDelegate::initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const
+{
+    constexpr double LeastContrast = 3;
+    QStyledItemDelegate::initStyleOption(option, index);
+    if (option->backgroundBrush.style() == Qt::NoBrush)
+        return;
+    const QColor background = option->backgroundBrush.color();
+    if (contrast(option->palette.color(QPalette::Text), background) >= LeastContrast)
+        return;
+    const bool white = contrast(Qt::white, background) > contrast(Qt::black, background);
+    option->palette.setColor(QPalette::Text, white ? Qt::white : Qt::black);
+}
+
+} // namespace Halvern::UI

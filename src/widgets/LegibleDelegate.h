@@ -1,0 +1,20 @@
+#pragma once
+
+#include <QStyledItemDelegate>
+
+namespace Halvern::UI {
+
+/// Draws rows whose model gives them a background of its own so that they can be read: where that background
+/// is too near to the palette's text colour, the text is black or white.
+class LegibleDelegate : public QStyledItemDelegate
+{
+    Q_OBJECT
+
+public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+
+protected:
+    void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override;
+};
+
+} // namespace Halvern::UI

@@ -1,0 +1,86 @@
+#include "browser/BrowserWindow.h"
+#include "dialog/FilePreview.h"
+#include "favorites/EditFavoriteDialog.h"
+#include "support/SampleFiles.h"
+#include "support/Test.h"
+#include "widgets/AppSettings.h"
+
+#include <QAccessible>
+#include <QHeaderView>
+
+using namespace Halvern::UI;
+
+/// That a browser can be used without a mouse, and without seeing it.
+class KeyboardTest : public Test
+{
+    Q_OBJECT
+
+private slots:
+    void init() { AppSettings().clear(); }
+
+    void everyControlHasItsOwnName()
+    {
+        FileBrowser browser;
+        browser.setPreviewWidget(new FilePreview(&browser, 0));
+        Favorite favorite;
+        EditFavoriteDialog dialog(nullptr, favorite);
+        for (const QWidget* window : {static_cast<QWidget*>(&browser), static_cast<QWidget*>(&dialog)}) {
+            QStringList names;
+            for (QWidget* control : window->findChildren<QWidget*>()) {
+                const bool inside =
+                    qobject_cast<QComboBox*>(control->parent()) || control->window() != window;
+                if (inside || (control->focusPolicy() & Qt::TabFocus) == 0)
+                    continue;
+                const QString name = QAccessible::queryAccessibleInterface(control)->text(QAccessible::Name);
+                QVERIFY2(name.size() > 1 && !names.contains(name),
+                         qPrintable(QLatin1String(control->metaObject()->className()) + name));
+                names.append(name);
+            }
+            QVERIFY2(names.size() >= 14, qPrintable(names.join(' ')));
+        }
+    }
+
+    void tabGoesRoundAsItIsLaidOut()
+    {
+        const QTemporaryDir folder;
+        BrowserWindow window(folder.path());
+        window.browser.setMultipleSelections(true);
+        window.focusList();
+        QStringList visited;
+        // Backwards, since Tab completes the name in the filename field.
+        for (int i = 0; i < 13; ++i) {
+            visited.append(QApplication::focusWidget()->objectName());
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Backtab, Qt::ShiftModifier);
+        }
+        QCOMPARE(
+            visited.join(' '),
+            QStringLiteral(
+                "filesList addFavoriteButton favoritesList backButton upButton newFolderButton cancelButton "
+                "nextButton filterCombo splitCheck sequencesCheck filenameEdit filesList"));
+    }
+
+    void keysSortAndOpenTheMenu()
+    {
+        const QTemporaryDir folder;
+        QVERIFY(SampleFiles::make(folder.path(), {"a", "b"}));
+        BrowserWindow window(folder.path());
+        QTRY_COMPARE(window.rows(), (QStringList{"a", "b"}));
+        window.focusList();
+        QTest::keyClick(window.list(), Qt::Key_1, Qt::ControlModifier);
+        QCOMPARE(window.rows(), (QStringList{"b", "a"}));
+        QTest::keyClick(window.list(), Qt::Key_3, Qt::ControlModifier);
+        QCOMPARE(window.list()->header()->sortIndicatorSection(), 2);
+
+        window.browser.setMultipleSelections(true);
+        window.list()->setCurrentIndex(window.row("b"));
+        QContextMenuEvent menuKey(QContextMenuEvent::Keyboard, QPoint());
+        QApplication::sendEvent(window.list(), &menuKey);
+        QTRY_VERIFY(window.menu()->isVisible());
+        QTest::keyClick(window.menu(), Qt::Key_Down);
+        QTest::keyClick(window.menu(), Qt::Key_Return);
+        QCOMPARE(window.browser.pickedFiles(), QStringList(folder.path() + "/b"));
+    }
+};
+
+QTEST_MAIN(KeyboardTest)
+#include "KeyboardTest.moc"

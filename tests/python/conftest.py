@@ -1,0 +1,62 @@
+import os
+import tempfile
+
+# Before Qt reads them: settings of the tests' own, and no warning that goes unnoticed.
+folder = tempfile.mkdtemp()
+os.environ.update(XDG_CONFIG_HOME=folder, XDG_RUNTIME_DIR=folder, QT_FATAL_WARNINGS="1",
+                  QT_LOGGING_RULES="qt.qpa.xcb=false")
+
+import pytest
+from PyQt5.QtCore import QDir
+from PyQt5.QtTest import QTest
+from PyQt5.QtWidgets import QApplication, QTreeView
+
+from _HvMirefoldCoreUI import Halvern
+
+application = QApplication(["tests"])
+
+
+@pytest.fixture(autouse=True)
+def preferences(tmp_path):
+    path = tmp_path / "favorites"
+    Halvern.UI.FileBrowser.SetPreferencesPath(str(path), "Tests")
+    return path
+
+
+@pytest.fixture
+def frames(tmp_path):
+    # Two layers of one shot, one frame of another, and a text.
+    folder = tmp_path / "frames"
+    folder.mkdir()
+    for name in ["sh010_a.1.exr", "sh010_a.2.exr", "sh010_b.1.exr", "sh020_a.7.exr", "notes.txt"]:
+        (folder / name).write_text(name)
+    return folder
+
+
+@pytest.fixture
+def open_browser(frames):
+    # Makes browsers that are shown and have listed the folder.
+    def make(evaluator=None, kind=Halvern.UI.FileBrowser):
+        browser = kind()
+        browser.setSequencesEnabled(True)
+        browser.setFileSequenceEvaluator(evaluator)
+        browser.setDirectory(QDir(str(frames)))
+        browser.show()
+        listed = []
+        files(browser).sourceModel().modelReset.connect(lambda: listed.append(True))
+        until(lambda: listed)
+        return browser
+
+    return make
+
+
+def until(condition):
+    assert any(condition() or QTest.qWait(10) for _ in range(500)), "it did not happen"
+
+
+def files(browser):
+    return browser.findChild(QTreeView, "filesList").model()
+
+
+def rows(browser):
+    return [files(browser).index(row, 0).data() for row in range(files(browser).rowCount())]

@@ -1,0 +1,90 @@
+import pytest
+from PyQt5.QtCore import QDir, QTimer
+from PyQt5.QtGui import QPaintDevice
+from PyQt5.QtWidgets import QAbstractItemView, QApplication, QPushButton, QWidget
+
+from _HvMirefoldCoreUI import Halvern
+
+FileBrowser, FileInfo = Halvern.UI.FileBrowser, Halvern.UI.FileInfo
+
+METHODS = """setDirectory setFilename setFilters setShowChooserTypes setSequencesEnabled setMayNotExist setButtonsVisible
+    setFileSequenceEvaluator selectedFiles refreshFavorites AddFavoriteDir RemoveFavoriteDir ResetFavorites
+    ResetNonPersistentFavorites SetDefaultFavoritePaths SetPreferencesPath"""
+
+
+@pytest.mark.parametrize("cls, base, names", [
+    (FileBrowser, QWidget, METHODS),
+    (FileInfo, object, "setStartFrame setEndFrame setSequenceName insertSequenceFile fileName"),
+    (Halvern.UI.FileSequenceEvaluator, object, "evaluateFiles buildFileSequence")])
+def test_exposes_what_is_promised_and_no_more(cls, base, names):
+    assert issubclass(cls, base)
+    assert {name for name in set(dir(cls)) - set(dir(base)) if not name.startswith("__")} == set(names.split())
+
+
+def test_opens_the_protected_members_of_a_widget():
+    browser = FileBrowser()
+    assert browser.sender() is None and browser.senderSignalIndex() == -1 and browser.sharedPainter() is None
+    assert browser.receivers(browser.destroyed) == 0 and browser.metric(QPaintDevice.PdmWidth) == browser.width()
+    for call in [browser.create, browser.updateMicroFocus, browser.focusPreviousChild, browser.destroy]:
+        call()
+
+
+entry = FileInfo("a", False)
+
+
+@pytest.mark.parametrize("call, error, text", [
+    (lambda: FileInfo("a"), TypeError, "FileInfo()"),
+    (lambda: FileInfo(name="a", isSequence=True), TypeError, "FileInfo()"),
+    (lambda: FileInfo(None, True), TypeError, "FileInfo()"),
+    (lambda: FileInfo("\xe9", True), UnicodeEncodeError, "ascii"),
+    (lambda: entry.setSequenceName("\xe9"), UnicodeEncodeError, "ascii"),
+    (lambda: entry.setSequenceName(None), TypeError, "FileInfo.setSequenceName()"),
+    (lambda: entry.setStartFrame(2**31), OverflowError, "argument 1"),
+    (lambda: Halvern.UI.FileSequenceEvaluator(), TypeError, "FileSequenceEvaluator"),
+    (lambda: FileBrowser(1), TypeError, "FileBrowser()"),
+    (lambda: FileBrowser().setDirectory("/tmp"), TypeError, "FileBrowser.setDirectory()"),
+    (lambda: FileBrowser().setDirectory(QDir("/tmp"), refresh=True), TypeError, "setDirectory()"),
+    (lambda: FileBrowser.AddFavoriteDir("a", "b", path="c"), TypeError, "FileBrowser.AddFavoriteDir()"),
+    (lambda: FileBrowser.RemoveFavoriteDir("a", 0, False), TypeError, "FileBrowser.RemoveFavoriteDir()"),
+    (lambda: FileBrowser.SetPreferencesPath("a"), TypeError, "FileBrowser.SetPreferencesPath()")])
+def test_refuses_wrong_arguments(call, error, text):
+    assert text in str(pytest.raises(error, call).value)
+
+
+def test_hands_arguments_to_the_native_calls(open_browser, frames, tmp_path):
+    browser = open_browser()
+    assert browser.setShowChooserTypes(True) is browser.setMayNotExist(True) is browser.setButtonsVisible(True) is None
+    browser.setFilters(["*.txt"], False)
+    browser.setFilename(str(frames / "notes.txt"))
+    browser.setDirectory(QDir(str(tmp_path)), True, False)
+    assert browser.selectedFiles() == [str(frames / "notes.txt")], "the typed name was to be kept"
+    browser.setDirectory(QDir(str(frames)))
+    assert browser.selectedFiles() == [str(frames) + "/"]
+
+
+def test_keeps_favorites(preferences):
+    FileBrowser.SetDefaultFavoritePaths("/home", "/", "/tmp", "/opt", persistent=True)
+    FileBrowser.ResetFavorites()
+    FileBrowser.AddFavoriteDir("kept", "key", None)
+    FileBrowser.AddFavoriteDir(b"typed", "key", "/tmp", ttip="tip", icon="/icon.png", type=3)
+    FileBrowser.AddFavoriteDir("passing", "key", "/tmp", "", "", 0, False)
+    FileBrowser.AddFavoriteDir("typed", "key", "/tmp", type=4)
+    FileBrowser.RemoveFavoriteDir("typed", type=4)
+    FileBrowser.RemoveFavoriteDir("passing")
+    browser = FileBrowser()
+    model = browser.findChild(QAbstractItemView, "favoritesList").model()
+
+    def shown():
+        browser.refreshFavorites()
+        return {model.index(row, 0).data() for row in range(model.rowCount())} & {"kept", "passing"}
+
+    assert shown() == {"kept", "passing"}, "only persistent ones can be removed"
+    FileBrowser.ResetNonPersistentFavorites()
+    assert shown() == {"kept"}
+    QTimer.singleShot(200, lambda: QApplication.activeModalWidget().accept())
+    browser.findChild(QPushButton, "addFavoriteButton").click()
+    # Which writes the file.
+    del browser
+    FileBrowser.ResetFavorites()
+    assert preferences.read_text().splitlines()[5:7] == [
+        'add_favorite_dir kept kept "" /', "add_favorite_dir -image -script typed typed /icon.png tip /tmp/"]

@@ -1,0 +1,59 @@
+import gc
+import weakref
+from concurrent.futures import ThreadPoolExecutor
+
+import pytest
+from conftest import rows, until
+from PyQt5 import sip
+from PyQt5.QtCore import QDir, QEvent
+from PyQt5.QtWidgets import QApplication, QWidget
+
+from _HvMirefoldCoreUI import Halvern
+
+FileBrowser = Halvern.UI.FileBrowser
+
+
+def drop_elsewhere(holder):
+    with ThreadPoolExecutor() as other:
+        other.submit(holder.clear)
+
+
+def drop_cycle(holder):
+    holder[0].itself = holder[0]
+    holder.clear()
+
+
+def browsers():
+    gc.collect()
+    return sum(isinstance(window, FileBrowser) for window in QApplication.topLevelWidgets())
+
+
+@pytest.mark.parametrize("release", [list.clear, drop_elsewhere, drop_cycle])
+def test_deletes_a_browser_without_a_parent_and_leaves_others(release):
+    before = browsers()
+    release([FileBrowser(None)])
+    assert browsers() - before == (release is drop_elsewhere), "only its own thread may delete it at once"
+    parent = QWidget()
+    release([FileBrowser(parent=parent)])
+    QApplication.sendPostedEvents(None, QEvent.DeferredDelete)
+    assert browsers() == before
+    browser = parent.findChild(FileBrowser)
+    sip.delete(parent)
+    assert sip.isdeleted(browser)
+
+
+def test_browser_and_evaluator_survive_each_other(open_browser, frames):
+    evaluator = type("PassOn", (Halvern.UI.FileSequenceEvaluator,), {"evaluateFiles": lambda self, files: files})()
+    first, second = open_browser(evaluator), open_browser(evaluator)
+    sip.delete(first)
+    assert evaluator.buildFileSequence("one", (1,), (None,)).fileName() == "one"
+    known = weakref.ref(evaluator)
+    del evaluator
+    assert known() is None, "nobody but its host keeps it"
+    second.grab()
+    assert "sh010_a.1.exr" in rows(second)
+    second.setSequencesEnabled(True)
+    assert "sh010_a.#.exr 1-2" in rows(second), "the built-in rules are back"
+    second.setDirectory(QDir("/"))
+    second.setDirectory(QDir(str(frames)))
+    until(lambda: "notes.txt" in rows(second))
