@@ -42,4 +42,14 @@ void print(const char* what, const std::vector<double>& values, double baseline)
                 *std::max_element(values.begin(), values.end()), middle / baseline);
 }
 
+bool printVerdict(const char* what, double value, double limit)
+{
+    const bool holds = limit == 0 || value <= limit;
+    if (limit == 0)
+        std::printf("%-62s %9.2f %9s\n", what, value, "-");
+    else
+        std::printf("%-62s %9.2f %9.2f  %s\n", what, value, limit, holds ? "holds" : "MISSED");
+    return holds;
+}
+
 } // namespace Measuring

@@ -21,4 +21,8 @@ bool makeTree(const QString& folder, int files);
 /// Prints the median, the least and the greatest of the values, and the median in proportion to @p baseline.
 void print(const char* what, const std::vector<double>& values, double baseline);
 
+/// Prints a value beside the most that it may be, and whether it holds; returns that. A limit of 0 stands for
+/// none.
+bool printVerdict(const char* what, double value, double limit);
+
 } // namespace Measuring

@@ -1,186 +1,183 @@
 // Times how a directory of numbered frames comes to the screen, beside what the system needs at least and
-// what Qt's own model needs, all in one run. Usage: listing-benchmark [FILES [ROUNDS]]
+// what Qt's own model needs, all in one run, and says of each value whether it holds. Usage:
+//
+//     listing-benchmark [ROUNDS [FILES]]                makes its trees below the working directory
+//     listing-benchmark --measure KIND FOLDER FILES     one measurement of a tree that is there
+//
+// The second form is what the first runs for every value; it is also the one for a profiler.
 
+#include "ListingMeasurements.h"
 #include "Measuring.h"
-#include "browser/FileBrowser.h"
 #include "widgets/AppSettings.h"
 
 #include <QApplication>
-#include <QElapsedTimer>
-#include <QFile>
-#include <QFileSystemModel>
+#include <QProcess>
 #include <QTemporaryDir>
-#include <QTreeView>
-#include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
-#include <dirent.h>
-#include <functional>
-#include <string>
-#include <sys/stat.h>
-#include <unistd.h>
-#include <vector>
 
 using namespace Measuring;
-using Halvern::UI::FileBrowser;
+using ListingMeasurements::Values;
 
 namespace {
 
-constexpr qint64 TimeLimit = 300000; // milliseconds
+constexpr int TypingFiles = 10000;
+constexpr int ManyFiles = 100000;
+constexpr int MostFiles = 1000000;
 
-struct SystemTimes
+/// What may not be exceeded; 0 for what is only told.
+struct Limits
 {
-    double names = 0;
-    double attributes = 0;
+    double rows;
+    double attributes;
+    double attributesBesideQt;
+    double turn;
+    double expandedTurn;
+    double key;
+    double bytes;
 };
 
-SystemTimes timeSystem(const QString& folder)
+constexpr Limits LimitsForMany = {3, 1.5, 0.33, 50, 120, 100, 300};
+constexpr Limits LimitsForMost = {3.5, 1.6, 0.12, 100, 0, 0, 300};
+
+/// All values of one size, as "collapsed rows" and the like, for every round.
+using Rounds = std::map<QString, std::vector<double>>;
+
+bool measure(const QString& kind, const QString& folder, int files, Rounds& rounds)
 {
-    SystemTimes times;
-    QElapsedTimer timer;
-    timer.start();
-    std::vector<std::string> names;
-    DIR* stream = ::opendir(QFile::encodeName(folder).constData());
-    while (const dirent* entry = ::readdir(stream))
-        names.emplace_back(entry->d_name);
-    times.names = milliseconds(timer);
-    unsigned long long total = 0;
-    for (const std::string& name : names) {
-        struct stat status;
-        if (::fstatat(::dirfd(stream), name.c_str(), &status, 0) == 0)
-            total += static_cast<unsigned long long>(status.st_size);
+    QProcess process;
+    process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    process.start(QCoreApplication::applicationFilePath(),
+                  {QStringLiteral("--measure"), kind, folder, QString::number(files)});
+    process.waitForFinished(-1);
+    bool any = false;
+    for (const QByteArray& line : process.readAllStandardOutput().split('\n')) {
+        const QList<QByteArray> words = line.split(' ');
+        if (words.size() != 2)
+            continue;
+        rounds[kind + QLatin1Char(' ') + QString::fromLatin1(words[0])].push_back(words[1].toDouble());
+        any = true;
     }
-    ::closedir(stream);
-    times.attributes = milliseconds(timer);
-    return total > 0 ? times : SystemTimes();
+    if (!any)
+        std::fprintf(stderr, "listing-benchmark: no %s of %d files\n", qPrintable(kind), files);
+    return any;
 }
 
-// Runs the event loop until the condition holds; returns the longest time in which it did not come to its
-// turn.
-double runUntil(const std::function<bool()>& condition)
+bool measureTree(int files, int rounds, const QStringList& kinds, Rounds& values,
+                 const QStringList& kindsOfFirstRound = {})
 {
-    double longest = 0;
-    QElapsedTimer whole;
-    whole.start();
-    while (!condition() && whole.elapsed() < TimeLimit) {
-        QElapsedTimer turn;
-        turn.start();
-        QCoreApplication::processEvents();
-        longest = std::max(longest, milliseconds(turn));
-        ::usleep(200);
+    const QTemporaryDir tree(QDir::currentPath() + QStringLiteral("/listing-XXXXXX"));
+    if (!tree.isValid() || !makeTree(tree.path(), files)) {
+        std::fprintf(stderr, "listing-benchmark: cannot make %d files below the working directory\n", files);
+        return false;
     }
-    return longest;
+    for (int round = 0; round < rounds; ++round) {
+        for (const QString& kind : round == 0 ? kinds + kindsOfFirstRound : kinds) {
+            if (!measure(kind, tree.path(), files, values))
+                return false;
+        }
+    }
+    return true;
 }
 
-struct BrowserTimes
+double middle(const Rounds& values, const char* name)
 {
-    double rows = 0;
-    double attributes = 0;
-    double longestTurn = 0;
-};
-
-BrowserTimes timeBrowser(const QString& folder, int expectedRows, bool expanded)
-{
-    QTemporaryDir empty;
-    FileBrowser::SetUseLastSavedDir(false);
-    FileBrowser browser;
-    browser.setSequencesEnabled(!expanded);
-    browser.setDirectory(QDir(empty.path()), false, true);
-    browser.resize(1000, 700);
-    browser.show();
-    const QAbstractItemModel& rows = *browser.findChild<QTreeView*>(QStringLiteral("filesList"))->model();
-    QCoreApplication::processEvents();
-
-    BrowserTimes times;
-    const QString wholeSize = QString::number(expanded ? 1 : FramesPerSequence);
-    QElapsedTimer timer;
-    timer.start();
-    browser.setDirectory(QDir(folder), false, true);
-    times.longestTurn = milliseconds(timer);
-    const auto listed = [&] {
-        return rows.rowCount() == expectedRows && rows.index(expectedRows - 1, 0).data().isValid();
-    };
-    times.longestTurn = std::max(times.longestTurn, runUntil(listed));
-    times.rows = milliseconds(timer);
-    // Sizes arrive in the order of the disk, so every row is looked at, from the last that was missing on.
-    int complete = 0;
-    const auto summed = [&] {
-        while (complete < expectedRows && rows.index(complete, 1).data().toString() == wholeSize)
-            ++complete;
-        return complete == expectedRows;
-    };
-    times.longestTurn = std::max(times.longestTurn, runUntil(summed));
-    times.attributes = milliseconds(timer);
-    return times;
+    const auto found = values.find(QLatin1String(name));
+    return found == values.end() ? NAN : median(found->second);
 }
 
-double timeFileSystemModel(const QString& folder, int expectedRows)
+void printValues(const Rounds& values)
 {
-    QFileSystemModel model;
-    QTreeView view;
-    view.setModel(&model);
-    view.resize(1000, 700);
-    view.show();
-    QCoreApplication::processEvents();
+    std::printf("%-30s %11s %11s %11s\n", "measured (ms, bytes, counts)", "median", "least", "most");
+    for (const auto& [name, all] : values)
+        std::printf("%-30s %11.2f %11.2f %11.2f\n", qPrintable(name), median(all),
+                    *std::min_element(all.begin(), all.end()), *std::max_element(all.begin(), all.end()));
+}
 
-    bool loaded = false;
-    QObject::connect(&model, &QFileSystemModel::directoryLoaded, &model,
-                     [&](const QString& path) { loaded = loaded || path == folder; });
-    QElapsedTimer timer;
-    timer.start();
-    const QModelIndex root = model.setRootPath(folder);
-    view.setRootIndex(root);
-    runUntil([&] { return loaded && model.rowCount(root) == expectedRows; });
-    return milliseconds(timer);
+bool judge(const Rounds& values, const Limits& limits)
+{
+    const auto of = [&values](const char* name) { return middle(values, name); };
+    std::printf("\n%-62s %9s %9s\n", "judged", "value", "limit");
+    bool holds =
+        printVerdict("rows collapsed / readdir", of("collapsed rows") / of("system names"), limits.rows);
+    holds &= printVerdict("attributes collapsed / readdir + fstatat",
+                          of("collapsed attributes") / of("system attributes"), limits.attributes);
+    holds &= printVerdict("attributes collapsed / QFileSystemModel with QTreeView",
+                          of("collapsed attributes") / of("qt attributes"), limits.attributesBesideQt);
+    holds &= printVerdict("longest turn collapsed, ms", of("collapsed turn"), limits.turn);
+    holds &= printVerdict("longest turn, a file on each row, ms", of("expanded turn"), limits.expandedTurn);
+    holds &= printVerdict("key typed, a file on each row, ms", of("expanded key"), limits.key);
+    holds &= printVerdict("bytes of memory for each file beyond its records, collapsed",
+                          of("collapsed bytes"), limits.bytes);
+    holds &= printVerdict("the same, a file on each row", of("expanded bytes"), limits.bytes);
+    holds &= printVerdict("entries newly made by a second read", of("expanded entries"), 0.5);
+    return holds;
+}
+
+bool judgeGrowth(const Rounds& many, const Rounds& most)
+{
+    constexpr double LargestGrowth = 12;
+    std::printf("\n%-62s %9s %9s\n", "growth from 100,000 to 1,000,000 files", "value", "limit");
+    bool holds = true;
+    for (const char* name : {"collapsed rows", "collapsed attributes", "collapsed turn", "expanded rows",
+                             "expanded attributes", "expanded turn", "expanded key"})
+        holds &= printVerdict(name, middle(most, name) / middle(many, name), LargestGrowth);
+    return holds;
+}
+
+int printTable(int rounds, int most)
+{
+    const QStringList kinds = {QStringLiteral("system"), QStringLiteral("collapsed"),
+                               QStringLiteral("expanded"), QStringLiteral("qt"), QStringLiteral("memory")};
+    Rounds few;
+    if (!measureTree(TypingFiles, rounds, {QStringLiteral("expanded")}, few))
+        return 2;
+    bool holds = printVerdict("key typed, 10,000 rows, ms", middle(few, "expanded key"), 16);
+    Rounds many;
+    if (!measureTree(ManyFiles, rounds, kinds, many))
+        return 2;
+    std::printf("\n%d files, %d rounds\n", ManyFiles, rounds);
+    printValues(many);
+    holds &= judge(many, LimitsForMany);
+    std::fflush(stdout);
+    if (most < MostFiles)
+        return holds ? 0 : 1;
+    Rounds all;
+    if (!measureTree(MostFiles, rounds, kinds, all, {QStringLiteral("switch")}))
+        return 2;
+    std::printf("\n%d files, %d rounds\n", MostFiles, rounds);
+    printValues(all);
+    holds &= judge(all, LimitsForMost);
+    holds &= printVerdict("leaving in mid-read, ms", middle(all, "switch switch"), 20);
+    holds &= judgeGrowth(many, all);
+    return holds ? 0 : 1;
+}
+
+int printMeasurement(int argc, char** argv)
+{
+    const QApplication application(argc, argv);
+    const QTemporaryDir settings;
+    QSettings::setPath(QSettings::IniFormat, QSettings::UserScope, settings.path());
+    const Values values = ListingMeasurements::measure(QString::fromLocal8Bit(argv[2]),
+                                                       QString::fromLocal8Bit(argv[3]), std::atoi(argv[4]));
+    for (const auto& [name, value] : values)
+        std::printf("%s %.3f\n", qPrintable(name), value);
+    return values.empty() ? 2 : 0;
 }
 
 } // namespace
 
 int main(int argc, char** argv)
 {
-    const int files = argc > 1 ? std::atoi(argv[1]) / FramesPerSequence * FramesPerSequence : 100000;
-    const int rounds = argc > 2 ? std::atoi(argv[2]) : 5;
-    if (files < FramesPerSequence || rounds < 1) {
-        std::fprintf(stderr, "usage: listing-benchmark [FILES [ROUNDS]], at least %d files\n",
-                     FramesPerSequence);
+    if (argc == 5 && qstrcmp(argv[1], "--measure") == 0)
+        return printMeasurement(argc, argv);
+    const QCoreApplication application(argc, argv);
+    const int rounds = argc > 1 ? std::atoi(argv[1]) : 5;
+    const int files = argc > 2 ? std::atoi(argv[2]) : MostFiles;
+    if (rounds < 1 || (files != ManyFiles && files != MostFiles)) {
+        std::fprintf(stderr, "usage: listing-benchmark [ROUNDS [%d or %d]]\n", ManyFiles, MostFiles);
         return 2;
     }
-    const QApplication application(argc, argv);
-    const QTemporaryDir settings;
-    QSettings::setPath(QSettings::IniFormat, QSettings::UserScope, settings.path());
-    QTemporaryDir tree(QDir::currentPath() + QStringLiteral("/listing-XXXXXX"));
-    if (!tree.isValid() || !makeTree(tree.path(), files)) {
-        std::fprintf(stderr, "listing-benchmark: cannot make %d files below the working directory\n", files);
-        return 1;
-    }
-
-    std::vector<double> names, attributes, rows, whole, turn, expandedRows, expandedWhole, expandedTurn, qt;
-    for (int round = 0; round < rounds; ++round) {
-        const SystemTimes system = timeSystem(tree.path());
-        names.push_back(system.names);
-        attributes.push_back(system.attributes);
-        const BrowserTimes collapsed = timeBrowser(tree.path(), files / FramesPerSequence, false);
-        rows.push_back(collapsed.rows);
-        whole.push_back(collapsed.attributes);
-        turn.push_back(collapsed.longestTurn);
-        const BrowserTimes expanded = timeBrowser(tree.path(), files, true);
-        expandedRows.push_back(expanded.rows);
-        expandedWhole.push_back(expanded.attributes);
-        expandedTurn.push_back(expanded.longestTurn);
-        qt.push_back(timeFileSystemModel(tree.path(), files));
-    }
-    std::printf("%d files in sequences of %d frames, %d rounds, milliseconds\n", files, FramesPerSequence,
-                rounds);
-    std::printf("%-52s %9s %9s %9s %8s\n", "", "median", "least", "most", "ratio");
-    print("names, readdir into strings", names, median(names));
-    print("rows, collapsed (ratio: to readdir)", rows, median(names));
-    print("attributes, readdir and fstatat", attributes, median(attributes));
-    print("attributes, collapsed (ratio: to fstatat)", whole, median(attributes));
-    print("attributes, QFileSystemModel and QTreeView", qt, median(attributes));
-    print("attributes, collapsed (ratio: to QFileSystemModel)", whole, median(qt));
-    print("rows, a file on each (ratio: to readdir)", expandedRows, median(names));
-    print("attributes, a file on each (ratio: to fstatat)", expandedWhole, median(attributes));
-    print("longest turn, collapsed (ratio: to readdir)", turn, median(names));
-    print("longest turn, a file on each (ratio: to readdir)", expandedTurn, median(names));
-    return 0;
+    return printTable(rounds, files);
 }

@@ -43,7 +43,11 @@ set(COREUI_PYTHON_DIR lib/python3/dist-packages)
 set(link ${PROJECT_BINARY_DIR}/python/_HvMirefoldCoreUI.abi3.so)
 file(MAKE_DIRECTORY ${PROJECT_BINARY_DIR}/python)
 file(CREATE_LINK ../../_HvMirefoldCoreUI.abi3.so ${link} SYMBOLIC)
-install(FILES ${link} ${COREUI_TYPE_STUB} DESTINATION ${COREUI_PYTHON_DIR})
+install(FILES ${link} DESTINATION ${COREUI_PYTHON_DIR})
+# The types of the module, for editors and type checkers, beside both.
+foreach(folder IN ITEMS ${COREUI_PYTHON_DIR} ${CMAKE_INSTALL_LIBDIR})
+    install(FILES ${COREUI_TYPE_STUB} DESTINATION ${folder})
+endforeach()
 
 set_target_properties(CoreUI PROPERTIES EXPORT_NAME CoreUI)
 install(TARGETS CoreUI EXPORT HvMirefoldCoreUITargets LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})

@@ -142,6 +142,7 @@ void FileBrowser::DirectoryModel::setDirectory(const QDir& dir, SequenceMode /*m
     } else if (entriesDied || (!force && dir != directory)) {
         beginResetModel();
         entries.clear();
+        ++revision;
         entriesGeneration = manager.generation();
         endResetModel();
     }
@@ -189,6 +190,7 @@ void FileBrowser::DirectoryModel::buildRunningList()
         manager.buildRunningList(&entries, splitSequences ? FileHandle::RegisteredSplitSequences
                                                           : FileHandle::RegisteredSequences);
     entriesGeneration = manager.generation();
+    ++revision;
     listReady = true;
     if (entry(hovered) != hoveredEntry)
         hovered = -1;

@@ -67,6 +67,10 @@ public:
 
     /// False while a read is under way whose rows were not built yet.
     bool isListReady() const { return listReady; }
+    /// The rows in source order; to be looked at while isListReady() only.
+    const std::vector<FileInfo*>& rows() const { return entries; }
+    /// Changes whenever rows() or the names of its entries do.
+    unsigned rowsRevision() const { return revision; }
     /// The entry of a row, borrowed; null where there is none to follow.
     FileInfo* entry(int row) const;
     /// The entry of a row that is known to be there.
@@ -94,6 +98,7 @@ private:
     FileBrowser* browser;
     std::vector<FileInfo*> entries;
     unsigned entriesGeneration = 0; // of the manager when the entries were taken
+    unsigned revision = 1;
     FileManager manager;
     SequenceMode sequenceMode = SequenceMode::Expanded;
     bool splitSequences = false;

@@ -2,6 +2,7 @@
 
 #include "base/Text.h"
 #include "browser/DirectoryModel.h"
+#include "browser/RowRanks.h"
 
 #include <algorithm>
 #include <cstring>
@@ -13,8 +14,7 @@ namespace {
 // Names with equal keys come before each other in both directions, and so does the answer.
 bool nameLess(const FileInfo& left, const FileInfo& right)
 {
-    constexpr std::size_t KeyedLength = 129;
-    if (left.getFilenameLength() < KeyedLength && right.getFilenameLength() < KeyedLength)
+    if (RowRanks::isKeyed(left) && RowRanks::isKeyed(right))
         return std::strcmp(left.getStringSortName(), right.getStringSortName()) <= 0;
     return std::strcoll(left.displayName(), right.displayName()) <= 0;
 }
@@ -36,6 +36,8 @@ FileBrowser::ProxyModel::ProxyModel(FileBrowser* owner)
 {
     setDynamicSortFilter(false);
     setSortCaseSensitivity(Qt::CaseInsensitive);
+    // Before the connections of the base class, which show the rows at once.
+    connect(owner->directoryModel, SIGNAL(modelReset()), this, SLOT(forgetRanks()));
     setSourceModel(owner->directoryModel);
 }
 
@@ -88,9 +90,18 @@ void FileBrowser::ProxyModel::apply()
         invalidate();
 }
 
+void FileBrowser::ProxyModel::sort(int column, Qt::SortOrder order)
+{
+    forgetRanks();
+    QSortFilterProxyModel::sort(column, order);
+}
+
 bool FileBrowser::ProxyModel::filterAcceptsRow(int sourceRow, const QModelIndex& /*sourceParent*/) const
 {
     const DirectoryModel& model = *browser->directoryModel;
+    // Filtering begins here, and sorting follows it; sizes and times may have arrived.
+    if (sourceRow == 0)
+        rankedColumn = NoColumn;
     if (!model.isListReady())
         return true;
     const FileInfo* info = model.entry(sourceRow);
@@ -126,13 +137,46 @@ bool FileBrowser::ProxyModel::matchesPrefix(const char* name) const
            });
 }
 
+// None while there are no rows to rank.
+void FileBrowser::ProxyModel::findRanks(int column) const
+{
+    const DirectoryModel& model = *browser->directoryModel;
+    rankedColumn = column;
+    ranks.clear();
+    if (!model.isListReady())
+        return;
+    if (namedRevision != model.rowsRevision()) {
+        nameRanks = RowRanks::byName(model.rows());
+        namedRevision = model.rowsRevision();
+    }
+    if (column == DirectoryModel::SizeColumn)
+        ranks = RowRanks::bySize(model.rows(), nameRanks);
+    else if (column == DirectoryModel::ModifiedColumn)
+        ranks = RowRanks::byTime(model.rows());
+    else
+        ranks = nameRanks;
+}
+
 bool FileBrowser::ProxyModel::lessThan(const QModelIndex& left, const QModelIndex& right) const
 {
+    const int column = left.column();
+    if (column != right.column())
+        return false;
+    if (column != rankedColumn)
+        findRanks(column);
+    const auto leftRow = static_cast<std::size_t>(left.row());
+    const auto rightRow = static_cast<std::size_t>(right.row());
+    if (leftRow < ranks.size() && rightRow < ranks.size()) {
+        const int leftRank = ranks[leftRow];
+        const int rightRank = ranks[rightRow];
+        if (leftRank != RowRanks::None && rightRank != RowRanks::None)
+            return column == DirectoryModel::ModifiedColumn ? leftRank < rightRank : leftRank <= rightRank;
+    }
     const FileInfo* leftInfo = browser->directoryModel->entry(left.row());
     const FileInfo* rightInfo = browser->directoryModel->entry(right.row());
-    if (left.column() != right.column() || !leftInfo || !rightInfo)
+    if (!leftInfo || !rightInfo)
         return false;
-    switch (left.column()) {
+    switch (column) {
     case DirectoryModel::NameColumn:
         return nameLess(*leftInfo, *rightInfo);
     case DirectoryModel::SizeColumn:

@@ -6,12 +6,14 @@
 #include <QSortFilterProxyModel>
 #include <QVector>
 #include <string>
+#include <vector>
 
 namespace Halvern::UI {
 
 /// Filters and orders the rows of a DirectoryModel: hides names that begin with ".", applies the wildcard
 /// filter and the typed name prefix, and sorts. It filters and sorts when it is told to, not when data
-/// change.
+/// change. The order of the names is found once for the rows that the model has built, and kept until it
+/// builds them anew.
 class FileBrowser::ProxyModel : public QSortFilterProxyModel
 {
     Q_OBJECT
@@ -36,20 +38,33 @@ public:
     void setFilterBlocked(bool blocked) { filterBlocked = blocked; }
     /// Filters and sorts afresh. While a read is under way nothing happens: the rows are built anew after it.
     void apply();
+    void sort(int column, Qt::SortOrder order = Qt::AscendingOrder) override;
+
+private slots:
+    void forgetRanks() { rankedColumn = NoColumn; }
 
 protected:
     bool filterAcceptsRow(int sourceRow, const QModelIndex& sourceParent) const override;
     bool lessThan(const QModelIndex& left, const QModelIndex& right) const override;
 
 private:
+    static constexpr int NoColumn = -1;
+
     bool matchesPattern(const char* name) const;
     bool matchesPrefix(const char* name) const;
+    void findRanks(int column) const;
 
     std::string namePrefix;
     QString filterPattern;
     QVector<QRegularExpression> filterExpressions; // one for each pattern of filterPattern
     FileBrowser* browser;
     bool filterBlocked = false;
+
+    // See RowRanks. The first comparison of a sorting finds them.
+    mutable std::vector<int> nameRanks;
+    mutable unsigned namedRevision = 0; // of the rows that have name ranks
+    mutable std::vector<int> ranks;     // of the column by which it is being sorted
+    mutable int rankedColumn = NoColumn;
 };
 
 } // namespace Halvern::UI

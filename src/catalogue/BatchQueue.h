@@ -11,17 +11,19 @@ namespace Halvern::UI {
 
 /// Hands records over from one worker thread to the GUI thread in batches of a fixed size.
 ///
-/// The worker fills one batch after the other; the GUI thread takes complete batches only, in order. The
-/// vector of batches is enlarged a thousand slots at a time, and that and the taking exclude each other
-/// through the in-use flag. Nothing else is ever moved under a reader.
+/// The worker fills one batch after the other; the GUI thread takes complete batches only, in order, and may
+/// give them back to be filled again. The vector of batches is enlarged a thousand slots at a time, and that,
+/// the taking and the giving back exclude each other through the in-use flag. Nothing else is ever moved
+/// under a reader.
 template <class Record>
 class BatchQueue
 {
 public:
     using Batch = std::vector<Record>;
-    using BatchPointer = std::shared_ptr<const Batch>;
+    using BatchPointer = std::shared_ptr<Batch>;
 
     static constexpr std::size_t SlotGrowth = 1000;
+    static constexpr std::size_t MostSpares = 4; ///< Batches that are kept to be filled again.
 
     /// @p batchSize is the number of records of a full batch.
     explicit BatchQueue(std::size_t batchSize)
@@ -32,10 +34,8 @@ public:
     /// Worker only: adds a record. True when it completed a batch.
     bool append(const Record& record)
     {
-        if (!m_filling) {
-            m_filling = std::make_shared<Batch>();
-            m_filling->reserve(m_batchSize);
-        }
+        if (!m_filling)
+            m_filling = freshBatch();
         m_filling->push_back(record);
         return m_filling->size() == m_batchSize && publish();
     }
@@ -43,40 +43,52 @@ public:
     /// Worker only: completes a batch that holds fewer records. False when there is none.
     bool finish() { return m_filling && publish(); }
 
-    /// Worker only: the complete batches, each of which stays until release() or reset().
-    std::size_t completeCount() const { return m_complete.load(std::memory_order_relaxed); }
-    const Batch& complete(std::size_t index) const { return *m_slots[index]; }
-
-    /// Worker only: the worker is done with a batch, in order. It goes when the GUI thread has taken it too.
-    void release(std::size_t index)
+    /// Any thread: the complete batches that wait to be taken, at this moment.
+    std::size_t waiting() const
     {
-        std::shared_ptr<Batch> dropped; // freed when the flag is down again
-        const InUse guard(m_inUse);
-        m_released = index + 1;
-        if (index < m_next)
-            dropped.swap(m_slots[index]);
+        const std::size_t taken = m_next.load(std::memory_order_relaxed);
+        return m_complete.load(std::memory_order_relaxed) - taken;
     }
 
-    /// GUI thread only: the next complete batch, or null. The worker may go on reading it.
+    /// GUI thread only: the next complete batch, or null.
     BatchPointer take()
     {
         if (!hasNext())
             return nullptr;
         const InUse guard(m_inUse);
-        std::shared_ptr<Batch>& slot = m_slots[m_next++];
-        return m_next <= m_released ? std::move(slot) : slot;
+        const std::size_t slot = m_next.load(std::memory_order_relaxed);
+        m_next.store(slot + 1, std::memory_order_relaxed);
+        return std::move(m_slots[slot]);
+    }
+
+    /// GUI thread only: @p batch is not needed any more.
+    void giveBack(BatchPointer batch)
+    {
+        const InUse guard(m_inUse);
+        if (m_spares.size() < MostSpares)
+            m_spares.push_back(std::move(batch));
+    }
+
+    /// Any thread: frees what was given back and not filled again.
+    void dropSpares()
+    {
+        std::vector<BatchPointer> dropped; // freed when the flag is down again
+        const InUse guard(m_inUse);
+        dropped.swap(m_spares);
     }
 
     /// GUI thread only: whether a complete batch waits to be taken.
-    bool hasNext() const { return m_next < m_complete.load(std::memory_order_acquire); }
+    bool hasNext() const
+    {
+        return m_next.load(std::memory_order_relaxed) < m_complete.load(std::memory_order_acquire);
+    }
 
     /// GUI thread only, while no worker runs: forgets all batches. They are returned, so that freeing them
     /// can be left to another thread.
-    std::vector<std::shared_ptr<Batch>> reset()
+    std::vector<BatchPointer> reset()
     {
         m_complete = 0;
         m_next = 0;
-        m_released = 0;
         m_filling.reset();
         return std::exchange(m_slots, {});
     }
@@ -99,9 +111,29 @@ private:
         std::atomic_flag& m_flag;
     };
 
+    BatchPointer freshBatch()
+    {
+        BatchPointer batch = spareBatch();
+        if (!batch)
+            batch = std::make_shared<Batch>();
+        batch->clear();
+        batch->reserve(m_batchSize);
+        return batch;
+    }
+
+    BatchPointer spareBatch()
+    {
+        const InUse guard(m_inUse);
+        if (m_spares.empty())
+            return nullptr;
+        BatchPointer batch = std::move(m_spares.back());
+        m_spares.pop_back();
+        return batch;
+    }
+
     bool publish()
     {
-        const std::size_t slot = completeCount();
+        const std::size_t slot = m_complete.load(std::memory_order_relaxed);
         if (slot == m_slots.size()) {
             const InUse guard(m_inUse);
             m_slots.resize(slot + SlotGrowth);
@@ -112,11 +144,11 @@ private:
     }
 
     const std::size_t m_batchSize;
-    std::shared_ptr<Batch> m_filling;            // worker only
-    std::vector<std::shared_ptr<Batch>> m_slots; // enlarged by the worker; guarded by m_inUse
-    std::atomic<std::size_t> m_complete{0};      // written by the worker, read by both
-    std::size_t m_next = 0;                      // changed by the GUI thread; guarded by m_inUse
-    std::size_t m_released = 0;                  // changed by the worker; guarded by m_inUse
+    BatchPointer m_filling;                 // worker only
+    std::vector<BatchPointer> m_slots;      // enlarged by the worker; guarded by m_inUse
+    std::vector<BatchPointer> m_spares;     // guarded by m_inUse
+    std::atomic<std::size_t> m_complete{0}; // written by the worker, read by both
+    std::atomic<std::size_t> m_next{0};     // written by the GUI thread, read by both
     std::atomic_flag m_inUse = ATOMIC_FLAG_INIT;
 };
 

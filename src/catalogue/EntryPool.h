@@ -3,12 +3,13 @@
 #include "catalogue/FileInfo.h"
 
 #include <cstddef>
+#include <mutex>
 #include <vector>
 
 namespace Halvern::UI {
 
 /// Makes and owns entries in contiguous blocks. Entries stay where they are until clear(); the memory of a
-/// block is kept for the next entries until the pool goes. One thread at a time.
+/// block is kept for the next entries until the pool goes. One thread at a time, but for prepareBlock().
 class EntryPool
 {
 public:
@@ -21,14 +22,27 @@ public:
 
     /// A fresh entry, FileInfo(), owned by the pool.
     FileInfo* create();
-    /// Destroys every entry and begins again with the first block.
+    /// Gives up every entry and begins again with the first block. What an entry owns is freed when its place
+    /// is used again, or when the pool goes, so that this takes no time however many entries there are.
     void clear();
     /// Blocks obtained so far; grows only where more entries are alive than ever before.
-    std::size_t blockCount() const { return m_blocks.size(); }
+    std::size_t blockCount() const;
+
+    /// Gets a block ahead of its use, with all its memory in place: the system is slow to give memory that is
+    /// touched for the first time. False where @p entries entries would not fill it, besides those that the
+    /// pool has. May be called by any thread while the pool lives.
+    bool prepareBlock(std::size_t entries);
 
 private:
-    std::vector<FileInfo*> m_blocks; // raw memory; m_used entries of it are constructed
-    std::size_t m_used = 0;
+    FileInfo* takeBlock();
+
+    std::vector<FileInfo*> m_blocks; // raw memory in use; m_constructed entries of it are constructed
+    std::size_t m_used = 0;          // the others are left from before clear()
+    std::size_t m_constructed = 0;
+
+    mutable std::mutex m_mutex;        // guards what is below
+    std::vector<FileInfo*> m_prepared; // raw memory
+    std::size_t m_blockCount = 0;
 };
 
 } // namespace Halvern::UI

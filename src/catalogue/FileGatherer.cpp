@@ -3,6 +3,7 @@
 #include "base/FileSystem.h"
 #include "base/Text.h"
 
+#include <cstring>
 #include <dirent.h>
 #include <fcntl.h>
 #include <iterator>
@@ -11,6 +12,8 @@
 namespace Halvern::UI {
 
 namespace {
+
+constexpr std::size_t PatientlyWaiting = 4; // batches that keep the GUI thread busy
 
 // The type of an entry for which the file system gave none.
 int queriedKind(int folder, const char* name)
@@ -32,7 +35,8 @@ FileInfoWrapper queriedInfo(int folder, const char* name)
 
 } // namespace
 
-FileGatherer::FileGatherer()
+FileGatherer::FileGatherer(Preparation preparation)
+    : m_preparation(std::move(preparation))
 {
     setObjectName(QStringLiteral("FileGatherer"));
     connect(this, SIGNAL(finished()), this, SLOT(threadFinished()));
@@ -55,8 +59,8 @@ void FileGatherer::prepare(const std::string& directory)
 void FileGatherer::discardBatches()
 {
     auto names = m_names.reset();
-    m_discardedNames.insert(m_discardedNames.end(), std::make_move_iterator(names.begin()),
-                            std::make_move_iterator(names.end()));
+    m_garbage.insert(m_garbage.end(), std::make_move_iterator(names.begin()),
+                     std::make_move_iterator(names.end()));
     m_infos.reset();
     m_allNamesRead = false;
     m_namesAnnounced = false;
@@ -98,14 +102,25 @@ bool FileGatherer::takeNamesFinished()
     return true;
 }
 
+bool FileGatherer::hasArrivals() const
+{
+    if (m_namesAnnounced)
+        return m_infos.hasNext();
+    return m_names.hasNext() || m_allNamesRead;
+}
+
 void FileGatherer::run()
 {
-    m_discardedNames.clear();
+    m_readNames.clear();
+    m_readCount = 0;
     const int folder = ::open(m_directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     readNames(folder);
     readAttributes(folder);
     if (folder >= 0)
         ::close(folder);
+    m_names.dropSpares();
+    while (m_keepRunning && !m_garbage.empty())
+        m_garbage.pop_back();
 }
 
 void FileGatherer::readNames(int folder)
@@ -122,8 +137,13 @@ void FileGatherer::readNames(int folder)
             break;
         Base::copyTruncated(record.name, entry->d_name);
         record.kind = entry->d_type == DT_UNKNOWN ? queriedKind(folder, entry->d_name) : entry->d_type;
-        if (m_names.append(record))
+        if (m_readCount++ % NameBatchSize == 0)
+            m_readNames.emplace_back();
+        m_readNames.back().append(record.name).push_back('\0');
+        if (m_names.append(record)) {
             emit fileNameBatchReady();
+            prepareWhileWaited(PatientlyWaiting);
+        }
     }
     if (stream)
         ::closedir(stream);
@@ -133,18 +153,27 @@ void FileGatherer::readNames(int folder)
         emit fileNameBatchReady();
     m_allNamesRead = true;
     emit fileNameFinished(false);
+    prepareWhileWaited(0);
+}
+
+// Making entries of names takes longer than reading them, above all for want of memory to make them in.
+void FileGatherer::prepareWhileWaited(std::size_t mostWaiting)
+{
+    while (m_preparation && m_keepRunning && m_names.waiting() > mostWaiting && m_preparation(m_readCount)) {
+    }
 }
 
 void FileGatherer::readAttributes(int folder)
 {
-    for (std::size_t batch = 0; batch < m_names.completeCount(); ++batch) {
-        for (const FileNameRecord& record : m_names.complete(batch)) {
+    for (std::string& batch : m_readNames) {
+        const char* const end = batch.data() + batch.size();
+        for (const char* name = batch.data(); name != end; name += std::strlen(name) + 1) {
             if (!m_keepRunning)
                 return;
-            if (m_infos.append(queriedInfo(folder, record.name)))
+            if (m_infos.append(queriedInfo(folder, name)))
                 emit fileInfoBatchReady();
         }
-        m_names.release(batch);
+        batch = std::string();
     }
     if (m_keepRunning && m_infos.finish())
         emit fileInfoBatchReady();

@@ -5,7 +5,10 @@
 
 #include <QThread>
 #include <atomic>
+#include <functional>
+#include <memory>
 #include <string>
+#include <vector>
 
 namespace Halvern::UI {
 
@@ -32,7 +35,11 @@ public:
     using NameQueue = BatchQueue<FileNameRecord>;
     using InfoQueue = BatchQueue<FileInfoWrapper>;
 
-    FileGatherer();
+    /// What the worker does while the GUI thread lags behind, a little at each call, for the given number of
+    /// names that have been read; false where nothing is left to do.
+    using Preparation = std::function<bool(std::size_t names)>;
+
+    explicit FileGatherer(Preparation preparation = nullptr);
     ~FileGatherer() override;
 
     /// Begins to read @p directory on the worker thread. No run may be under way.
@@ -45,11 +52,20 @@ public:
 
     /// The next complete batch of names, or null.
     NameQueue::BatchPointer takeNames() { return m_names.take(); }
+    /// A batch of names that was taken is not needed any more.
+    void giveBackNames(NameQueue::BatchPointer batch) { m_names.giveBack(std::move(batch)); }
     /// The next complete batch of attributes, or null; null also before takeNamesFinished() has said true, so
     /// that attributes never arrive before their names.
     InfoQueue::BatchPointer takeInfos();
     /// True once in a run: when all its names were read and taken.
     bool takeNamesFinished();
+    /// Whether takeNames() has something to give.
+    bool hasNames() const { return m_names.hasNext(); }
+    /// Whether one of the three has something to give.
+    bool hasArrivals() const;
+
+    /// Leaves the end of something large to the worker, which has time for it after its next run.
+    void discard(std::shared_ptr<void> garbage) { m_garbage.push_back(std::move(garbage)); }
 
 signals:
     void fileNameBatchReady();
@@ -69,10 +85,16 @@ private:
     void discardBatches();
     void readNames(int folder);
     void readAttributes(int folder);
+    void prepareWhileWaited(std::size_t mostWaiting);
 
     // Set by the GUI thread while no worker runs, read by the worker.
     std::string m_directory;
-    std::vector<std::shared_ptr<NameQueue::Batch>> m_discardedNames; // emptied by the worker
+    std::vector<std::shared_ptr<void>> m_garbage; // emptied by the worker
+
+    // Worker only.
+    const Preparation m_preparation;
+    std::vector<std::string> m_readNames; // one text for each batch, every name terminated
+    std::size_t m_readCount = 0;
 
     // Shared by both threads.
     std::atomic<bool> m_keepRunning{false};

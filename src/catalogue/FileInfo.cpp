@@ -168,7 +168,7 @@ void FileInfo::setNumberOfHashes(int digits, bool padded, bool assumeZeroPadding
 
 void FileInfo::insertSequenceFile(int frame, FileInfo* file)
 {
-    m_sequenceFiles.emplace(frame, file);
+    m_sequenceFiles.try_emplace(m_sequenceFiles.end(), frame, file);
     ++m_sequenceFileCount;
 }
 
@@ -203,6 +203,10 @@ bool FileInfo::collectFrameRanges()
     if (m_sequenceFiles.empty())
         return false;
     int runStart = m_sequenceFiles.begin()->first;
+    // As many frames as there are from the first to the last: nothing is missing, without a walk over them.
+    const long long span = static_cast<long long>(m_sequenceFiles.rbegin()->first) - runStart + 1;
+    if (span == static_cast<long long>(m_sequenceFiles.size()))
+        return false;
     int previous = runStart;
     for (const auto& member : m_sequenceFiles) {
         if (static_cast<long long>(member.first) - previous >= 2) {

@@ -1,61 +1,110 @@
 #include "catalogue/FileInfoList.h"
 
 #include "base/FileSystem.h"
+#include "base/TextOrder.h"
 #include "catalogue/FrameName.h"
 #include "catalogue/FrameRun.h"
 #include "catalogue/NaturalOrder.h"
 
-#include <cstdlib>
+#include <cerrno>
+#include <cstring>
 #include <dirent.h>
+#include <numeric>
 #include <utility>
 
 namespace Halvern::UI {
 
 namespace {
 
-int compareEntries(const dirent** a, const dirent** b)
-{
-    return NaturalOrder::compare((*a)->d_name, (*b)->d_name);
-}
-
-int compareEntriesForSequences(const dirent** a, const dirent** b)
-{
-    return NaturalOrder::compareForSequences((*a)->d_name, (*b)->d_name);
-}
-
-/// The names of a directory, sorted.
+/// The names of a directory, sorted. They stand one behind the other in one piece of memory, and so do the
+/// keys that are compared: names that lie scattered make sorting wait for memory, the longer the more there
+/// are.
 class DirectoryScan
 {
 public:
     DirectoryScan(const QByteArray& folder, bool forSequences)
         : m_folder(folder)
-        , m_count(::scandir(folder.constData(), &m_entries, nullptr,
-                            forSequences ? compareEntriesForSequences : compareEntries))
     {
-    }
-    DirectoryScan(const DirectoryScan&) = delete;
-    DirectoryScan& operator=(const DirectoryScan&) = delete;
-    ~DirectoryScan()
-    {
-        for (int i = 0; i < m_count; ++i)
-            std::free(m_entries[i]);
-        std::free(m_entries);
+        DIR* stream = ::opendir(folder.constData());
+        m_complete = stream && read(stream);
+        const int error = errno;
+        if (stream)
+            ::closedir(stream);
+        errno = error;
+        if (m_complete)
+            sort(NaturalOrder(forSequences ? NaturalOrder::DecideLast : NaturalOrder::DecideAtOnce));
     }
 
-    int count() const { return m_count; }
-    const char* name(int index) const { return m_entries[index]->d_name; }
+    /// Negative where the directory could not be read, with the reason in `errno`.
+    int count() const { return m_complete ? static_cast<int>(m_sorted.size()) : -1; }
+    /// To be asked for one after the other: the names a little further on are fetched meanwhile.
+    const char* name(int index) const
+    {
+        constexpr int Ahead = 16;
+        if (index + Ahead < count())
+            __builtin_prefetch(m_names.data() + entry(index + Ahead).begin);
+        return m_names.data() + entry(index).begin;
+    }
     bool isDirectory(int index) const
     {
-        const unsigned char type = m_entries[index]->d_type;
+        const unsigned char type = entry(index).type;
         if (type == DT_DIR || type == DT_REG)
             return type == DT_DIR;
         return Base::isDirectory((m_folder + '/' + name(index)).constData());
     }
 
 private:
+    struct Entry
+    {
+        std::size_t begin; // in the names
+        unsigned char type;
+    };
+
+    bool read(DIR* stream)
+    {
+        errno = 0;
+        while (const dirent* read = ::readdir(stream)) {
+            m_entries.push_back({m_names.size(), read->d_type});
+            m_names.insert(m_names.end(), read->d_name, read->d_name + std::strlen(read->d_name) + 1);
+        }
+        return errno == 0;
+    }
+
+    void sort(const NaturalOrder& order)
+    {
+        std::vector<char> keys;
+        std::vector<std::size_t> begins;
+        begins.reserve(m_entries.size());
+        for (const Entry& one : m_entries) {
+            begins.push_back(keys.size());
+            order.appendKey(m_names.data() + one.begin, keys);
+        }
+        std::vector<const char*> texts;
+        texts.reserve(begins.size());
+        for (const std::size_t begin : begins)
+            texts.push_back(keys.data() + begin);
+        // By counting; a directory that changes while it is read may give a name twice.
+        const std::vector<int> ranks = Base::textRanks(texts);
+        std::vector<int> places(ranks.size() + 1);
+        for (const int rank : ranks)
+            ++places[static_cast<std::size_t>(rank) + 1];
+        std::partial_sum(places.begin(), places.end(), places.begin());
+        std::vector<int> indexes(ranks.size());
+        for (std::size_t i = 0; i < ranks.size(); ++i)
+            indexes[static_cast<std::size_t>(places[static_cast<std::size_t>(ranks[i])]++)] =
+                static_cast<int>(i);
+        m_sorted.reserve(indexes.size());
+        for (const int index : indexes)
+            m_sorted.push_back(m_entries[static_cast<std::size_t>(index)]);
+    }
+
+    const Entry& entry(int index) const { return m_sorted[static_cast<std::size_t>(index)]; }
+
     QByteArray m_folder;
-    dirent** m_entries = nullptr;
-    int m_count;
+    std::vector<char> m_names;    // each terminated
+    std::vector<Entry> m_entries; // as they were read
+    std::vector<Entry> m_sorted;
+    bool m_complete = false;
 };
 
 std::vector<ListedName> listPlain(const DirectoryScan& scan)

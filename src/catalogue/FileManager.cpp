@@ -3,6 +3,8 @@
 #include "base/Text.h"
 #include "catalogue/FileGatherer.h"
 
+#include <QPointer>
+#include <QTimer>
 #include <dirent.h>
 
 namespace Halvern::UI {
@@ -10,6 +12,7 @@ namespace Halvern::UI {
 namespace {
 
 constexpr std::size_t TypicalFileCount = 4000;
+constexpr qint64 TurnShare = 8; // milliseconds
 
 constexpr const char* builtInSequenceExtensions[] = {
     "arri",  "ari",   "bmp",   "cin", "crw",  "cr2",  "dpx",   "dng",    "exr", "fpi",
@@ -28,8 +31,12 @@ bool canOpenDirectory(const std::string& path)
 } // namespace
 
 FileManager::FileManager()
-    : gatherer(std::make_unique<FileGatherer>())
+    : gatherer(std::make_unique<FileGatherer>([this](std::size_t names) { return pool.prepareBlock(names); }))
+    , arrivalsTimer(new QTimer(this))
 {
+    arrivalsTimer->setSingleShot(true);
+    arrivalsTimer->setTimerType(Qt::PreciseTimer);
+    connect(arrivalsTimer, SIGNAL(timeout()), this, SLOT(takeArrivals()));
     files.reserve(TypicalFileCount);
     sequenceOf.reserve(TypicalFileCount);
     setInitialSequenceExtensions();
@@ -136,18 +143,31 @@ void FileManager::insertFiles()
 
 void FileManager::cleanData()
 {
-    entriesByName.clear();
+    grownPatterns.clear();
+    patterns.clear();
+    discard(entriesByName);
+    discard(splitFollowers);
+    discard(hostFollowers);
     files.clear();
     sequenceOf.clear();
     sequences.clear();
     sequencesInUse = 0;
     forgetSplitSequences();
-    forgetFollowers();
     unsummed.clear();
     infoCursor = 0;
     splitIndex = 0;
     pool.clear();
     ++entryGeneration;
+}
+
+// Freeing a node for each of a million files takes longer than a click may.
+template <class Container>
+void FileManager::discard(Container& container)
+{
+    if (gatherer->isRunning())
+        container.clear();
+    else if (!container.empty())
+        gatherer->discard(std::make_shared<Container>(std::exchange(container, Container())));
 }
 
 void FileManager::updateInfo(const std::vector<FileInfoWrapper>* batch, bool announce)
@@ -156,6 +176,7 @@ void FileManager::updateInfo(const std::vector<FileInfoWrapper>* batch, bool ann
         return;
     if (reevaluationEnabled)
         reevaluateSequences();
+    addArrivedMembers();
     const int first = infoCursor;
     for (const FileInfoWrapper& info : *batch) {
         const auto index = static_cast<std::size_t>(infoCursor);
@@ -212,25 +233,83 @@ void FileManager::forgetFollowers()
     hostFollowers.clear();
 }
 
-void FileManager::fileNameBatchReady()
+// Qt delivers all that was posted before it looks at the mouse or a timer again, and the worker can post as
+// fast as this thread works it off. So there is a share for each turn of the event loop; what is beyond it
+// waits for the timer, which becomes due in the turn and is served in the next.
+bool FileManager::mayTakeNow()
+{
+    if (readingSynchronously || sender() != gatherer.get())
+        return true;
+    if (!arrivalsTimer->isActive())
+        beginTurn();
+    return !turnIsOver();
+}
+
+void FileManager::beginTurn()
+{
+    turn.start();
+    arrivalsTimer->start(1);
+}
+
+bool FileManager::turnIsOver() const
+{
+    return turn.elapsed() >= TurnShare;
+}
+
+void FileManager::takeArrivals()
+{
+    if (!gatherer->hasArrivals())
+        return;
+    beginTurn();
+    const QPointer<FileManager> alive(this);
+    while (alive && gatherer->hasArrivals() && !turnIsOver()) {
+        if (gatherer->hasNames())
+            takeNames();
+        else if (!addArrivedMembersInTurn())
+            return;
+        else if (gatherer->takeNamesFinished())
+            announceNames(false);
+        else if (const auto infos = gatherer->takeInfos())
+            updateInfo(infos.get(), true);
+    }
+}
+
+void FileManager::takeNames()
 {
     if (auto names = gatherer->takeNames()) {
-        pendingNames = std::move(names);
+        pendingNames = names;
         insertFiles();
+        gatherer->giveBackNames(std::move(names));
     }
+}
+
+void FileManager::fileNameBatchReady()
+{
+    if (mayTakeNow())
+        takeNames();
 }
 
 void FileManager::fileInfoBatchReady()
 {
+    if (!mayTakeNow())
+        return;
     const auto infos = gatherer->takeInfos();
     updateInfo(infos.get(), true);
 }
 
 void FileManager::fileNameFinished(bool withInfo)
 {
-    // A stopped run may have left its announcement in the queue.
-    if (sender() == gatherer.get() && !gatherer->takeNamesFinished())
+    const bool announced = sender() == gatherer.get();
+    if (!mayTakeNow())
         return;
+    // A stopped run may have left its announcement in the queue, and names may still wait for their turn.
+    if (announced && (gatherer->hasNames() || !addArrivedMembersInTurn() || !gatherer->takeNamesFinished()))
+        return;
+    announceNames(withInfo);
+}
+
+void FileManager::announceNames(bool withInfo)
+{
     if (withInfo) {
         const auto infos = gatherer->takeInfos();
         updateInfo(infos.get(), false);

@@ -4,14 +4,18 @@
 #include "base/FileHandle.h"
 #include "catalogue/EntryPool.h"
 
+#include <QElapsedTimer>
 #include <QObject>
 #include <list>
 #include <map>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <unordered_map>
 #include <unordered_set>
 #include <vector>
+
+class QTimer;
 
 namespace Halvern::UI {
 
@@ -109,27 +113,57 @@ public slots:
     void fileNameFinished(bool withInfo);
     void fileGatheringFinished() {}
 
+private slots:
+    void takeArrivals();
+
 private:
     using Followers = std::unordered_multimap<const FileInfo*, FileInfo*>;
+    using Names = std::map<std::string, FileInfo*, std::less<>>;
+
+    struct Member
+    {
+        int frame;
+        int index; // in files
+    };
+    struct Pattern
+    {
+        FileInfo* entry;
+        std::vector<Member> arrived; // not yet members of the entry
+    };
 
     static void setInitialSequenceExtensions();
     bool getFilesFromFolderPrivate(const std::string& path, bool force, bool asynchronous);
+    bool mayTakeNow();
+    void beginTurn();
+    bool turnIsOver() const;
+    void takeNames();
+    void announceNames(bool withInfo);
+    template <class Container>
+    void discard(Container& container);
     void applyInfo(std::size_t index, const FileInfoWrapper& info);
     void enterFile(std::size_t index, bool everyMemberSetsWidth);
     FileInfo* nextSequence();
-    bool addMember(FileInfo* sequence, int frame, FileInfo* member);
+    FileInfo* enterName(const char* name, FileInfo* entry);
+    bool addMember(FileInfo* sequence, int frame, FileInfo* member, bool known);
+    void addArrivedMembers(Pattern& pattern);
+    void addArrivedMembers();
+    bool addArrivedMembersInTurn();
     void forgetSplitSequences();
     FileInfo* makeSplitSequence(FileInfo* parent, const FrameRange& range);
     void appendSequence(std::vector<FileInfo*>& out, FileInfo* sequence, bool split, bool registeredOnly);
 
     std::string currentDirectory;
-    std::unique_ptr<FileGatherer> gatherer;
-    std::shared_ptr<const std::vector<FileNameRecord>> pendingNames;
-
     EntryPool pool; // every entry below
+    std::unique_ptr<FileGatherer> gatherer;
+    QTimer* arrivalsTimer; // its timeout begins the next turn
+    QElapsedTimer turn;
+    std::shared_ptr<std::vector<FileNameRecord>> pendingNames;
+
     std::vector<FileInfo*> files;
     std::vector<FileInfo*> sequenceOf; // for each of files: the sequence it is a member of, or null
-    std::map<std::string, FileInfo*, std::less<>> entriesByName;
+    Names entriesByName;
+    std::unordered_map<std::string_view, Pattern> patterns; // of those by name: the keys with a "#" in them
+    std::vector<Pattern*> grownPatterns;                    // those with arrived members
     std::vector<FileInfo*> sequences;
     std::size_t sequencesInUse = 0; // those behind are left from an earlier evaluation, to be used again
     std::vector<FileInfo*> splitEntries;

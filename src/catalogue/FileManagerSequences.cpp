@@ -27,6 +27,8 @@ bool FileManager::isSequence(const char* name, int& frame, char* pattern, int& d
 
 void FileManager::reevaluateSequences()
 {
+    grownPatterns.clear();
+    patterns.clear();
     entriesByName.clear();
     forgetSplitSequences();
     unsummed.clear();
@@ -34,6 +36,7 @@ void FileManager::reevaluateSequences()
     for (std::size_t index = 0; index < files.size(); ++index)
         enterFile(index, false);
     sequences.resize(sequencesInUse);
+    addArrivedMembers();
 }
 
 // Puts one file under its name, or into the sequence of its pattern.
@@ -46,43 +49,94 @@ void FileManager::enterFile(std::size_t index, bool everyMemberSetsWidth)
     bool padded = false;
     char pattern[FileInfo::NameSize];
     if (file->isDirectory() || !isSequence(file->fileName(), frame, pattern, digits, padded)) {
-        entriesByName.emplace(file->fileName(), file);
+        enterName(file->fileName(), file);
         return;
     }
-    const auto present = entriesByName.find(std::string_view(pattern));
-    if (present == entriesByName.end()) {
+    const auto present = patterns.find(std::string_view(pattern));
+    if (present == patterns.end()) {
         FileInfo* sequence = nextSequence();
         createSecondarySequence(sequence, pattern, digits, padded, frame, file);
         sequenceOf[index] = sequence;
         return;
     }
-    FileInfo* sequence = present->second;
-    if (addMember(sequence, frame, file) && sequence->isSequence())
-        sequenceOf[index] = sequence;
+    Pattern& found = present->second;
+    if (found.arrived.empty())
+        grownPatterns.push_back(&found);
+    found.arrived.push_back({frame, static_cast<int>(index)});
     if (everyMemberSetsWidth)
-        sequence->setNumberOfHashes(digits, padded, assumeZeroPadding);
+        found.entry->setNumberOfHashes(digits, padded, assumeZeroPadding);
+}
+
+// Frames come in the order of the disk. Put into the index one by one, each would wait for the memory of a
+// dozen others; in order they go to its end, and stand together in memory for those who walk it.
+void FileManager::addArrivedMembers(Pattern& pattern)
+{
+    std::vector<Member> members;
+    members.swap(pattern.arrived);
+    std::stable_sort(members.begin(), members.end(),
+                     [](const Member& a, const Member& b) { return a.frame < b.frame; });
+    for (const Member& member : members) {
+        const auto index = static_cast<std::size_t>(member.index);
+        const bool known = member.index < infoCursor;
+        if (addMember(pattern.entry, member.frame, files[index], known) && pattern.entry->isSequence())
+            sequenceOf[index] = pattern.entry;
+    }
+}
+
+void FileManager::addArrivedMembers()
+{
+    for (Pattern* pattern : grownPatterns)
+        addArrivedMembers(*pattern);
+    grownPatterns.clear();
+}
+
+// False when the turn is over and not all are added.
+bool FileManager::addArrivedMembersInTurn()
+{
+    while (!grownPatterns.empty()) {
+        if (!readingSynchronously && turnIsOver())
+            return false;
+        addArrivedMembers(*grownPatterns.back());
+        grownPatterns.pop_back();
+    }
+    return true;
+}
+
+// The entry that is under the name then: the present one, if there is one. Patterns are looked up for every
+// numbered file, which is quicker by their hash than along the branches of a tree.
+FileInfo* FileManager::enterName(const char* name, FileInfo* entry)
+{
+    const auto [place, isNew] = entriesByName.emplace(name, entry);
+    if (isNew && place->first.find('#') != std::string::npos)
+        patterns.emplace(place->first, Pattern{entry, {}});
+    return place->second;
 }
 
 FileInfo* FileManager::nextSequence()
 {
     if (sequencesInUse == sequences.size())
         sequences.push_back(pool.create());
+    else
+        unsummed.insert(sequences[sequencesInUse]); // it has the sums of its earlier members
     FileInfo* sequence = sequences[sequencesInUse++];
     sequence->setFrameInformation(0, 0, 0);
     return sequence;
 }
 
-// False when the frame has a member already.
-bool FileManager::addMember(FileInfo* sequence, int frame, FileInfo* member)
+// False when the frame has a member already. Known members have their attributes.
+bool FileManager::addMember(FileInfo* sequence, int frame, FileInfo* member, bool known)
 {
     if (splitDone)
         forgetSplitSequences();
-    const std::size_t before = sequence->sequenceFiles().size();
+    const auto& members = sequence->sequenceFiles();
+    const std::size_t before = members.size();
     sequence->insertSequenceFile(frame, member);
     sequence->invalidateSequenceName();
-    if (sequence->isSequence() && sequence->sequenceFileCount() >= 2)
+    // Where nothing is known of the members yet, there is nothing to sum: that would be a walk over all.
+    const FileInfo* first = members.begin()->second;
+    if (known || (sequence->sequenceFileCount() == 2 && first && first->isInfoValid()))
         unsummed.insert(sequence);
-    return sequence->sequenceFiles().size() > before;
+    return members.size() > before;
 }
 
 void FileManager::createSecondarySequence(FileInfo* sequence, const char* pattern, int digits, bool padded,
@@ -90,7 +144,10 @@ void FileManager::createSecondarySequence(FileInfo* sequence, const char* patter
 {
     sequence->setBasicInformation(pattern, true);
     sequence->setNumberOfHashes(digits, padded, assumeZeroPadding);
-    addMember(entriesByName.emplace(pattern, sequence).first->second, frame, member);
+    const auto present = patterns.find(std::string_view(pattern));
+    if (present != patterns.end())
+        addArrivedMembers(present->second);
+    addMember(enterName(pattern, sequence), frame, member, member && member->isInfoValid());
 }
 
 void FileManager::forgetSplitSequences()
@@ -104,6 +161,7 @@ void FileManager::createSplitSequences()
 {
     if (splitDone)
         return;
+    addArrivedMembers();
     splitDone = true;
     for (const auto& named : entriesByName) {
         FileInfo* sequence = named.second;
@@ -143,6 +201,7 @@ void FileManager::buildRunningList(std::vector<FileInfo*>* out, FileHandle::List
         *out = files;
         return;
     }
+    addArrivedMembers();
     out->clear();
     const bool split = type == FileHandle::SplitSequences || type == FileHandle::RegisteredSplitSequences;
     const bool registeredOnly = type >= FileHandle::RegisteredSequences;

@@ -2,69 +2,76 @@
 
 #include "base/Text.h"
 
-namespace Halvern::UI::NaturalOrder {
+#include <algorithm>
+#include <cstddef>
+#include <utility>
+
+namespace Halvern::UI {
 
 namespace {
 
-int byteDifference(char a, char b)
-{
-    const int lowered =
-        static_cast<unsigned char>(Base::lowerCase(a)) - static_cast<unsigned char>(Base::lowerCase(b));
-    // Upper case has the lower codes, and comes last.
-    return lowered != 0 ? lowered : static_cast<unsigned char>(b) - static_cast<unsigned char>(a);
-}
+constexpr char EndOfText = 1;
+constexpr int LeastWeight = 2;
 
-// Moves both names behind their digits.
-int numberDifference(const char*& a, const char*& b)
+// Moves the name behind its digits. The length comes first, in two bytes that are never zero.
+void appendNumber(const char*& name, std::vector<char>& key)
 {
-    int difference = 0;
-    for (; Base::isDigit(*a) && Base::isDigit(*b); ++a, ++b) {
-        if (difference == 0)
-            difference = *a - *b;
-    }
-    const char* const aCommonEnd = a;
-    const char* const bCommonEnd = b;
-    while (Base::isDigit(*a))
-        ++a;
-    while (Base::isDigit(*b))
-        ++b;
-    if (a != aCommonEnd)
-        return 1;
-    return b != bCommonEnd ? -1 : difference;
-}
-
-template <bool numbersDecideAtOnce>
-int compareNames(const char* a, const char* b)
-{
-    int firstNumber = 0;
-    for (;;) {
-        if (Base::isDigit(*a) && Base::isDigit(*b)) {
-            const int number = numberDifference(a, b);
-            if (numbersDecideAtOnce && number != 0)
-                return number;
-            if (firstNumber == 0)
-                firstNumber = number;
-        } else if (*a != *b) {
-            return byteDifference(*a, *b);
-        } else if (*a == '\0') {
-            return firstNumber;
-        } else {
-            ++a;
-            ++b;
-        }
-    }
+    const char* const begin = name;
+    while (Base::isDigit(*name))
+        ++name;
+    constexpr std::ptrdiff_t Base255 = 255;
+    const std::ptrdiff_t length = name - begin;
+    key.push_back(static_cast<char>(1 + length / Base255));
+    key.push_back(static_cast<char>(1 + length % Base255));
+    key.insert(key.end(), begin, name);
 }
 
 } // namespace
 
-int compare(const char* a, const char* b)
+NaturalOrder::NaturalOrder(Numbers numbers)
+    : m_numbers(numbers)
 {
-    return compareNames<true>(a, b);
+    // Upper case has the lower codes, and comes last.
+    std::array<std::pair<unsigned char, int>, 256> order;
+    for (int byte = 0; byte < 256; ++byte)
+        order[static_cast<std::size_t>(byte)] = {
+            static_cast<unsigned char>(Base::lowerCase(static_cast<char>(byte))), -byte};
+    std::sort(order.begin(), order.end());
+    // All digits weigh the same, which leaves room for the bytes that are no text.
+    int weight = LeastWeight;
+    for (const auto& [lowered, negative] : order) {
+        m_weights[static_cast<std::size_t>(-negative)] = static_cast<char>(weight);
+        if (negative == 0 || (lowered >= '0' && lowered < '9'))
+            continue;
+        ++weight;
+    }
+    m_numberWeight = m_weights['0'];
 }
 
-int compareForSequences(const char* a, const char* b)
+void NaturalOrder::appendKey(const char* name, std::vector<char>& keys) const
 {
-    return compareNames<false>(a, b);
+    for (const char* at = name; *at != '\0';) {
+        if (!Base::isDigit(*at)) {
+            keys.push_back(m_weights[static_cast<unsigned char>(*at++)]);
+            continue;
+        }
+        keys.push_back(m_numberWeight);
+        if (m_numbers == DecideAtOnce)
+            appendNumber(at, keys);
+        else
+            while (Base::isDigit(*at))
+                ++at;
+    }
+    if (m_numbers == DecideLast) {
+        keys.push_back(EndOfText);
+        for (const char* at = name; *at != '\0';) {
+            if (Base::isDigit(*at))
+                appendNumber(at, keys);
+            else
+                ++at;
+        }
+    }
+    keys.push_back('\0');
 }
 
-} // namespace Halvern::UI::NaturalOrder
+} // namespace Halvern::UI

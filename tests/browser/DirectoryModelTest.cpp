@@ -111,6 +111,16 @@ private slots:
         QCOMPARE(window.proxy()->index(3, 1).data(), QVariant("1024KB"));
         window.list()->sortByColumn(2, Qt::AscendingOrder);
         QCOMPARE(window.rows(), (QStringList{"n", "a", "B", "z/"}));
+
+        // What is found out anew is ordered anew, and names too long for a sort key with the others.
+        const QString longName(200, 'm');
+        QVERIFY(SampleFiles::make(folder.path(), {"c", longName.toLatin1().constData()}));
+        QVERIFY(QFile::resize(folder.path() + "/n", 3000000));
+        window.list()->sortByColumn(1, Qt::AscendingOrder);
+        window.model()->refreshList();
+        QTRY_COMPARE(window.rows().mid(3), (QStringList{"B", "a", "n"}));
+        window.list()->sortByColumn(0, Qt::DescendingOrder);
+        QCOMPARE(window.rows(), (QStringList{"z/", "n", longName, "c", "B", "a"}));
     }
 
     void rowsAreEmptyDuringARead()

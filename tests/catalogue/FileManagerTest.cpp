@@ -3,6 +3,7 @@
 #include "support/SampleFiles.h"
 #include "support/Test.h"
 
+#include <QDeadlineTimer>
 #include <QFile>
 #include <unistd.h>
 
@@ -47,6 +48,36 @@ private slots:
         QCOMPARE(gatherer.takeNames()->size(), std::size_t(502));
         QVERIFY(!gatherer.takeNames() && gatherer.takeNamesFinished() && !gatherer.takeNamesFinished());
         QCOMPARE(gatherer.takeInfos()->size(), std::size_t(1000));
+    }
+
+    // Each of the host's slots takes more than a turn's share, so that all batches wait by the second turn.
+    void busyHostsGetTheirTurns()
+    {
+        FileManager manager;
+        QSignalSpy updated(&manager, SIGNAL(infoUpdated(int, int)));
+        connect(&manager, &FileManager::refreshList, this, [] { QThread::msleep(20); });
+        connect(&manager, &FileManager::infoUpdated, this, [] { QThread::msleep(20); });
+        QVERIFY(manager.getFilesFromFolder(m_path, false));
+        int most = 0;
+        for (QDeadlineTimer deadline(10000); updated.size() < 3 && !deadline.hasExpired();) {
+            const int before = updated.size();
+            QCoreApplication::processEvents();
+            most = std::max(most, updated.size() - before);
+        }
+        QCOMPARE(updated, (QList<QList<QVariant>>{{0, 1000}, {1000, 1000}, {2000, 502}}));
+        QCOMPARE(most, 1);
+    }
+
+    void secondReadMakesNoEntries()
+    {
+        FileManager manager;
+        QSignalSpy refreshed(&manager, SIGNAL(refreshList()));
+        QVERIFY(manager.getFilesFromFolder(m_path, false));
+        QTRY_COMPARE(refreshed.size(), 1);
+        const std::vector<FileInfo*> first = allFiles(manager);
+        QVERIFY(manager.getFilesFromFolder(m_path, true));
+        QTRY_COMPARE(refreshed.size(), 2);
+        QVERIFY(allFiles(manager) == first);
     }
 
     void readsAgainOnlyByForce()

@@ -1,7 +1,9 @@
 #include "catalogue/NaturalOrder.h"
+#include "base/TextOrder.h"
 #include "support/Test.h"
 
-using namespace Halvern::UI;
+using namespace Halvern;
+using Halvern::UI::NaturalOrder;
 
 class NaturalOrderTest : public Test
 {
@@ -11,27 +13,32 @@ private slots:
     void orders();
 };
 
-// Every pair of the names, which are in ascending order, is compared both ways round.
-static void expectAscending(int (*compare)(const char*, const char*), const QByteArrayList& names)
+// The keys of the names, which are in ascending order, are compared in pairs and sorted from the last on.
+static void expectAscending(NaturalOrder::Numbers numbers, QByteArrayList names)
 {
+    std::reverse(names.begin(), names.end());
+    std::vector<std::vector<char>> keys(static_cast<std::size_t>(names.size()));
+    std::vector<const char*> texts;
     for (int i = 0; i < names.size(); ++i) {
-        for (int j = 0; j < names.size(); ++j) {
-            const int answer = compare(names.at(i).constData(), names.at(j).constData());
-            const QByteArray pair = names.at(i) + " and " + names.at(j);
-            QVERIFY2((answer < 0) == (i < j) && (answer > 0) == (i > j), pair.constData());
-        }
+        std::vector<char>& key = keys[static_cast<std::size_t>(i)];
+        NaturalOrder(numbers).appendKey(names.at(i).constData(), key);
+        texts.push_back(key.data());
+        QVERIFY2(i == 0 || qstrcmp(texts[texts.size() - 2], texts.back()) > 0, names.at(i).constData());
     }
+    std::vector<int> descending = Base::textRanks(texts);
+    for (int i = 0; i < names.size(); ++i)
+        QCOMPARE(descending[static_cast<std::size_t>(i)], names.size() - 1 - i);
 }
 
 void NaturalOrderTest::orders()
 {
-    for (const auto compare : {NaturalOrder::compare, NaturalOrder::compareForSequences}) {
-        expectAscending(compare, {"", ".", "..", "a", "a.2.exr", "a.10.exr", "a.99999999999999999999.exr"});
-        expectAscending(compare, {"a1", "a9", "a01", "a10", "a001", "ab", "aB", "AA", "b", "\xc3\xa9"});
+    for (const auto numbers : {NaturalOrder::DecideAtOnce, NaturalOrder::DecideLast}) {
+        expectAscending(numbers, {"", ".", "..", "a", "a.2.exr", "a.10.exr", "a.99999999999999999999.exr"});
+        expectAscending(numbers, {"a1", "a9", "a01", "a10", "a001", "ab", "aB", "AA", "b", "\xc3\xa9"});
+        expectAscending(numbers, {"a", "a" + QByteArray(253, '1'), "a" + QByteArray(255, '0'), "b"});
     }
-    expectAscending(NaturalOrder::compare, {"a1b", "a1c", "a2a", "a10.2", "a11.1"});
-    expectAscending(NaturalOrder::compareForSequences,
-                    {"a2a", "a1b", "a10b", "s1.2.exr", "s2.1.exr", "s1.1.tif"});
+    expectAscending(NaturalOrder::DecideAtOnce, {"a1b", "a1c", "a2a", "a10.2", "a11.1"});
+    expectAscending(NaturalOrder::DecideLast, {"a2a", "a1b", "a10b", "s1.2.exr", "s2.1.exr", "s1.1.tif"});
 }
 
 QTEST_GUILESS_MAIN(NaturalOrderTest)

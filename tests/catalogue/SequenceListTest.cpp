@@ -95,6 +95,14 @@ private slots:
         QCOMPARE(sequence->size(), 230ULL);
         QCOMPARE(sequence->modificationTime(), 100LL);
         QCOMPARE(runs.at(1)->size(), 200ULL);
+
+        // Files that come later, to a sequence that is known and to a file that was alone.
+        insert(manager, frames("a.%d.exr", {9, 4}) + frames("b.%d.exr", {1}));
+        manager.updateInfo(&first, true);
+        insert(manager, frames("b.%d.exr", {2}));
+        manager.updateInfo(&first, true);
+        QCOMPARE(sequence->size(), 250ULL);
+        QCOMPARE(rows(manager, 3).at(1)->size(), 20ULL);
     }
 
     void listsMayBeBuiltBetweenBatches()

@@ -31,5 +31,9 @@ run(ldd ${WORK_DIR}/build/client)
 if(NOT output MATCHES "_HvMirefoldCoreUI.abi3.so => ${prefix}/lib/")
     message(FATAL_ERROR "the client runs with another library: ${output}")
 endif()
+
 run(${CMAKE_COMMAND} -E env PYTHONPATH=${prefix}/lib/python3/dist-packages ${PYTHON} -c
-    "import ast, _HvMirefoldCoreUI as m; print(m.Halvern.UI.FileBrowser); ast.parse(open(m.__file__[:-7] + 'pyi').read())")
+    "import ast, _HvMirefoldCoreUI as m\nprint(m.__file__)\nast.parse(open(m.__file__[:-7] + 'pyi').read())")
+if(NOT output MATCHES "${prefix}")
+    message(FATAL_ERROR "another module was imported: ${output}")
+endif()

@@ -13,8 +13,8 @@ std::atomic<const char*> failingCall;
 
 namespace {
 
-bool noting = false; // files are asked for before the list is made
-QStringList calls;   // of the first thread only
+// Of the first thread only. Files are asked for before it is made and, as it is never destroyed, to the end.
+QStringList* calls = nullptr;
 
 // Whether the call is to fail, with errno set.
 bool fails(const char* name, const char* path)
@@ -22,8 +22,8 @@ bool fails(const char* name, const char* path)
     const char* failing = failingCall;
     int error = failing && std::strcmp(name, failing) == 0 ? faults[CallError].load() : 0;
     if (::gettid() == ::getpid()) {
-        if (noting && path && *path)
-            calls.append(QString::fromLatin1(name) + QLatin1Char(' ') + QString::fromLocal8Bit(path));
+        if (calls && path && *path)
+            calls->append(QString::fromLatin1(name) + QLatin1Char(' ') + QString::fromLocal8Bit(path));
     } else if (std::strstr(name, "stat")) {
         ++faults[Questions];
         ::usleep(static_cast<useconds_t>(faults[QuestionDelay].load()));
@@ -45,8 +45,9 @@ void endFaults()
 
 QStringList takeCalls()
 {
-    noting = true;
-    return std::exchange(calls, {});
+    if (!calls)
+        calls = new QStringList;
+    return std::exchange(*calls, {});
 }
 
 // clang-format off
