@@ -82,7 +82,7 @@ public:
     bool isSteady() const
     {
         // A batch of names on its way takes two megabytes.
-        constexpr long long Allowed = 4 << 20;
+        [[maybe_unused]] constexpr long long Allowed = 4 << 20;
         const long long grown = m_last.allocated - m_first.allocated;
         const long long residentGrown = m_last.resident - m_first.resident;
 #ifdef __SANITIZE_ADDRESS__

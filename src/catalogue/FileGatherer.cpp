@@ -3,10 +3,10 @@
 #include "base/FileSystem.h"
 #include "base/Text.h"
 
+#include <algorithm>
 #include <cstring>
 #include <dirent.h>
 #include <fcntl.h>
-#include <iterator>
 #include <unistd.h>
 
 namespace Halvern::UI {
@@ -58,9 +58,14 @@ void FileGatherer::prepare(const std::string& directory)
 
 void FileGatherer::discardBatches()
 {
-    auto names = m_names.reset();
-    m_garbage.insert(m_garbage.end(), std::make_move_iterator(names.begin()),
-                     std::make_move_iterator(names.end()));
+    const auto left = std::make_shared<std::vector<NameQueue::BatchPointer>>(m_names.reset());
+    left->erase(std::remove(left->begin(), left->end(), nullptr), left->end());
+    if (!left->empty()) {
+        disposeOf([left] {
+            left->pop_back();
+            return !left->empty();
+        });
+    }
     m_infos.reset();
     m_allNamesRead = false;
     m_namesAnnounced = false;
@@ -120,6 +125,12 @@ void FileGatherer::run()
         ::close(folder);
     m_names.dropSpares();
     while (m_keepRunning && !m_garbage.empty())
+        disposeOfSome();
+}
+
+void FileGatherer::disposeOfSome()
+{
+    if (!m_garbage.empty() && !m_garbage.back()())
         m_garbage.pop_back();
 }
 
@@ -142,6 +153,7 @@ void FileGatherer::readNames(int folder)
         m_readNames.back().append(record.name).push_back('\0');
         if (m_names.append(record)) {
             emit fileNameBatchReady();
+            disposeOfSome();
             prepareWhileWaited(PatientlyWaiting);
         }
     }
@@ -170,8 +182,10 @@ void FileGatherer::readAttributes(int folder)
         for (const char* name = batch.data(); name != end; name += std::strlen(name) + 1) {
             if (!m_keepRunning)
                 return;
-            if (m_infos.append(queriedInfo(folder, name)))
+            if (m_infos.append(queriedInfo(folder, name))) {
                 emit fileInfoBatchReady();
+                disposeOfSome();
+            }
         }
         batch = std::string();
     }

@@ -64,8 +64,11 @@ public:
     /// Whether one of the three has something to give.
     bool hasArrivals() const;
 
-    /// Leaves the end of something large to the worker, which has time for it after its next run.
-    void discard(std::shared_ptr<void> garbage) { m_garbage.push_back(std::move(garbage)); }
+    /// Frees a little of something large at each call; false when nothing is left of it.
+    using Disposal = std::function<bool()>;
+    /// Leaves the end of something large to the worker, a little for each batch of its next runs. No run may
+    /// be under way.
+    void disposeOf(Disposal disposal) { m_garbage.push_back(std::move(disposal)); }
 
 signals:
     void fileNameBatchReady();
@@ -85,11 +88,12 @@ private:
     void discardBatches();
     void readNames(int folder);
     void readAttributes(int folder);
+    void disposeOfSome();
     void prepareWhileWaited(std::size_t mostWaiting);
 
     // Set by the GUI thread while no worker runs, read by the worker.
     std::string m_directory;
-    std::vector<std::shared_ptr<void>> m_garbage; // emptied by the worker
+    std::vector<Disposal> m_garbage; // emptied by the worker
 
     // Worker only.
     const Preparation m_preparation;

@@ -79,6 +79,11 @@ bool FileManager::getFilesFromFolderPrivate(const std::string& path, bool force,
         return false;
     gatherer->stop();
     currentDirectory = path;
+    if (readable && asynchronous) {
+        leaveToWorker(entriesByName);
+        leaveToWorker(splitFollowers);
+        leaveToWorker(hostFollowers);
+    }
     cleanData();
     if (!readable)
         return false;
@@ -145,9 +150,9 @@ void FileManager::cleanData()
 {
     grownPatterns.clear();
     patterns.clear();
-    discard(entriesByName);
-    discard(splitFollowers);
-    discard(hostFollowers);
+    entriesByName.clear();
+    splitFollowers.clear();
+    hostFollowers.clear();
     files.clear();
     sequenceOf.clear();
     sequences.clear();
@@ -162,12 +167,17 @@ void FileManager::cleanData()
 
 // Freeing a node for each of a million files takes longer than a click may.
 template <class Container>
-void FileManager::discard(Container& container)
+void FileManager::leaveToWorker(Container& container)
 {
-    if (gatherer->isRunning())
-        container.clear();
-    else if (!container.empty())
-        gatherer->discard(std::make_shared<Container>(std::exchange(container, Container())));
+    if (container.empty())
+        return;
+    const auto left = std::make_shared<Container>(std::exchange(container, Container()));
+    gatherer->disposeOf([left] {
+        constexpr int Slice = 4096;
+        for (int i = 0; i < Slice && !left->empty(); ++i)
+            left->erase(left->begin());
+        return !left->empty();
+    });
 }
 
 void FileManager::updateInfo(const std::vector<FileInfoWrapper>* batch, bool announce)
@@ -202,9 +212,13 @@ void FileManager::applyInfo(std::size_t index, const FileInfoWrapper& info)
 {
     FileInfo* file = files[index];
     const unsigned long long previousSize = file->size();
+    // Set by a host, in which case the sums know nothing of it.
+    const bool wasSet = file->isInfoValid();
     file->setAdditionalInfo(info);
     FileInfo* sequence = sequenceOf[index];
-    if (sequence && sequence->sequenceFileCount() >= 2)
+    if (sequence && wasSet)
+        unsummed.insert(sequence);
+    else if (sequence && sequence->sequenceFileCount() >= 2)
         sequence->updateFromMember(previousSize, *file);
     for (const Followers* followers : {&splitFollowers, &hostFollowers}) {
         const auto range = followers->equal_range(file);
@@ -314,8 +328,9 @@ void FileManager::announceNames(bool withInfo)
         const auto infos = gatherer->takeInfos();
         updateInfo(infos.get(), false);
     }
+    const QPointer<FileManager> self(this);
     emit refreshList();
-    if (withInfo)
+    if (withInfo && self)
         emit infoUpdated(0, -1);
 }
 

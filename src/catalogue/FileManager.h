@@ -139,7 +139,7 @@ private:
     void takeNames();
     void announceNames(bool withInfo);
     template <class Container>
-    void discard(Container& container);
+    void leaveToWorker(Container& container);
     void applyInfo(std::size_t index, const FileInfoWrapper& info);
     void enterFile(std::size_t index, bool everyMemberSetsWidth);
     FileInfo* nextSequence();

@@ -133,8 +133,8 @@ bool FileManager::addMember(FileInfo* sequence, int frame, FileInfo* member, boo
     sequence->insertSequenceFile(frame, member);
     sequence->invalidateSequenceName();
     // Where nothing is known of the members yet, there is nothing to sum: that would be a walk over all.
-    const FileInfo* first = members.begin()->second;
-    if (known || (sequence->sequenceFileCount() == 2 && first && first->isInfoValid()))
+    const auto isKnown = [](const auto& other) { return other.second && other.second->isInfoValid(); };
+    if (known || (sequence->sequenceFileCount() == 2 && std::any_of(members.begin(), members.end(), isKnown)))
         unsummed.insert(sequence);
     return members.size() > before;
 }
