@@ -1,3 +1,4 @@
+import os
 import sys
 
 from PyQt5.QtCore import QDir
@@ -20,7 +21,8 @@ class StereoPairs(Halvern.UI.FileSequenceEvaluator):
             else:
                 rows.append(file)
         for take, members in eyes.items():
-            rows.append(self.buildFileSequence(take + ".stereo.exr", range(len(members)), tuple(members)))
+            name = os.fsencode(take + ".stereo.exr")  # whatever bytes it has
+            rows.append(self.buildFileSequence(name, range(len(members)), tuple(members)))
             print(take, len(members), "files")
         return tuple(rows)  # a list is refused
 

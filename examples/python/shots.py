@@ -7,6 +7,7 @@ The frames of a shot are the files whose names begin alike, whatever their layer
 "sh010_beauty.0001.exr" and "sh010_matte_v02.0001.exr" belong to "sh010".
 """
 
+import os
 import re
 import sys
 
@@ -31,7 +32,7 @@ class Shots(Halvern.UI.FileSequenceEvaluator):
             else:
                 rows.append(file)
         for shot, members in shots.items():
-            name = f"{shot} ({len(members)} files)"
+            name = os.fsencode(f"{shot} ({len(members)} files)")  # whatever bytes it has
             rows.append(self.buildFileSequence(name, range(len(members)), tuple(members)))
         return tuple(rows)
 

@@ -6,6 +6,7 @@
 
 #include <QDateTime>
 #include <QFont>
+#include <QPointer>
 
 namespace Halvern::UI {
 
@@ -23,6 +24,27 @@ QVariant sizeText(unsigned long long bytes)
 }
 
 } // namespace
+
+// The time in which a host's evaluator is asked. The host may destroy the model in it.
+class FileBrowser::DirectoryModel::Evaluating
+{
+public:
+    explicit Evaluating(DirectoryModel* asking)
+        : model(asking)
+    {
+        model->evaluating = true;
+    }
+    ~Evaluating()
+    {
+        if (model)
+            model->evaluating = false;
+    }
+    Evaluating(const Evaluating&) = delete;
+    Evaluating& operator=(const Evaluating&) = delete;
+
+private:
+    const QPointer<DirectoryModel> model;
+};
 
 FileBrowser::DirectoryModel::DirectoryModel(FileBrowser* owner)
     : QAbstractItemModel(owner)
@@ -174,7 +196,10 @@ void FileBrowser::DirectoryModel::buildRunningList()
     const unsigned generation = manager.generation();
     const FileSequenceEvaluator* const asked = evaluator;
     wantedAgain = false;
+    const QPointer<DirectoryModel> self(this);
     std::vector<FileInfo*> evaluatedRows = evaluated ? evaluateFiles() : std::vector<FileInfo*>();
+    if (!self)
+        return;
     if (generation != manager.generation() || asked != evaluator) {
         if (wantedAgain)
             QMetaObject::invokeMethod(this, &DirectoryModel::buildRunningList, Qt::QueuedConnection);
@@ -205,10 +230,8 @@ std::vector<FileInfo*> FileBrowser::DirectoryModel::evaluateFiles()
     // Rows of the host's own making may not outlive its next answer.
     browser->filesMenu->forgetItems();
     evaluator->setManager(&manager);
-    evaluating = true;
-    std::vector<FileInfo*> rows = evaluator->evaluateFiles(files);
-    evaluating = false;
-    return rows;
+    const Evaluating guard(this);
+    return evaluator->evaluateFiles(files);
 }
 
 void FileBrowser::DirectoryModel::refreshList()

@@ -84,6 +84,8 @@ public:
     QString getFullFilePath(const QModelIndex& index) const { return getFullFilePath(index.row()); }
 
 private:
+    class Evaluating;
+
     std::vector<FileInfo*> evaluateFiles();
     QVariant displayText(const FileInfo& info, int column) const;
     QVariant background(int row, const FileInfo& info) const;

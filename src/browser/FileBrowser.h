@@ -277,6 +277,7 @@ private:
     void initAccessibility();
     void sortByKey(int column);
     void clearFilterBlock();
+    bool buildRows();
     void loadSortOrder();
     void updateNavigationButtons();
     QString typedNamePrefix() const;

@@ -17,6 +17,7 @@
 #include <QInputDialog>
 #include <QKeyEvent>
 #include <QMessageBox>
+#include <QPointer>
 #include <QPushButton>
 #include <QTimer>
 
@@ -164,7 +165,7 @@ void FileBrowser::autoComplete(QString text)
 
 bool FileBrowser::eventFilter(QObject* /*watched*/, QEvent* event)
 {
-    if (event->type() != QEvent::KeyPress)
+    if (!event || event->type() != QEvent::KeyPress)
         return false;
     switch (static_cast<QKeyEvent*>(event)->key()) {
     case Qt::Key_Up:
@@ -271,7 +272,8 @@ void FileBrowser::setSequencesEnabled(bool enabled)
 {
     sequencesCheck->setVisible(enabled);
     directoryModel->setSequenceMode(enabled ? SequenceMode::Collapsed : SequenceMode::Expanded);
-    directoryModel->buildRunningList();
+    if (!buildRows())
+        return;
     sequencesEnabled = enabled;
     _updateSplitSequencesButton();
 }
@@ -292,8 +294,16 @@ void FileBrowser::_updateSplitSequencesButton()
 void FileBrowser::setFileSequenceEvaluator(FileSequenceEvaluator* evaluator)
 {
     directoryModel->setEvaluator(evaluator);
+    if (buildRows())
+        _updateSplitSequencesButton();
+}
+
+// False where a host destroyed the browser while its evaluator was asked.
+bool FileBrowser::buildRows()
+{
+    const QPointer<FileBrowser> self(this);
     directoryModel->buildRunningList();
-    _updateSplitSequencesButton();
+    return self;
 }
 
 FileBrowser::SequenceMode FileBrowser::getSequenceMode() const
@@ -304,7 +314,8 @@ FileBrowser::SequenceMode FileBrowser::getSequenceMode() const
 void FileBrowser::managerRefreshList()
 {
     attributesTimer->setInterval(0);
-    directoryModel->buildRunningList();
+    if (!buildRows())
+        return;
     const FileInfo folder{QFileInfo(currentDirectory.path())};
     newFolderButton->setEnabled(folder.isWritable());
 }

@@ -56,9 +56,16 @@ void printError()
         Py_DecRef(part);
 }
 
-void refuseNone(int argument)
+bool isName(const char* text, int argument)
 {
-    PyErr_Format(PyExc_TypeError, "argument %d has unexpected type 'NoneType'", argument);
+    if (!text)
+        PyErr_Format(PyExc_TypeError, "argument %d has unexpected type 'NoneType'", argument);
+    else if (std::any_of(text, text + std::char_traits<char>::length(text),
+                         [](unsigned char byte) { return byte > 127; }))
+        PyErr_Format(PyExc_ValueError, "argument %d is not ASCII", argument);
+    else
+        return true;
+    return false;
 }
 
 bool isText(PyObject* object)

@@ -14,8 +14,9 @@ namespace Python {
 /// Prints the pending error and clears it, as PyErr_Print() does; SystemExit too is only printed.
 void printError();
 
-/// Raises the error for an argument that is None where it may not be; @p argument counts from 1.
-void refuseNone(int argument);
+/// Whether @p text is there and ASCII, as names are taken; otherwise false, with a Python error that names
+/// @p argument, counted from 1.
+bool isName(const char* text, int argument);
 
 /// Whether toText() takes @p object: text, bytes or None.
 bool isText(PyObject* object);

@@ -27,6 +27,7 @@ def test_opens_the_protected_members_of_a_widget():
     assert browser.receivers(browser.destroyed) == 0 and browser.metric(QPaintDevice.PdmWidth) == browser.width()
     for call in [browser.create, browser.updateMicroFocus, browser.focusPreviousChild, browser.destroy]:
         call()
+    assert browser.eventFilter(None, None) is False
 
 
 entry = FileInfo("a", False)
@@ -38,6 +39,8 @@ entry = FileInfo("a", False)
     (lambda: FileInfo(None, True), TypeError, "FileInfo()"),
     (lambda: FileInfo("\xe9", True), UnicodeEncodeError, "ascii"),
     (lambda: entry.setSequenceName("\xe9"), UnicodeEncodeError, "ascii"),
+    (lambda: FileInfo(b"\xff", True), TypeError, "FileInfo()"),
+    (lambda: entry.setSequenceName(b"\xff"), TypeError, "argument 1 is not ASCII"),
     (lambda: entry.setSequenceName(None), TypeError, "FileInfo.setSequenceName()"),
     (lambda: entry.setStartFrame(2**31), OverflowError, "argument 1"),
     (lambda: Halvern.UI.FileSequenceEvaluator(), TypeError, "FileSequenceEvaluator"),

@@ -57,3 +57,22 @@ def test_browser_and_evaluator_survive_each_other(open_browser, frames):
     second.setDirectory(QDir("/"))
     second.setDirectory(QDir(str(frames)))
     until(lambda: "notes.txt" in rows(second))
+
+
+@pytest.mark.parametrize("asked_by_the_read", [False, True])
+def test_browser_may_go_while_its_evaluator_is_asked(open_browser, asked_by_the_read):
+    class Impatient(Halvern.UI.FileSequenceEvaluator):
+        def evaluateFiles(self, files):
+            if browsers_to_go and (len(files) > 8 or not asked_by_the_read):
+                sip.delete(browsers_to_go.pop())
+            return files
+
+    browsers_to_go, evaluator, browser = [], Impatient(), open_browser()
+    browser.setFileSequenceEvaluator(evaluator)
+    browsers_to_go.append(browser)
+    if asked_by_the_read:
+        browser.setDirectory(QDir("/"))
+        until(lambda: not browsers_to_go)
+    else:
+        browser.setSequencesEnabled(True)
+    assert sip.isdeleted(browser)
