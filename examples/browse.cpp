@@ -12,6 +12,7 @@
 #include <QElapsedTimer>
 #include <QFile>
 #include <QFileInfo>
+#include <QPalette>
 #include <QStandardPaths>
 #include <QTreeView>
 #include <iostream>
@@ -206,6 +207,8 @@ int main(int argc, char** argv)
     QDir().mkpath(settings);
     FileBrowser::SetPreferencesPath(settings + QStringLiteral("/HvMirefoldCoreUI.favorites"),
                                     QStringLiteral("browse"));
+    // The row under the mouse; the default is made for hosts with a black surface.
+    FileBrowser::SetHighlightColor(QApplication::palette().color(QPalette::Midlight));
     FileDialog dialog;
     configure(dialog, options);
     return options.isInteractive() ? choose(dialog) : report(dialog, options);

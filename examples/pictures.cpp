@@ -154,6 +154,7 @@ int main(int argc, char** argv)
     FileBrowser::SetUseLastSavedDir(false);
     const QTemporaryDir settings;
     FileBrowser::SetPreferencesPath(settings.path() + QStringLiteral("/favorites"), QStringLiteral("Comp"));
+    FileBrowser::SetHighlightColor(QColor(225, 225, 225));
     FileBrowser::SetQueuedColor(QColor(255, 170, 120));
     const QDir directory(QString::fromLocal8Bit(argv[1]));
     const QString folder = QString::fromLocal8Bit(argv[2]);
