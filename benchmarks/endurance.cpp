@@ -182,13 +182,15 @@ bool destroyInMidRead(const QString& folder, int browsers)
 {
     Watch watch("browsers", browsers);
     for (int round = 1; round <= browsers; ++round) {
-        FileBrowser browser;
-        browser.setDirectory(QDir(folder), false, true);
-        browser.show();
-        for (int turn = 0; turn < round % 10; ++turn)
-            QCoreApplication::processEvents(QEventLoop::AllEvents, 1);
-        if (round % 10 == 0 && !destroyBehindBox())
-            return false;
+        {
+            FileBrowser browser;
+            browser.setDirectory(QDir(folder), false, true);
+            browser.show();
+            for (int turn = 0; turn < round % 10; ++turn)
+                QCoreApplication::processEvents(QEventLoop::AllEvents, 1);
+            if (round % 10 == 0 && !destroyBehindBox())
+                return false;
+        }
         watch.finishRound(round);
     }
     return watch.isSteady();
