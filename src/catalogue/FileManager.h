@@ -124,6 +124,7 @@ private:
     {
         int frame;
         int index; // in files
+        FileInfo* file;
     };
     struct Pattern
     {

@@ -62,7 +62,9 @@ void FileManager::enterFile(std::size_t index, bool everyMemberSetsWidth)
     Pattern& found = present->second;
     if (found.arrived.empty())
         grownPatterns.push_back(&found);
-    found.arrived.push_back({frame, static_cast<int>(index)});
+    found.arrived.push_back({frame, static_cast<int>(index), file});
+    if (found.entry->isSequence())
+        sequenceOf[index] = found.entry;
     if (everyMemberSetsWidth)
         found.entry->setNumberOfHashes(digits, padded, assumeZeroPadding);
 }
@@ -76,10 +78,9 @@ void FileManager::addArrivedMembers(Pattern& pattern)
     std::stable_sort(members.begin(), members.end(),
                      [](const Member& a, const Member& b) { return a.frame < b.frame; });
     for (const Member& member : members) {
-        const auto index = static_cast<std::size_t>(member.index);
         const bool known = member.index < infoCursor;
-        if (addMember(pattern.entry, member.frame, files[index], known) && pattern.entry->isSequence())
-            sequenceOf[index] = pattern.entry;
+        if (!addMember(pattern.entry, member.frame, member.file, known))
+            sequenceOf[static_cast<std::size_t>(member.index)] = nullptr;
     }
 }
 
