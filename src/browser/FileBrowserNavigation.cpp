@@ -337,11 +337,13 @@ void FileBrowser::showArrivedAttributes()
         return;
     }
     // Sorting many rows takes its time; the pause after it leaves the greater part of the thread to the user.
+    // Few rows come faster than an eye follows, and painting each state takes the processor from the reading.
     constexpr int PauseFactor = 4;
+    constexpr int ShortestPause = 40; // milliseconds
     QElapsedTimer timer;
     timer.start();
     filesList->keepPlace([this] { directoryModel->resetModel(); });
-    attributesTimer->setInterval(PauseFactor * static_cast<int>(timer.elapsed()));
+    attributesTimer->setInterval(std::max(ShortestPause, PauseFactor * static_cast<int>(timer.elapsed())));
 }
 
 QString FileBrowser::replaceHashes(const QString& name)
