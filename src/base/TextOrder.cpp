@@ -10,9 +10,12 @@ namespace {
 
 constexpr std::size_t WordSize = sizeof(std::uint64_t);
 
+constexpr std::ptrdiff_t Ahead = 16; // texts that are fetched from memory meanwhile
+
 struct Item
 {
     std::uint64_t word; // of the text, its first byte highest
+    const char* text;
     int index;
 };
 
@@ -36,12 +39,11 @@ class Ranking
 {
 public:
     explicit Ranking(const std::vector<const char*>& texts)
-        : m_texts(texts)
-        , m_ranks(texts.size())
+        : m_ranks(texts.size())
     {
         std::vector<Item> items(texts.size());
         for (std::size_t i = 0; i < items.size(); ++i)
-            items[i].index = static_cast<int>(i);
+            items[i] = {0, texts[i], static_cast<int>(i)};
         if (!items.empty())
             rank(items.begin(), items.end(), 0);
     }
@@ -54,7 +56,9 @@ private:
     {
         for (bool alike = true; alike; depth += WordSize) {
             for (Items item = from; item != to; ++item) {
-                item->word = wordOf(m_texts[static_cast<std::size_t>(item->index)] + depth);
+                if (to - item > Ahead)
+                    __builtin_prefetch(item[Ahead].text + depth);
+                item->word = wordOf(item->text + depth);
                 alike = alike && item->word == from->word;
             }
             if (alike && (to - from == 1 || !goesOn(from->word))) {
@@ -81,7 +85,6 @@ private:
         ++m_next;
     }
 
-    const std::vector<const char*>& m_texts;
     std::vector<int> m_ranks;
     int m_next = 0;
 };
