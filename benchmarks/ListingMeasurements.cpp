@@ -3,7 +3,6 @@
 #include "Measuring.h"
 #include "browser/DirectoryModel.h"
 #include "catalogue/FileGatherer.h"
-#include "widgets/AppSettings.h"
 
 #include <QApplication>
 #include <QFile>
@@ -20,6 +19,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 #include <unordered_set>
+#include <utility>
 
 using namespace Measuring;
 using Halvern::UI::FileBrowser;
@@ -63,6 +63,23 @@ Values timeSystem(const QString& folder, int files)
     times[QStringLiteral("attributes")] = milliseconds(timer);
     return found == files + 2 ? times : Values();
 }
+
+/// Tells whether a widget has been painted since it was last asked.
+class PaintWatch : public QObject
+{
+public:
+    explicit PaintWatch(QWidget* widget) { widget->installEventFilter(this); }
+    bool wasPainted() { return std::exchange(m_painted, false); }
+
+    bool eventFilter(QObject* watched, QEvent* event) override
+    {
+        m_painted = m_painted || event->type() == QEvent::Paint;
+        return QObject::eventFilter(watched, event);
+    }
+
+private:
+    bool m_painted = false;
+};
 
 // Runs the event loop until the condition holds; false when it does not come to that. The longest turn is
 // told with what the condition makes the models do.
@@ -141,15 +158,18 @@ public:
         } while (busy > 10);
         auto* edit = m_browser.findChild<QLineEdit*>(QStringLiteral("filenameEdit"));
         edit->setFocus();
+        PaintWatch list(m_list->viewport());
         double slowest = 0;
         for (const char key : {'s', 'h', 'o', 't', '\b', '_'}) {
             const int code = key == '\b' ? int(Qt::Key_Backspace) : int(Qt::Key_A);
             QKeyEvent press(QEvent::KeyPress, code, Qt::NoModifier, QString(QLatin1Char(key)));
+            runUntil([&] { return !list.wasPainted(); }, busy);
             QElapsedTimer timer;
             timer.start();
             QCoreApplication::sendEvent(edit, &press);
-            m_list->viewport()->repaint();
-            QCoreApplication::processEvents();
+            do
+                QCoreApplication::processEvents();
+            while (!list.wasPainted() && timer.elapsed() < TimeLimit);
             slowest = std::max(slowest, milliseconds(timer));
         }
         return slowest;
