@@ -251,12 +251,15 @@ bool readAnything(const QString& folder, int rounds)
         const QByteArray bytes = anything(random);
         if (!writeFile(AppSettings().fileName(), bytes) || !writeFile(favorites, bytes))
             return false;
-        FileDialog dialog;
-        dialog.show();
-        if (!keepsFavorites(favorites) || !dialog.directory().exists() || dialog.size().isEmpty()) {
-            std::printf("files: broken by \"%s\"\n", bytes.toPercentEncoding().constData());
-            return false;
+        {
+            FileDialog dialog;
+            dialog.show();
+            if (!keepsFavorites(favorites) || !dialog.directory().exists() || dialog.size().isEmpty()) {
+                std::printf("files: broken by \"%s\"\n", bytes.toPercentEncoding().constData());
+                return false;
+            }
         }
+        QCoreApplication::processEvents(); // what the X server said of the window
         watch.finishRound(round);
     }
     return watch.isSteady();

@@ -44,6 +44,19 @@ QPushButton* makeButton(QWidget* parent, const char* name, const QString& text, 
     return button;
 }
 
+// A style decodes an icon anew for every call, and what Qt derives from each stays in its pixmap cache. This one
+// lives as long as the style.
+QIcon sharedIcon(QStyle& style, QStyle::StandardPixmap which)
+{
+    const QByteArray name = "CoreUI icon " + QByteArray::number(which);
+    QVariant icon = style.property(name.constData());
+    if (!icon.isValid()) {
+        icon = style.standardIcon(which);
+        style.setProperty(name.constData(), icon);
+    }
+    return icon.value<QIcon>();
+}
+
 } // namespace
 
 QColor FileBrowser::_highlightColor = Qt::black;
@@ -178,7 +191,7 @@ void FileBrowser::initNavigationButtons()
                              const char* slot) {
         constexpr int ButtonSize = 24;
         QPushButton* button = makeButton(this, name, QString(), tooltip);
-        button->setIcon(style()->standardIcon(icon));
+        button->setIcon(sharedIcon(*style(), icon));
         button->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
         button->setFixedSize(ButtonSize, ButtonSize);
         connect(button, SIGNAL(clicked()), this, slot);
