@@ -129,7 +129,9 @@ private:
     struct Pattern
     {
         FileInfo* entry;
-        std::vector<Member> arrived; // not yet members of the entry
+        std::vector<Member> arrived; // emptied when all are members of the entry
+        std::size_t added = 0;       // how many of them are, from the first
+        bool inOrder = false;        // whether they stand by frame
     };
 
     static void setInitialSequenceExtensions();
@@ -146,7 +148,7 @@ private:
     FileInfo* nextSequence();
     FileInfo* enterName(const char* name, FileInfo* entry);
     bool addMember(FileInfo* sequence, int frame, FileInfo* member, bool known);
-    void addArrivedMembers(Pattern& pattern);
+    void addArrivedMembers(Pattern& pattern, std::size_t most);
     void addArrivedMembers();
     bool addArrivedMembersInTurn();
     void forgetSplitSequences();

@@ -63,6 +63,7 @@ void FileManager::enterFile(std::size_t index, bool everyMemberSetsWidth)
     if (found.arrived.empty())
         grownPatterns.push_back(&found);
     found.arrived.push_back({frame, static_cast<int>(index), file});
+    found.inOrder = false;
     if (found.entry->isSequence())
         sequenceOf[index] = found.entry;
     if (everyMemberSetsWidth)
@@ -71,34 +72,44 @@ void FileManager::enterFile(std::size_t index, bool everyMemberSetsWidth)
 
 // Frames come in the order of the disk. Put into the index one by one, each would wait for the memory of a
 // dozen others; in order they go to its end, and stand together in memory for those who walk it.
-void FileManager::addArrivedMembers(Pattern& pattern)
+void FileManager::addArrivedMembers(Pattern& pattern, std::size_t most)
 {
-    std::vector<Member> members;
-    members.swap(pattern.arrived);
-    std::stable_sort(members.begin(), members.end(),
-                     [](const Member& a, const Member& b) { return a.frame < b.frame; });
-    for (const Member& member : members) {
+    std::vector<Member>& members = pattern.arrived;
+    if (!pattern.inOrder) {
+        members.erase(members.begin(), members.begin() + static_cast<std::ptrdiff_t>(pattern.added));
+        pattern.added = 0;
+        std::stable_sort(members.begin(), members.end(),
+                         [](const Member& a, const Member& b) { return a.frame < b.frame; });
+        pattern.inOrder = true;
+    }
+    const std::size_t end = pattern.added + std::min(most, members.size() - pattern.added);
+    for (; pattern.added < end; ++pattern.added) {
+        const Member& member = members[pattern.added];
         const bool known = member.index < infoCursor;
         if (!addMember(pattern.entry, member.frame, member.file, known))
             sequenceOf[static_cast<std::size_t>(member.index)] = nullptr;
     }
+    if (pattern.added == members.size())
+        pattern = {pattern.entry, {}};
 }
 
 void FileManager::addArrivedMembers()
 {
     for (Pattern* pattern : grownPatterns)
-        addArrivedMembers(*pattern);
+        addArrivedMembers(*pattern, pattern->arrived.size());
     grownPatterns.clear();
 }
 
 // False when the turn is over and not all are added.
 bool FileManager::addArrivedMembersInTurn()
 {
+    constexpr std::size_t MembersAtOnce = 1000;
     while (!grownPatterns.empty()) {
         if (!readingSynchronously && turnIsOver())
             return false;
-        addArrivedMembers(*grownPatterns.back());
-        grownPatterns.pop_back();
+        addArrivedMembers(*grownPatterns.back(), MembersAtOnce);
+        if (grownPatterns.back()->arrived.empty())
+            grownPatterns.pop_back();
     }
     return true;
 }
@@ -147,7 +158,7 @@ void FileManager::createSecondarySequence(FileInfo* sequence, const char* patter
     sequence->setNumberOfHashes(digits, padded, assumeZeroPadding);
     const auto present = patterns.find(std::string_view(pattern));
     if (present != patterns.end())
-        addArrivedMembers(present->second);
+        addArrivedMembers(present->second, present->second.arrived.size());
     addMember(enterName(pattern, sequence), frame, member, member && member->isInfoValid());
 }
 
