@@ -141,9 +141,10 @@ int main(int argc, char** argv)
     }
     constexpr int Millisecond = 1000;
     const QStringList first = walk(few.path(), 100);
-    faults[QuestionDelay] = Millisecond;
+    faultyCall = "fstatat";
+    faults[CallDelay] = Millisecond;
     const QStringList slow = walk(many.path(), files * 3 / 2);
-    faults[QuestionDelay] = 50 * Millisecond;
+    faults[CallDelay] = 50 * Millisecond;
     const QStringList slower = walk(many.path(), 100);
     std::printf("%s\n", qPrintable(first.join(QLatin1Char('\n'))));
     const bool same = !first.isEmpty() && slow == first && slower == first;
