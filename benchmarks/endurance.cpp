@@ -1,9 +1,10 @@
-// Goes from directory to directory as a user does in a day and more, makes and destroys browsers in mid-read,
-// and dialogs over settings and favourites files of random bytes; prints how much memory is in use on the
-// way. Ends with 1 where memory grows, rows are wrong or a favourite is lost. Usage: endurance-benchmark
-// [CHANGES [BROWSERS]]
+// Goes from directory to directory as a user does in a day and more, makes and destroys browsers in mid-read
+// and behind their boxes, and dialogs over settings and favourites files of random bytes; prints how much
+// memory is in use on the way. Ends with 1 where memory grows, rows are wrong or a favourite is lost. Usage:
+// endurance-benchmark [CHANGES [BROWSERS]]
 
 #include "Measuring.h"
+#include "MemoryWatch.h"
 #include "dialog/FileDialog.h"
 #include "favorites/FavoritesFile.h"
 #include "favorites/FavoritesStore.h"
@@ -13,6 +14,8 @@
 #include <QDir>
 #include <QFile>
 #include <QInputDialog>
+#include <QListView>
+#include <QPixmapCache>
 #include <QPushButton>
 #include <QSettings>
 #include <QTemporaryDir>
@@ -21,9 +24,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
-#include <malloc.h>
 #include <random>
-#include <unistd.h>
 
 using namespace Halvern::UI;
 using Measuring::milliseconds;
@@ -33,81 +34,12 @@ namespace {
 constexpr int Folders = 20;
 constexpr int DefaultChanges = 20000;
 constexpr int DefaultBrowsers = 1000;
-constexpr int Lines = 10;
 
-/// What the process uses, in bytes.
-struct Memory
-{
-    long long allocated = 0;
-    long long resident = 0;
-};
-
-Memory memoryInUse()
-{
-    Memory memory;
-    ::malloc_trim(0);
-    const auto info = ::mallinfo2();
-    memory.allocated = static_cast<long long>(info.uordblks) + static_cast<long long>(info.hblkhd);
-    QFile file(QStringLiteral("/proc/self/statm"));
-    if (file.open(QFile::ReadOnly))
-        memory.resident = file.readAll().split(' ').value(1).toLongLong() * ::sysconf(_SC_PAGESIZE);
-    return memory;
-}
-
-/// Prints the memory in use from time to time and tells whether it stays.
-class Watch
-{
-public:
-    Watch(const char* what, int rounds)
-        : m_what(what)
-        , m_rounds(rounds)
-    {
-        std::printf("%-12s %12s %12s %12s\n", what, "seconds", "heap, kB", "resident, kB");
-        m_timer.start();
-    }
-
-    void finishRound(int round)
-    {
-        if (round % std::max(m_rounds / Lines, 1) != 0 && round != warmUp())
-            return;
-        const Memory memory = memoryInUse();
-        std::printf("%-12d %12.1f %12lld %12lld\n", round, milliseconds(m_timer) / 1000,
-                    memory.allocated / 1024, memory.resident / 1024);
-        std::fflush(stdout);
-        if (round == warmUp())
-            m_first = memory;
-        m_last = memory;
-    }
-
-    bool isSteady() const
-    {
-        // A batch of names takes two megabytes, and several may be on their way or kept to be filled again.
-        [[maybe_unused]] constexpr long long Allowed = 16 << 20;
-        const long long grown = m_last.allocated - m_first.allocated;
-        const long long residentGrown = m_last.resident - m_first.resident;
-#ifdef __SANITIZE_ADDRESS__
-        // It keeps what was freed, and has a heap of its own.
-        const bool steady = true;
-#else
-        const bool steady = grown < Allowed && residentGrown < Allowed;
-#endif
-        std::printf("%s: %+lld kB in the heap, %+lld kB resident after the first %d: %s\n\n", m_what,
-                    grown / 1024, residentGrown / 1024, warmUp(), steady ? "steady" : "GROWING");
-        return steady;
-    }
-
-private:
-    int warmUp() const
-    {
-        return std::max(m_rounds / 20, 1);
-    }
-
-    const char* m_what;
-    int m_rounds;
-    QElapsedTimer m_timer;
-    Memory m_first;
-    Memory m_last;
-};
+// Growth that is a leak, in bytes of the heap. A batch of names takes two megabytes, and several may be on
+// their way or kept to be filled again, which is little beside many changes only.
+constexpr long long AllowedInFewChanges = 16 << 20;
+constexpr long long AllowedInChanges = 4 << 20;
+constexpr long long AllowedInWindows = 256 << 10;
 
 QString folderName(const QString& tree, int index)
 {
@@ -140,7 +72,7 @@ bool changeDirectories(const QString& tree, int changes)
     browser.show();
     auto* back = browser.findChild<QPushButton*>(QStringLiteral("backButton"));
     const QAbstractItemModel& rows = *browser.findChild<QTreeView*>(QStringLiteral("filesList"))->model();
-    Watch watch("changes", changes);
+    MemoryWatch watch("changes", changes, changes < DefaultChanges ? AllowedInFewChanges : AllowedInChanges);
     for (int change = 1; change <= changes; ++change) {
         const int folder = change / 2 % Folders;
         const bool enters = change % 2 == 1;
@@ -164,23 +96,59 @@ bool changeDirectories(const QString& tree, int changes)
     return watch.isSteady();
 }
 
-// Destroys a browser behind the box that says that a folder cannot be made.
-bool destroyBehindBox()
+// Destroys a browser with a favourite selected behind the box that a button brings up, or behind the one that
+// follows the answer.
+bool destroyBehindBox(const char* button, const QString& answer)
 {
     const QPointer<FileBrowser> browser = new FileBrowser;
-    QTimer::singleShot(0, [&browser] {
-        QTimer::singleShot(0, [&browser] { delete browser; });
+    auto* favorites = browser->findChild<QListView*>(QStringLiteral("favoritesList"));
+    favorites->setCurrentIndex(favorites->model()->index(favorites->model()->rowCount() - 1, 0));
+    bool shown = false;
+    const QObject box; // ends the timers where there is none
+    QTimer::singleShot(0, &box, [&] {
+        QTimer::singleShot(0, &box, [&] {
+            shown = QApplication::activeModalWidget() != nullptr;
+            delete browser;
+        });
         auto* question = qobject_cast<QInputDialog*>(QApplication::activeModalWidget());
-        question->setTextValue(QStringLiteral("no/such/folder"));
-        question->accept();
+        if (question && !answer.isEmpty()) {
+            question->setTextValue(answer);
+            question->accept();
+        }
     });
-    browser->findChild<QPushButton*>(QStringLiteral("newFolderButton"))->click();
-    return !browser;
+    browser->findChild<QPushButton*>(QLatin1String(button))->click();
+    const bool destroyed = !browser;
+    delete browser;
+    if (!shown || !destroyed)
+        std::printf("browsers: %s %s\n", button, destroyed ? "asks nothing" : "keeps its browser");
+    return shown && destroyed;
+}
+
+bool destroyBehindBoxes(int rounds)
+{
+    const QString refused = QStringLiteral("no/such/folder");
+    FileBrowser::AddFavoriteDir("root", std::string(), "/", std::string(), std::string(), FaveAll, true);
+    // Qt makes the icons of a box's buttons anew each time, and would keep them all, up to ten megabytes.
+    const int limit = QPixmapCache::cacheLimit();
+    QPixmapCache::setCacheLimit(0);
+    MemoryWatch watch("boxes", rounds, AllowedInWindows);
+    for (int round = 1; round <= rounds; ++round) {
+        if (!destroyBehindBox("newFolderButton", QString()) || !destroyBehindBox("newFolderButton", refused))
+            return false;
+        for (const char* button : {"addFavoriteButton", "editFavoriteButton", "removeFavoriteButton"}) {
+            if (!destroyBehindBox(button, QString()))
+                return false;
+        }
+        QCoreApplication::processEvents(); // what the X server said of the boxes
+        watch.finishRound(round);
+    }
+    QPixmapCache::setCacheLimit(limit);
+    return watch.isSteady();
 }
 
 bool destroyInMidRead(const QString& folder, int browsers)
 {
-    Watch watch("browsers", browsers);
+    MemoryWatch watch("browsers", browsers, AllowedInWindows);
     for (int round = 1; round <= browsers; ++round) {
         {
             FileBrowser browser;
@@ -188,8 +156,6 @@ bool destroyInMidRead(const QString& folder, int browsers)
             browser.show();
             for (int turn = 0; turn < round % 10; ++turn)
                 QCoreApplication::processEvents(QEventLoop::AllEvents, 1);
-            if (round % 10 == 0 && !destroyBehindBox())
-                return false;
         }
         watch.finishRound(round);
     }
@@ -246,7 +212,7 @@ bool readAnything(const QString& folder, int rounds)
 {
     std::mt19937 random(1);
     const QString favorites = folder + QStringLiteral("/favorites");
-    Watch watch("files", rounds);
+    MemoryWatch watch("files", rounds, AllowedInWindows);
     for (int round = 1; round <= rounds; ++round) {
         const QByteArray bytes = anything(random);
         if (!writeFile(AppSettings().fileName(), bytes) || !writeFile(favorites, bytes))
@@ -287,6 +253,7 @@ int main(int argc, char** argv)
     }
     const bool changesSteady = changeDirectories(tree.path(), changes);
     const bool browsersSteady = destroyInMidRead(large, browsers);
+    const bool boxesSteady = destroyBehindBoxes(std::max(browsers / 2, 1));
     const bool filesRead = readAnything(tree.path(), browsers);
-    return changesSteady && browsersSteady && filesRead ? 0 : 1;
+    return changesSteady && browsersSteady && boxesSteady && filesRead ? 0 : 1;
 }
