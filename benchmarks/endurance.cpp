@@ -6,8 +6,8 @@
 #include "Measuring.h"
 #include "MemoryWatch.h"
 #include "dialog/FileDialog.h"
+#include "dialog/FilePreview.h"
 #include "favorites/FavoritesFile.h"
-#include "favorites/FavoritesStore.h"
 #include "widgets/AppSettings.h"
 
 #include <QApplication>
@@ -15,6 +15,7 @@
 #include <QFile>
 #include <QInputDialog>
 #include <QListView>
+#include <QLoggingCategory>
 #include <QPixmapCache>
 #include <QPushButton>
 #include <QSettings>
@@ -25,6 +26,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <random>
+#include <set>
 
 using namespace Halvern::UI;
 using Measuring::milliseconds;
@@ -34,6 +36,8 @@ namespace {
 constexpr int Folders = 20;
 constexpr int DefaultChanges = 20000;
 constexpr int DefaultBrowsers = 1000;
+constexpr int DefaultFavorites = 3;
+constexpr int EveryType = 255;
 
 // Growth that is a leak, in bytes of the heap. A batch of names takes two megabytes, and several may be on
 // their way or kept to be filled again, which is little beside many changes only.
@@ -167,24 +171,45 @@ QByteArray anything(std::mt19937& random)
 {
     static const QByteArrayList pieces{
         "[FileBrowser]\n",
-        "size=@Size(9 9)\n",
-        "sortorder=",
-        "orderlogicalindex=",
-        "directory=/",
+        "\nsize=@Size(9 9)\n",
+        "\nsize=@Size(700 500)\n",
+        "\nsortorder=",
+        "\nsortorder=1\n",
+        "\norderlogicalindex=",
+        "\norderlogicalindex=2\n",
+        "\nsequences=",
+        "\nsequences=1\n",
+        "\nsplitsequences=",
+        "\nsplitsequences=true\n",
+        "\npreview=",
+        "\npreview=true\n",
+        "\ndirectory=",
+        "\ndirectory=/\n",
+        "\ndirectory=../..\n",
+        "\ndirectory=no/such\n",
         "@ByteArray(",
         "@Rect(",
         "%FF",
         "\\x",
         "=",
-        "add_favorite_dir ",
+        "0",
+        "1",
+        "2",
+        "-7",
+        "true",
+        "/",
+        "..",
+        "shot_000.0001.exr",
+        "\nadd_favorite_dir ",
         "-geo ",
+        " ",
         "\"",
         "'",
         "\n",
     };
-    QByteArray bytes;
+    QByteArray bytes = random() % 2 == 0 ? QByteArray() : pieces.first();
     for (int i = static_cast<int>(random() % 60); i >= 0; --i)
-        bytes += random() % 3 == 0
+        bytes += random() % 5 == 0
                      ? QByteArray(1, static_cast<char>(random()))
                      : pieces.at(static_cast<int>(random() % static_cast<unsigned>(pieces.size())));
     return bytes;
@@ -196,38 +221,75 @@ bool writeFile(const QString& path, const QByteArray& bytes)
     return file.open(QFile::WriteOnly) && file.write(bytes) == bytes.size();
 }
 
-// Whether the favourites that are read from the bytes are all there when they were saved.
-bool keepsFavorites(const QString& path)
+/// What dialogs made of the files.
+struct Reach
 {
-    FavoritesStore store;
-    store.setPreferences(path, QString());
-    store.load();
-    const int read = store.favorites() ? store.favorites()->size() : 0;
-    store.save();
-    QFile file(path);
-    return file.open(QFile::ReadOnly) && FavoritesFile::parse(file.readAll().toStdString()).size() == read;
+    std::set<QString> directories;
+    int favorites = 0;
+    int expanded = 0; ///< dialogs that showed every frame
+    int previews = 0;
+};
+
+// Shows a dialog that reads the settings, and the favourites that were read into the panel.
+bool showDialog(int favorites, Reach& reach)
+{
+    FileDialog dialog;
+    dialog.setPreviewWidget(new FilePreview(&dialog, 0));
+    auto& browser = *dialog.findChild<FileBrowser*>();
+    browser.setFaveType(static_cast<FaveType>(EveryType));
+    browser.updateFromPreferences();
+    dialog.show();
+    const QAbstractItemModel& rows = *browser.findChild<QTreeView*>(QStringLiteral("filesList"))->model();
+    QElapsedTimer timer;
+    timer.start();
+    while (rows.rowCount() == 0 && timer.elapsed() < 10000)
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 10);
+    dialog.grab();
+    reach.directories.insert(dialog.directory().absolutePath());
+    reach.favorites += favorites;
+    reach.expanded += browser.getSequenceMode() == FileBrowser::SequenceMode::Expanded ? 1 : 0;
+    reach.previews += browser.findChild<FilePreview*>()->isVisible() ? 1 : 0;
+    const auto& panel = *browser.findChild<QListView*>(QStringLiteral("favoritesList"))->model();
+    return rows.rowCount() > 0 && panel.rowCount() == DefaultFavorites + favorites &&
+           dialog.directory().exists() && !dialog.size().isEmpty();
 }
 
-bool readAnything(const QString& folder, int rounds)
+// Whether the favourites in the file are still as many when the browsers' list was saved.
+bool keepsFavorites(const QString& path, int favorites)
 {
+    FileBrowser::SaveFavorites();
+    QFile file(path);
+    return file.open(QFile::ReadOnly) &&
+           FavoritesFile::parse(file.readAll().toStdString()).size() == favorites;
+}
+
+bool readAnything(const QString& tree, int rounds)
+{
+    // Settings that name no directory lead here or one up, and those with a relative one not far from it.
+    const QString folder = tree + QStringLiteral("/settings/working");
+    const QString favorites = tree + QStringLiteral("/favorites");
+    if (!QDir().mkpath(folder) || !Measuring::makeTree(folder, fileCount(0)) || !QDir::setCurrent(folder))
+        return false;
+    FileBrowser::SetPreferencesPath(favorites, QString());
+    FileBrowser::SetUseLastSavedDir(true);
     std::mt19937 random(1);
-    const QString favorites = folder + QStringLiteral("/favorites");
+    Reach reach;
     MemoryWatch watch("files", rounds, AllowedInWindows);
     for (int round = 1; round <= rounds; ++round) {
         const QByteArray bytes = anything(random);
         if (!writeFile(AppSettings().fileName(), bytes) || !writeFile(favorites, bytes))
             return false;
-        {
-            FileDialog dialog;
-            dialog.show();
-            if (!keepsFavorites(favorites) || !dialog.directory().exists() || dialog.size().isEmpty()) {
-                std::printf("files: broken by \"%s\"\n", bytes.toPercentEncoding().constData());
-                return false;
-            }
+        FileBrowser::ResetFavorites();
+        const int count = FavoritesFile::parse(bytes.toStdString()).size();
+        if (!showDialog(count, reach) || !keepsFavorites(favorites, count)) {
+            std::printf("files: broken by \"%s\"\n", bytes.toPercentEncoding().constData());
+            return false;
         }
         QCoreApplication::processEvents(); // what the X server said of the window
         watch.finishRound(round);
     }
+    std::printf("files: %d favourites, %zu directories, %d times expanded, %d previews\n", reach.favorites,
+                reach.directories.size(), reach.expanded, reach.previews);
     return watch.isSteady();
 }
 
@@ -242,6 +304,8 @@ int main(int argc, char** argv)
         return 2;
     }
     const QApplication application(argc, argv);
+    // A window may be gone when the X server is to give it the focus.
+    QLoggingCategory::setFilterRules(QStringLiteral("qt.qpa.xcb=false"));
     const QTemporaryDir settings;
     QSettings::setPath(QSettings::IniFormat, QSettings::UserScope, settings.path());
     FileBrowser::SetUseLastSavedDir(false);
