@@ -127,7 +127,7 @@ QVariant FileBrowser::DirectoryModel::displayText(const FileInfo& info, int colu
 
 QVariant FileBrowser::DirectoryModel::background(int row, const FileInfo& info) const
 {
-    if (browser->pickList.contains(normalizeFile(getFullFilePath(info))))
+    if (!browser->pickList.isEmpty() && browser->pickList.contains(normalizeFile(getFullFilePath(info))))
         return _alreadyQueuedColor;
     if (row == hovered)
         return _highlightColor;

@@ -67,6 +67,8 @@ public:
 
     /// False while a read is under way whose rows were not built yet.
     bool isListReady() const { return listReady; }
+    /// Whether every file that was read has its size and time.
+    bool hasAllAttributes() const { return manager.isInfoComplete(); }
     /// The rows in source order; to be looked at while isListReady() only.
     const std::vector<FileInfo*>& rows() const { return entries; }
     /// Changes whenever rows() or the names of its entries do.

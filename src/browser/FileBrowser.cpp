@@ -13,6 +13,7 @@
 #include "widgets/AppSettings.h"
 #include "widgets/DisclosureButton.h"
 
+#include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QGridLayout>
@@ -44,11 +45,12 @@ QPushButton* makeButton(QWidget* parent, const char* name, const QString& text, 
     return button;
 }
 
-// A style decodes an icon anew for every call, and what Qt derives from each stays in its pixmap cache. This one
-// lives as long as the style.
+// A style decodes an icon anew for every call, and the variants that Qt makes of each fill its pixmap cache
+// with every browser. This icon is kept with the style, and lives as long.
 QIcon sharedIcon(QStyle& style, QStyle::StandardPixmap which)
 {
-    const QByteArray name = "CoreUI icon " + QByteArray::number(which);
+    const QByteArray look = QApplication::isRightToLeft() ? "leftwards " : "rightwards ";
+    const QByteArray name = "CoreUI icon " + look + QByteArray::number(which) + QIcon::themeName().toUtf8();
     QVariant icon = style.property(name.constData());
     if (!icon.isValid()) {
         icon = style.standardIcon(which);

@@ -104,6 +104,7 @@ public:
     /// Shows or hides Next, Open and Cancel together.
     void setButtonsVisible(bool visible);
     void setAcceptButtonText(const QString& text);
+    /// What looks like markup is shown as markup.
     void setAcceptButtonTooltip(const QString& text);
     /// Open is disabled in a new browser, and only its host enables it.
     void setAcceptButtonEnabled(bool enabled);
@@ -184,8 +185,9 @@ public:
     static void InitDefaultFavorites();
     /// Adds what the favourites file holds to the list. Errors are printed to standard error.
     static void LoadFavorites();
-    /// Replaces the favourites file; what fails, a full disk included, leaves the old one and is printed to
-    /// standard error.
+    /// Replaces the favourites file by the list as it is, whoever wrote that file: a list that was not read
+    /// from it first leaves nothing of it. What fails, a full disk included, leaves the old one and is
+    /// printed to standard error; so does a file that could not be read.
     static void SaveFavorites();
     /// Adds a favourite; all texts are UTF-8. @p flags are FaveType bits, a negative number stands for its
     /// complement. With @p persist it is kept in the file and takes the place of an earlier one of the same
@@ -204,7 +206,7 @@ public:
 
 signals:
     /// A directory was entered, a single row selected, or a path typed. @p info lives until the signal
-    /// returns.
+    /// returns. Who destroys the browser in answer does it with deleteLater().
     void fileSelected(const Halvern::UI::FileInfo& info, QDir dir);
     void fileDoubleClick(const Halvern::UI::FileInfo& info);
     void fileDoubleClick();
@@ -217,6 +219,7 @@ signals:
     void rejected();
     /// Never emitted by the browser itself.
     void textChanged();
+    /// The text of the filename field changed. Who destroys the browser in answer does it with deleteLater().
     void filenameTextChanged(QString text);
 
 protected:

@@ -38,8 +38,12 @@ void FileBrowser::setDirectory(QDir dir, bool keepFilename, bool doRefresh)
     }
     updateNavigationButtons();
     if (!keepFilename) {
+        const QPointer<FileBrowser> self(this);
         filenameEdit->setText(Base::withSeparator(dir.absolutePath()));
-        emit fileSelected(FileInfo(dir.path().toUtf8().constData(), false), currentDirectory);
+        if (self)
+            emit fileSelected(FileInfo(dir.path().toUtf8().constData(), false), currentDirectory);
+        if (!self)
+            return;
     }
     if (doRefresh)
         refresh();
@@ -322,6 +326,8 @@ void FileBrowser::managerRefreshList()
 
 void FileBrowser::managerFilesUpdated(int /*start*/, int /*end*/)
 {
+    if (directoryModel->hasAllAttributes())
+        attributesTimer->setInterval(0);
     if (!attributesTimer->isActive())
         attributesTimer->start();
 }
@@ -336,8 +342,8 @@ void FileBrowser::showArrivedAttributes()
         attributesTimer->start(ClickTime);
         return;
     }
-    // Sorting many rows takes its time; the pause after it leaves the greater part of the thread to the user.
-    // Few rows come faster than an eye follows, and painting each state takes the processor from the reading.
+    // Sorting many rows takes its time; the pause leaves the greater part of the thread to the user. Few rows
+    // would come faster than an eye follows, and painting each state takes the processor from the reading.
     constexpr int PauseFactor = 4;
     constexpr int ShortestPause = 40; // milliseconds
     QElapsedTimer timer;

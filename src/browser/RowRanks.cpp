@@ -25,8 +25,7 @@ std::vector<int> ranksOf(std::vector<std::pair<Key, int>> keys, std::size_t rows
     return ranks;
 }
 
-// Tells the processor what will be read of the entry: its key, and the length of its name, which is at its
-// end.
+// Tells the processor what will be read of the entry: its key, and the length of its name, its last member.
 void fetch(const FileInfo& info)
 {
     __builtin_prefetch(info.getStringSortName());

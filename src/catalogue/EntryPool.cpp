@@ -15,7 +15,7 @@ constexpr std::size_t BlockBytes = EntryPool::BlockSize * sizeof(FileInfo);
 constexpr std::size_t MostBlocksAtOnce = 16;
 static_assert(BlockBytes % PageSize == 0, "blocks begin with a page");
 
-// Asked for as a whole, pages come at two thirds of the time that they take one by one.
+// Asked for as a whole, pages come sooner than touched one by one.
 void putInPlace(FileInfo* block)
 {
 #ifdef MADV_POPULATE_WRITE
@@ -73,6 +73,8 @@ FileInfo* EntryPool::takeBlock()
         }
         block = newBlock();
     }
+    if (!block)
+        throw std::bad_alloc();
     if (!m_blocks.empty()) // most directories need only some of the first
         putInPlace(block);
     return block;
@@ -87,23 +89,30 @@ bool EntryPool::prepareBlock(std::size_t entries)
             return false;
         block = newBlock();
     }
+    if (!block)
+        return false;
     putInPlace(block);
     const std::lock_guard<std::mutex> lock(m_mutex);
     m_prepared.push_back(block);
     return true;
 }
 
-// One thread that obtains memory waits for another that is having pages put in place, so that blocks are
-// obtained several at once: as many as there are already.
+// Obtaining memory waits while another thread has pages put in place. Blocks are therefore obtained several
+// at once, as many as there are already, within a limit. Null where there is no memory.
 FileInfo* EntryPool::newBlock()
 {
     if (m_unused == 0) {
-        const std::size_t blocks = std::min(std::max<std::size_t>(m_blockCount, 1), MostBlocksAtOnce);
+        std::size_t blocks = std::min(std::max<std::size_t>(m_blockCount, 1), MostBlocksAtOnce);
+        m_memory.reserve(m_memory.size() + 1);
         void* memory = std::aligned_alloc(PageSize, blocks * BlockBytes);
+        if (!memory && blocks > 1) {
+            blocks = 1;
+            memory = std::aligned_alloc(PageSize, BlockBytes);
+        }
         if (!memory)
-            throw std::bad_alloc();
-        m_memory.push_back(static_cast<FileInfo*>(memory));
-        m_next = m_memory.back();
+            return nullptr;
+        m_next = static_cast<FileInfo*>(memory);
+        m_memory.push_back(m_next);
         m_unused = blocks;
     }
     ++m_blockCount;

@@ -25,12 +25,12 @@ public:
     /// Gives up every entry and begins again with the first block. What an entry owns is freed when its place
     /// is used again, or when the pool goes, so that this takes no time however many entries there are.
     void clear();
-    /// Blocks obtained so far; grows only where more entries are alive than ever before.
+    /// Blocks in use or prepared so far; grows only where more entries are alive than ever before.
     std::size_t blockCount() const;
 
     /// Gets a block ahead of its use, with all its memory in place: the system is slow to give memory that is
     /// touched for the first time. False where @p entries entries would not fill it, besides those that the
-    /// pool has. May be called by any thread while the pool lives.
+    /// pool has, and where there is no memory. May be called by any thread while the pool lives.
     bool prepareBlock(std::size_t entries);
 
 private:
@@ -43,10 +43,10 @@ private:
 
     mutable std::mutex m_mutex;        // guards what is below
     std::vector<FileInfo*> m_memory;   // what was obtained: one block or several each
-    FileInfo* m_next = nullptr;        // of the last of them: the next block,
-    std::size_t m_unused = 0;          // and how many there are from there
-    std::vector<FileInfo*> m_prepared; // blocks
-    std::size_t m_blockCount = 0;      // given out or prepared
+    FileInfo* m_next = nullptr;        // the next unused block of the last memory
+    std::size_t m_unused = 0;          // unused blocks from there on
+    std::vector<FileInfo*> m_prepared; // blocks that have all their memory in place
+    std::size_t m_blockCount = 0;      // blocks in use or prepared
 };
 
 } // namespace Halvern::UI

@@ -234,7 +234,7 @@ FileInfo* FileManager::createEntry()
 
 void FileManager::followMembers(FileInfo* sequence)
 {
-    if (static_cast<std::size_t>(infoCursor) == files.size())
+    if (isInfoComplete())
         return;
     for (const auto& member : sequence->sequenceFiles()) {
         if (member.second)

@@ -97,6 +97,8 @@ public:
     void followMembers(FileInfo* sequence);
     /// Ends the following of everything that followMembers() was called for.
     void forgetFollowers();
+    /// Whether every entry has its attributes.
+    bool isInfoComplete() const { return static_cast<std::size_t>(infoCursor) == files.size(); }
     /// Changes whenever all entries die. Pointers taken under another value must not be followed.
     unsigned generation() const { return entryGeneration; }
 
@@ -130,8 +132,8 @@ private:
     {
         FileInfo* entry;
         std::vector<Member> arrived; // emptied when all are members of the entry
-        std::size_t added = 0;       // how many of them are, from the first
-        bool inOrder = false;        // whether they stand by frame
+        std::size_t added = 0;       // the first so many of arrived are members already
+        bool inOrder = false;        // whether arrived stands by frame
     };
 
     static void setInitialSequenceExtensions();
@@ -163,7 +165,8 @@ private:
     std::shared_ptr<std::vector<FileNameRecord>> pendingNames;
 
     std::vector<FileInfo*> files;
-    std::vector<FileInfo*> sequenceOf; // for each of files: the sequence it is a member of, or null
+    std::vector<FileInfo*>
+        sequenceOf; // for each of files: the sequence it is or becomes a member of, or null
     Names entriesByName;
     std::unordered_map<std::string_view, Pattern> patterns; // of those by name: the keys with a "#" in them
     std::vector<Pattern*> grownPatterns;                    // those with arrived members

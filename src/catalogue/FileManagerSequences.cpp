@@ -71,7 +71,8 @@ void FileManager::enterFile(std::size_t index, bool everyMemberSetsWidth)
 }
 
 // Frames come in the order of the disk. Put into the index one by one, each would wait for the memory of a
-// dozen others; in order they go to its end, and stand together in memory for those who walk it.
+// dozen others; in order they go to its end, and stand together in memory for those who walk it. Ordering is
+// quick beside adding, and done for all of a pattern at once.
 void FileManager::addArrivedMembers(Pattern& pattern, std::size_t most)
 {
     std::vector<Member>& members = pattern.arrived;
@@ -197,7 +198,7 @@ FileInfo* FileManager::makeSplitSequence(FileInfo* parent, const FrameRange& ran
     run->setParentSequence(parent);
     run->synchSequenceData();
     run->constructSequenceName();
-    if (static_cast<std::size_t>(infoCursor) < files.size()) {
+    if (!isInfoComplete()) {
         const auto& members = parent->sequenceFiles();
         const auto end = members.upper_bound(range.last);
         for (auto member = members.lower_bound(range.first); member != end; ++member)

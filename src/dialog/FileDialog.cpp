@@ -8,6 +8,7 @@
 
 #include <QDragEnterEvent>
 #include <QMimeData>
+#include <QPointer>
 #include <QUrl>
 #include <QVBoxLayout>
 #include <algorithm>
@@ -132,6 +133,23 @@ void FileDialog::setVisible(bool visible)
         edit.setSelection(start, length);
     else
         edit.setCursorPosition(cursor);
+}
+
+// The base class goes on to the next signal in a dialog that a listener of the one before has destroyed.
+void FileDialog::done(int result)
+{
+    const QPointer<FileDialog> self(this);
+    const bool wereBlocked = blockSignals(true);
+    QDialog::done(result);
+    if (!self)
+        return;
+    blockSignals(wereBlocked);
+    if (result == Accepted)
+        emit accepted();
+    else if (result == Rejected)
+        emit rejected();
+    if (self)
+        emit finished(result);
 }
 
 bool FileDialog::isAcceptable(const FileInfo& info) const

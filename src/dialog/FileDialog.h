@@ -48,6 +48,10 @@ public:
     /// Shows the dialog with the filename field as it was prepared: what is selected in it stays selected.
     void setVisible(bool visible) override;
 
+    /// Closes the dialog with @p result and emits accepted() or rejected(), and then finished(). A host may
+    /// destroy the dialog in a slot of any of them; what is left is not emitted then.
+    void done(int result) override;
+
 protected:
     /// Accepts the drag of exactly one local file.
     void dragEnterEvent(QDragEnterEvent* event) override;

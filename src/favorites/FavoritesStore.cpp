@@ -5,6 +5,7 @@
 
 #include <QFile>
 #include <QFileInfo>
+#include <QGuiApplication>
 #include <QTextStream>
 #include <algorithm>
 #include <cstdio>
@@ -226,7 +227,8 @@ QIcon FavoritesStore::findIcon(const Favorite& favorite)
     if (favorite.isDrive)
         return iconProvider.driveIcon();
     // Asking whether it is a file keeps pipes, whose readers wait, from being opened.
-    if (!favorite.iconPath.isEmpty() && QFileInfo(favorite.iconPath).isFile())
+    const bool mayHaveIcons = qobject_cast<QGuiApplication*>(QCoreApplication::instance()) != nullptr;
+    if (mayHaveIcons && !favorite.iconPath.isEmpty() && QFileInfo(favorite.iconPath).isFile())
         return QIcon(favorite.iconPath);
     return iconProvider.folderIcon(favorite.dir.absolutePath());
 }

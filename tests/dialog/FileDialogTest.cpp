@@ -13,6 +13,7 @@
 #include <QMimeData>
 #include <QPushButton>
 #include <QWindow>
+#include <fstream>
 
 using namespace Halvern::UI;
 using SelectionType = FileBrowser::SelectionType;
@@ -220,7 +221,13 @@ private slots:
     void mayGoInItsOwnAnswer()
     {
         const auto doubleClick = static_cast<Qt::Key>(0);
+        bool atOnce = false;
         for (const auto& [control, key] : {std::pair("openButton", Qt::Key_Space),
+                                           {"cancelButton", Qt::Key_Space},
+                                           {"filenameEdit", Qt::Key_Return},
+                                           {"filesList", Qt::Key_Escape},
+                                           {"filesList", doubleClick},
+                                           {"openButton", Qt::Key_Space},
                                            {"cancelButton", Qt::Key_Space},
                                            {"filenameEdit", Qt::Key_Return},
                                            {"filesList", Qt::Key_Escape},
@@ -228,7 +235,13 @@ private slots:
             const Window window(m_folder->path());
             QTRY_COMPARE(window.names().size(), 3);
             window.open()->setEnabled(true);
-            connect(&window.dialog, &QDialog::finished, this, [&] { delete window.owned; });
+            const auto go = [&] { delete window.owned; };
+            atOnce = !atOnce;
+            connect(&window.dialog, &QDialog::finished, this, go);
+            if (atOnce) {
+                connect(&window.dialog, &QDialog::accepted, this, go);
+                connect(&window.dialog, &QDialog::rejected, this, go);
+            }
             const QPoint place = window.list()->visualRect(window.rows()->index(0, 0)).center();
             if (key == doubleClick)
                 QTest::mouseDClick(window.list()->viewport(), Qt::LeftButton, Qt::NoModifier, place);
@@ -244,16 +257,54 @@ private:
     std::unique_ptr<QTemporaryDir> m_folder;
 };
 
+namespace {
+
+// Everything that is the class's and not a browser's, in this order and the other, with a favourites file
+// that names an icon. Whether the favourite is in the file afterwards.
+bool keepsFavoriteInAnyOrder(const QTemporaryDir& folder)
+{
+    const QString path = folder.filePath("favorites");
+    const std::string icon = folder.filePath("icon.xpm").toStdString();
+    std::ofstream(icon) << "/* XPM */ static char* a[] = {\"1 1 1 1\", \"a c red\", \"a\"};";
+    const auto setPath = [&] { FileBrowser::SetPreferencesPath(path, "Comp"); };
+    const auto addKept = [&] { FileBrowser::AddFavoriteDir("kept", "", "/", icon, "", FaveAll, true); };
+    const std::vector<std::function<void()>> calls{
+        [] { FileBrowser::SetFavoriteExpressionEvaluator(nullptr); },
+        [] { FileBrowser::GetFavoriteExpressionEvaluator(); },
+        setPath,
+        [] { FileBrowser::ResetNonPersistentFavorites(); },
+        addKept,
+        [] { FileBrowser::SetDefaultFavoritePaths("/", "/", "/", "/", true); },
+        [] { FileBrowser::AddFavorite(Favorite(true, true)); },
+        [] { FileBrowser::RemoveFavoriteDir("none", FaveGeo, true); },
+        [] { FileBrowser::SaveFavorites(); },
+        [] { FileBrowser::ResetFavorites(); },
+        [] { FileBrowser::InitFavs(); },
+        [] { FileBrowser::InitDefaultFavorites(); },
+        [] { FileBrowser::LoadFavorites(); },
+        [] { FileBrowser::SetHighlightColor(FileBrowser::GetHightlightColor()); },
+        [] { FileBrowser::SetQueuedColor(FileBrowser::GetQueuedColor()); },
+        [] { FileBrowser::SetDefaultPath(FileBrowser::normalizeFile("#")); },
+        [] { FileBrowser::SetDefaultPath(QString()); },
+        [] { FileManager::addSequenceFileExtension("exr"); }};
+    std::for_each(calls.begin(), calls.end(), [](const auto& call) { call(); });
+    std::for_each(calls.rbegin(), calls.rend(), [](const auto& call) { call(); });
+    QFile file(path);
+    const bool kept = file.open(QFile::ReadOnly) && file.readAll().contains("kept");
+    FileBrowser::SetPreferencesPath(QString(), QString());
+    FileBrowser::SetDefaultFavoritePaths(QString(), QString(), QString(), QString(), false);
+    return kept;
+}
+
+} // namespace
+
 int main(int argc, char** argv)
 {
-    // Before there is an application or a browser, none of these has anything to work on.
-    FileBrowser::SaveFavorites();
-    FileBrowser::LoadFavorites();
-    FileBrowser::AddFavorite(Favorite(true, true));
-    FileBrowser::RemoveFavoriteDir("none", FaveGeo, true);
-    FileBrowser::ResetNonPersistentFavorites();
-    FileBrowser::ResetFavorites();
+    const QTemporaryDir folder;
+    if (!keepsFavoriteInAnyOrder(folder))
+        return 1;
     const QApplication application(argc, argv);
+    FileBrowser::ResetFavorites();
     FileDialogTest test;
     return QTest::qExec(&test, argc, argv);
 }

@@ -107,7 +107,9 @@ private slots:
                 dialog.findChild<QLineEdit*>("nameEdit")->setText("edited");
             });
             panel.choose("all");
-            panel.press("removeFavoriteButton", Qt::Key_Return);
+            panel.press("removeFavoriteButton", Qt::Key_Return, [](QDialog& box) {
+                QCOMPARE(box.property("textFormat").toInt(), int(Qt::PlainText));
+            });
         }
         FileBrowser::ResetFavorites();
         const Panel panel(folder("geo"));
@@ -121,6 +123,7 @@ private slots:
     {
         FileBrowser::AddFavoriteDir("<b>", "", "/", "", "<u>&lt;</u>", FaveAll, true);
         const Panel panel(root.path());
+        QCOMPARE(panel.favorites->model()->index(4, 0).data().toString(), QString("<b>"));
         QTextDocument shown;
         shown.setHtml(panel.favorites->model()->index(4, 0).data(Qt::ToolTipRole).toString());
         QCOMPARE(shown.toPlainText(), QString("<u>&lt;</u>"));
