@@ -45,17 +45,14 @@ void MemoryWatch::finishRound(int round)
                 memory.allocated / 1024, memory.resident / 1024);
     std::fflush(stdout);
     if (round == warmUp())
-        m_firstAllocated = memory.allocated;
-    // How many workers had memory of their own at once is chance, and is known after a while.
-    if (round <= std::max(m_rounds / 2, 1))
-        m_mostResident = std::max(m_mostResident, memory.resident);
+        m_first = memory;
     m_last = memory;
 }
 
 bool MemoryWatch::isSteady() const
 {
-    const long long grown = m_last.allocated - m_firstAllocated;
-    const long long residentGrown = m_last.resident - m_mostResident;
+    const long long grown = m_last.allocated - m_first.allocated;
+    const long long residentGrown = m_last.resident - m_first.resident;
 #ifdef __SANITIZE_ADDRESS__
     // It keeps what was freed, and has a heap of its own.
     const bool steady = true;
@@ -64,11 +61,9 @@ bool MemoryWatch::isSteady() const
     constexpr long long AllowedResident = 16 << 20;
     const bool steady = grown < m_allowed && residentGrown < AllowedResident;
 #endif
-    std::printf(
-        "%s: %+lld kB in the heap after the first %d (of %lld allowed), %+lld kB resident over the most in "
-        "the first half: %s\n\n",
-        m_what, grown / 1024, warmUp(), m_allowed / 1024, residentGrown / 1024,
-        steady ? "steady" : "GROWING");
+    std::printf("%s: %+lld kB in the heap (of %lld allowed), %+lld kB resident after the first %d: %s\n\n",
+                m_what, grown / 1024, m_allowed / 1024, residentGrown / 1024, warmUp(),
+                steady ? "steady" : "GROWING");
     return steady;
 }
 
