@@ -134,8 +134,12 @@ void FileGatherer::disposeOfSome()
         m_garbage.pop_back();
 }
 
+// Stopping waits for one call to the file system at most: after each that may be slow the run looks whether
+// it is still wanted.
 void FileGatherer::readNames(int folder)
 {
+    if (!m_keepRunning)
+        return;
     // The stream closes the descriptor it is given, and the attributes are read after it.
     const int copy = ::fcntl(folder, F_DUPFD_CLOEXEC, 0);
     DIR* stream = copy >= 0 ? ::fdopendir(copy) : nullptr;
@@ -144,7 +148,7 @@ void FileGatherer::readNames(int folder)
     FileNameRecord record;
     while (stream && m_keepRunning) {
         const dirent* entry = ::readdir(stream);
-        if (!entry)
+        if (!entry || !m_keepRunning)
             break;
         Base::copyTruncated(record.name, entry->d_name);
         record.kind = entry->d_type == DT_UNKNOWN ? queriedKind(folder, entry->d_name) : entry->d_type;

@@ -9,36 +9,57 @@
 #include <unistd.h>
 
 std::atomic<int> faults[FaultCount];
-std::atomic<const char*> failingCall;
+std::atomic<const char*> faultyCall;
 
 namespace {
 
 // Of the first thread only. Files are asked for before it is made and, as it is never destroyed, to the end.
 QStringList* calls = nullptr;
 
-// Whether the call is to fail, with errno set.
+constexpr const char* Opened = "(opened before)"; // in place of a path
+
+// Whether the call is to fail, with errno set. Calls without a path are not counted: they are no round trip,
+// or the thread's own business.
 bool fails(const char* name, const char* path)
 {
-    const char* failing = failingCall;
-    int error = failing && std::strcmp(name, failing) == 0 ? faults[CallError].load() : 0;
-    if (::gettid() == ::getpid()) {
-        if (calls && path && *path)
-            calls->append(QString::fromLatin1(name) + QLatin1Char(' ') + QString::fromLocal8Bit(path));
-    } else if (std::strstr(name, "stat")) {
-        ++faults[Questions];
-        ::usleep(static_cast<useconds_t>(faults[QuestionDelay].load()));
-        error = faults[QuestionError];
+    const bool onWorker = ::gettid() != ::getpid();
+    const bool counts = path && *path;
+    if (counts && onWorker)
+        ++faults[Calls];
+    else if (counts && calls)
+        calls->append(QString::fromLatin1(name) + QLatin1Char(' ') + QString::fromLocal8Bit(path));
+    const char* faulty = faultyCall;
+    if (!faulty || std::strcmp(name, faulty) != 0)
+        return false;
+    if (onWorker && faults[CallDelay] != 0) {
+        ++faults[DelayedCalls];
+        ::usleep(static_cast<useconds_t>(faults[CallDelay].load()));
     }
-    if (error != 0)
-        errno = error;
-    return error != 0;
+    errno = faults[CallError];
+    return errno != 0;
+}
+
+template <class Entry>
+Entry* readName(const char* name, DIR* stream, Entry* (*next)(DIR*))
+{
+    if (fails(name, Opened))
+        return nullptr;
+    if (faults[MostNames] != 0 && --faults[MostNames] == 0) {
+        faults[MostNames] = 1;
+        errno = EIO;
+        return nullptr;
+    }
+    Entry* entry = next(stream);
+    if (entry && faults[NoTypes] != 0)
+        entry->d_type = DT_UNKNOWN;
+    return entry;
 }
 
 } // namespace
 
 void endFaults()
 {
-    failingCall = nullptr;
+    faultyCall = nullptr;
     for (auto& fault : faults)
         fault = 0;
 }
@@ -52,38 +73,38 @@ QStringList takeCalls()
 
 // clang-format off
 // NOLINTBEGIN(bugprone-macro-parentheses)
-#define CALL(Result, name, path, parameters, arguments, failed) \
-    extern "C" __attribute__((visibility("default"))) Result name parameters \
+// Under a name of their own, so that the mode, which callers pass only with some flags, is a parameter like others.
+#define HOOK(Result, name, parameters, body) \
+    extern "C" __attribute__((visibility("default"))) Result faulty_##name parameters __asm__(#name); \
+    Result faulty_##name parameters \
     { \
-        static const auto next = reinterpret_cast<decltype(&::name)>(::dlsym(RTLD_NEXT, #name)); \
-        return fails(#name, path) ? failed : next arguments; \
+        static const auto next = reinterpret_cast<Result(*) parameters>(::dlsym(RTLD_NEXT, #name)); \
+        body \
     }
-CALL(int, open, path, (const char* path, int flags, ...), (path, flags, 0600), -1)
-CALL(int, open64, path, (const char* path, int flags, ...), (path, flags, 0600), -1)
+#define CALL(Result, name, path, parameters, arguments, failed) \
+    HOOK(Result, name, parameters, return fails(#name, path) ? failed : next arguments;)
+CALL(int, open, path, (const char* path, int flags, mode_t mode), (path, flags, mode), -1)
+CALL(int, open64, path, (const char* path, int flags, mode_t mode), (path, flags, mode), -1)
 CALL(DIR*, opendir, path, (const char* path), (path), nullptr)
-CALL(int, stat, path, (const char* path, struct stat* to) noexcept, (path, to), -1)
-CALL(int, lstat64, path, (const char* path, struct stat64* to) noexcept, (path, to), -1)
-CALL(int, fstatat, path, (int at, const char* path, struct stat* to, int how) noexcept, (at, path, to, how), -1)
-CALL(int, statx, path, (int at, const char* path, int how, unsigned what, struct statx* to) noexcept, (at, path, how, what, to), -1)
-CALL(int, access, path, (const char* path, int mode) noexcept, (path, mode), -1)
-CALL(ssize_t, readlink, path, (const char* path, char* to, size_t size) noexcept, (path, to, size), -1)
-CALL(char*, realpath, path, (const char* path, char* to) noexcept, (path, to), nullptr)
-CALL(int, rename, path, (const char* path, const char* to) noexcept, (path, to), -1)
+CALL(DIR*, fdopendir, Opened, (int file), (file), nullptr)
+HOOK(dirent*, readdir, (DIR* stream), return readName("readdir", stream, next);)
+HOOK(dirent64*, readdir64, (DIR* stream), return readName("readdir64", stream, next);)
+CALL(int, stat, path, (const char* path, struct stat* to), (path, to), -1)
+CALL(int, stat64, path, (const char* path, struct stat64* to), (path, to), -1)
+CALL(int, lstat64, path, (const char* path, struct stat64* to), (path, to), -1)
+CALL(int, fstatat, path, (int at, const char* path, struct stat* to, int how), (at, path, to, how), -1)
+CALL(int, statx, path, (int at, const char* path, int how, unsigned what, struct statx* to), (at, path, how, what, to), -1)
+CALL(int, access, path, (const char* path, int mode), (path, mode), -1)
+CALL(ssize_t, readlink, path, (const char* path, char* to, size_t size), (path, to, size), -1)
+CALL(char*, realpath, path, (const char* path, char* to), (path, to), nullptr)
+CALL(int, rename, path, (const char* path, const char* to), (path, to), -1)
+CALL(int, mkdir, path, (const char* path, mode_t mode), (path, mode), -1)
+CALL(int, unlink, path, (const char* path), (path), -1)
 CALL(int, fsync, nullptr, (int file), (file), -1)
-CALL(ssize_t, write, nullptr, (int file, const void* bytes, size_t size), (file, bytes, size), -1)
+HOOK(ssize_t, write, (int file, const void* bytes, size_t size),
+     const auto left = static_cast<size_t>(faults[ShortWrites]);
+     if (left != 0 && left < size)
+         return next(file, bytes, size - left);
+     return fails("write", nullptr) ? -1 : next(file, bytes, size);)
 // NOLINTEND(bugprone-macro-parentheses)
 // clang-format on
-
-extern "C" __attribute__((visibility("default"))) dirent* readdir(DIR* stream)
-{
-    static const auto next = reinterpret_cast<decltype(&::readdir)>(::dlsym(RTLD_NEXT, "readdir"));
-    if (faults[MostNames] != 0 && --faults[MostNames] == 0) {
-        faults[MostNames] = 1;
-        errno = EIO;
-        return nullptr;
-    }
-    dirent* entry = next(stream);
-    if (entry && faults[NoTypes] != 0)
-        entry->d_type = DT_UNKNOWN;
-    return entry;
-}
