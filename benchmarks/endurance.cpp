@@ -1,18 +1,21 @@
-// Goes from directory to directory as a user does in a day and more, makes and destroys browsers in mid-read,
-// and dialogs over settings and favourites files of random bytes; prints how much memory is in use on the
-// way. Ends with 1 where memory grows, rows are wrong or a favourite is lost. Usage: endurance-benchmark
-// [CHANGES [BROWSERS]]
+// Goes from directory to directory as a user does in a day and more, makes and destroys browsers in mid-read
+// and behind their boxes, and dialogs over settings and favourites files of random bytes; prints how much
+// memory is in use on the way. Ends with 1 where memory grows, rows are wrong or a favourite is lost. Usage:
+// endurance-benchmark [CHANGES [BROWSERS]]
 
 #include "Measuring.h"
+#include "MemoryWatch.h"
 #include "dialog/FileDialog.h"
 #include "favorites/FavoritesFile.h"
-#include "favorites/FavoritesStore.h"
 #include "widgets/AppSettings.h"
 
 #include <QApplication>
 #include <QDir>
 #include <QFile>
 #include <QInputDialog>
+#include <QListView>
+#include <QLoggingCategory>
+#include <QPixmapCache>
 #include <QPushButton>
 #include <QSettings>
 #include <QTemporaryDir>
@@ -23,7 +26,7 @@
 #include <cstdlib>
 #include <malloc.h>
 #include <random>
-#include <unistd.h>
+#include <set>
 
 using namespace Halvern::UI;
 using Measuring::milliseconds;
@@ -33,81 +36,14 @@ namespace {
 constexpr int Folders = 20;
 constexpr int DefaultChanges = 20000;
 constexpr int DefaultBrowsers = 1000;
-constexpr int Lines = 10;
+constexpr int DefaultFavorites = 3;
+constexpr int EveryType = 255;
 
-/// What the process uses, in bytes.
-struct Memory
-{
-    long long allocated = 0;
-    long long resident = 0;
-};
-
-Memory memoryInUse()
-{
-    Memory memory;
-    ::malloc_trim(0);
-    const auto info = ::mallinfo2();
-    memory.allocated = static_cast<long long>(info.uordblks) + static_cast<long long>(info.hblkhd);
-    QFile file(QStringLiteral("/proc/self/statm"));
-    if (file.open(QFile::ReadOnly))
-        memory.resident = file.readAll().split(' ').value(1).toLongLong() * ::sysconf(_SC_PAGESIZE);
-    return memory;
-}
-
-/// Prints the memory in use from time to time and tells whether it stays.
-class Watch
-{
-public:
-    Watch(const char* what, int rounds)
-        : m_what(what)
-        , m_rounds(rounds)
-    {
-        std::printf("%-12s %12s %12s %12s\n", what, "seconds", "heap, kB", "resident, kB");
-        m_timer.start();
-    }
-
-    void finishRound(int round)
-    {
-        if (round % std::max(m_rounds / Lines, 1) != 0 && round != warmUp())
-            return;
-        const Memory memory = memoryInUse();
-        std::printf("%-12d %12.1f %12lld %12lld\n", round, milliseconds(m_timer) / 1000,
-                    memory.allocated / 1024, memory.resident / 1024);
-        std::fflush(stdout);
-        if (round == warmUp())
-            m_first = memory;
-        m_last = memory;
-    }
-
-    bool isSteady() const
-    {
-        // A batch of names takes two megabytes, and several may be on their way or kept to be filled again.
-        [[maybe_unused]] constexpr long long Allowed = 16 << 20;
-        const long long grown = m_last.allocated - m_first.allocated;
-        const long long residentGrown = m_last.resident - m_first.resident;
-#ifdef __SANITIZE_ADDRESS__
-        // It keeps what was freed, and has a heap of its own.
-        const bool steady = true;
-#else
-        const bool steady = grown < Allowed && residentGrown < Allowed;
-#endif
-        std::printf("%s: %+lld kB in the heap, %+lld kB resident after the first %d: %s\n\n", m_what,
-                    grown / 1024, residentGrown / 1024, warmUp(), steady ? "steady" : "GROWING");
-        return steady;
-    }
-
-private:
-    int warmUp() const
-    {
-        return std::max(m_rounds / 20, 1);
-    }
-
-    const char* m_what;
-    int m_rounds;
-    QElapsedTimer m_timer;
-    Memory m_first;
-    Memory m_last;
-};
+// Growth that is a leak, in bytes of the heap. A batch of names takes two megabytes, and several may be on
+// their way or kept to be filled again, which is little beside many changes only.
+constexpr long long AllowedInFewChanges = 16 << 20;
+constexpr long long AllowedInChanges = 4 << 20;
+constexpr long long AllowedInWindows = 256 << 10;
 
 QString folderName(const QString& tree, int index)
 {
@@ -140,7 +76,7 @@ bool changeDirectories(const QString& tree, int changes)
     browser.show();
     auto* back = browser.findChild<QPushButton*>(QStringLiteral("backButton"));
     const QAbstractItemModel& rows = *browser.findChild<QTreeView*>(QStringLiteral("filesList"))->model();
-    Watch watch("changes", changes);
+    MemoryWatch watch("changes", changes, changes < DefaultChanges ? AllowedInFewChanges : AllowedInChanges);
     for (int change = 1; change <= changes; ++change) {
         const int folder = change / 2 % Folders;
         const bool enters = change % 2 == 1;
@@ -164,23 +100,59 @@ bool changeDirectories(const QString& tree, int changes)
     return watch.isSteady();
 }
 
-// Destroys a browser behind the box that says that a folder cannot be made.
-bool destroyBehindBox()
+// Destroys a browser with a favourite selected behind the box that a button brings up, or behind the one that
+// follows the answer.
+bool destroyBehindBox(const char* button, const QString& answer)
 {
     const QPointer<FileBrowser> browser = new FileBrowser;
-    QTimer::singleShot(0, [&browser] {
-        QTimer::singleShot(0, [&browser] { delete browser; });
+    auto* favorites = browser->findChild<QListView*>(QStringLiteral("favoritesList"));
+    favorites->setCurrentIndex(favorites->model()->index(favorites->model()->rowCount() - 1, 0));
+    bool shown = false;
+    const QObject box; // ends the timers where there is none
+    QTimer::singleShot(0, &box, [&] {
+        QTimer::singleShot(0, &box, [&] {
+            shown = QApplication::activeModalWidget() != nullptr;
+            delete browser;
+        });
         auto* question = qobject_cast<QInputDialog*>(QApplication::activeModalWidget());
-        question->setTextValue(QStringLiteral("no/such/folder"));
-        question->accept();
+        if (question && !answer.isEmpty()) {
+            question->setTextValue(answer);
+            question->accept();
+        }
     });
-    browser->findChild<QPushButton*>(QStringLiteral("newFolderButton"))->click();
-    return !browser;
+    browser->findChild<QPushButton*>(QLatin1String(button))->click();
+    const bool destroyed = !browser;
+    delete browser;
+    if (!shown || !destroyed)
+        std::printf("browsers: %s %s\n", button, destroyed ? "asks nothing" : "keeps its browser");
+    return shown && destroyed;
+}
+
+bool destroyBehindBoxes(int rounds)
+{
+    const QString refused = QStringLiteral("no/such/folder");
+    FileBrowser::AddFavoriteDir("root", std::string(), "/", std::string(), std::string(), FaveAll, true);
+    // Qt makes the icons of a box's buttons anew each time, and would keep them all, up to ten megabytes.
+    const int limit = QPixmapCache::cacheLimit();
+    QPixmapCache::setCacheLimit(0);
+    MemoryWatch watch("boxes", rounds, AllowedInWindows);
+    for (int round = 1; round <= rounds; ++round) {
+        if (!destroyBehindBox("newFolderButton", QString()) || !destroyBehindBox("newFolderButton", refused))
+            return false;
+        for (const char* button : {"addFavoriteButton", "editFavoriteButton", "removeFavoriteButton"}) {
+            if (!destroyBehindBox(button, QString()))
+                return false;
+        }
+        QCoreApplication::processEvents(); // what the X server said of the boxes
+        watch.finishRound(round);
+    }
+    QPixmapCache::setCacheLimit(limit);
+    return watch.isSteady();
 }
 
 bool destroyInMidRead(const QString& folder, int browsers)
 {
-    Watch watch("browsers", browsers);
+    MemoryWatch watch("browsers", browsers, AllowedInWindows);
     for (int round = 1; round <= browsers; ++round) {
         {
             FileBrowser browser;
@@ -188,8 +160,6 @@ bool destroyInMidRead(const QString& folder, int browsers)
             browser.show();
             for (int turn = 0; turn < round % 10; ++turn)
                 QCoreApplication::processEvents(QEventLoop::AllEvents, 1);
-            if (round % 10 == 0 && !destroyBehindBox())
-                return false;
         }
         watch.finishRound(round);
     }
@@ -201,24 +171,45 @@ QByteArray anything(std::mt19937& random)
 {
     static const QByteArrayList pieces{
         "[FileBrowser]\n",
-        "size=@Size(9 9)\n",
-        "sortorder=",
-        "orderlogicalindex=",
-        "directory=/",
+        "\nsize=@Size(9 9)\n",
+        "\nsize=@Size(700 500)\n",
+        "\nsortorder=",
+        "\nsortorder=1\n",
+        "\norderlogicalindex=",
+        "\norderlogicalindex=2\n",
+        "\nsequences=",
+        "\nsequences=1\n",
+        "\nsplitsequences=",
+        "\nsplitsequences=true\n",
+        "\npreview=",
+        "\npreview=true\n",
+        "\ndirectory=",
+        "\ndirectory=/\n",
+        "\ndirectory=../..\n",
+        "\ndirectory=no/such\n",
         "@ByteArray(",
         "@Rect(",
         "%FF",
         "\\x",
         "=",
-        "add_favorite_dir ",
+        "0",
+        "1",
+        "2",
+        "-7",
+        "true",
+        "/",
+        "..",
+        "shot_000.0001.exr",
+        "\nadd_favorite_dir ",
         "-geo ",
+        " ",
         "\"",
         "'",
         "\n",
     };
-    QByteArray bytes;
+    QByteArray bytes = random() % 2 == 0 ? QByteArray() : pieces.first();
     for (int i = static_cast<int>(random() % 60); i >= 0; --i)
-        bytes += random() % 3 == 0
+        bytes += random() % 5 == 0
                      ? QByteArray(1, static_cast<char>(random()))
                      : pieces.at(static_cast<int>(random() % static_cast<unsigned>(pieces.size())));
     return bytes;
@@ -230,38 +221,88 @@ bool writeFile(const QString& path, const QByteArray& bytes)
     return file.open(QFile::WriteOnly) && file.write(bytes) == bytes.size();
 }
 
-// Whether the favourites that are read from the bytes are all there when they were saved.
-bool keepsFavorites(const QString& path)
+/// Stands for a pane without its drawing surface, which needs the display driver.
+class Pane : public QWidget
 {
-    FavoritesStore store;
-    store.setPreferences(path, QString());
-    store.load();
-    const int read = store.favorites() ? store.favorites()->size() : 0;
-    store.save();
-    QFile file(path);
-    return file.open(QFile::ReadOnly) && FavoritesFile::parse(file.readAll().toStdString()).size() == read;
+    Q_OBJECT
+
+public:
+    using QWidget::QWidget;
+
+public slots:
+    void fileSelected(const Halvern::UI::FileInfo& /*info*/, QDir /*dir*/) {}
+};
+
+/// What dialogs made of the files.
+struct Reach
+{
+    std::set<QString> directories;
+    int favorites = 0;
+    int expanded = 0; ///< dialogs that showed every frame
+    int previews = 0;
+};
+
+// Shows a dialog that reads the settings, and the favourites that were read into the panel.
+bool showDialog(int favorites, Reach& reach)
+{
+    FileDialog dialog;
+    auto* pane = new Pane(&dialog);
+    dialog.setPreviewWidget(pane);
+    auto& browser = *dialog.findChild<FileBrowser*>();
+    browser.setFaveType(static_cast<FaveType>(EveryType));
+    browser.updateFromPreferences();
+    dialog.show();
+    const QAbstractItemModel& rows = *browser.findChild<QTreeView*>(QStringLiteral("filesList"))->model();
+    QElapsedTimer timer;
+    timer.start();
+    while (rows.rowCount() == 0 && timer.elapsed() < 10000)
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 10);
+    dialog.grab();
+    reach.directories.insert(dialog.directory().absolutePath());
+    reach.favorites += favorites;
+    reach.expanded += browser.getSequenceMode() == FileBrowser::SequenceMode::Expanded ? 1 : 0;
+    reach.previews += pane->isVisible() ? 1 : 0;
+    const auto& panel = *browser.findChild<QListView*>(QStringLiteral("favoritesList"))->model();
+    return rows.rowCount() > 0 && panel.rowCount() == DefaultFavorites + favorites &&
+           dialog.directory().exists() && !dialog.size().isEmpty();
 }
 
-bool readAnything(const QString& folder, int rounds)
+// Whether the favourites in the file are still as many when the browsers' list was saved.
+bool keepsFavorites(const QString& path, int favorites)
 {
+    FileBrowser::SaveFavorites();
+    QFile file(path);
+    return file.open(QFile::ReadOnly) &&
+           FavoritesFile::parse(file.readAll().toStdString()).size() == favorites;
+}
+
+bool readAnything(const QString& tree, int rounds)
+{
+    // Settings that name no directory lead here or one up, and those with a relative one not far from it.
+    const QString folder = tree + QStringLiteral("/settings/working");
+    const QString favorites = tree + QStringLiteral("/favorites");
+    if (!QDir().mkpath(folder) || !Measuring::makeTree(folder, fileCount(0)) || !QDir::setCurrent(folder))
+        return false;
+    FileBrowser::SetPreferencesPath(favorites, QString());
+    FileBrowser::SetUseLastSavedDir(true);
     std::mt19937 random(1);
-    const QString favorites = folder + QStringLiteral("/favorites");
-    Watch watch("files", rounds);
+    Reach reach;
+    MemoryWatch watch("files", rounds, AllowedInWindows);
     for (int round = 1; round <= rounds; ++round) {
         const QByteArray bytes = anything(random);
         if (!writeFile(AppSettings().fileName(), bytes) || !writeFile(favorites, bytes))
             return false;
-        {
-            FileDialog dialog;
-            dialog.show();
-            if (!keepsFavorites(favorites) || !dialog.directory().exists() || dialog.size().isEmpty()) {
-                std::printf("files: broken by \"%s\"\n", bytes.toPercentEncoding().constData());
-                return false;
-            }
+        FileBrowser::ResetFavorites();
+        const int count = FavoritesFile::parse(bytes.toStdString()).size();
+        if (!showDialog(count, reach) || !keepsFavorites(favorites, count)) {
+            std::printf("files: broken by \"%s\"\n", bytes.toPercentEncoding().constData());
+            return false;
         }
         QCoreApplication::processEvents(); // what the X server said of the window
         watch.finishRound(round);
     }
+    std::printf("files: %d favourites, %zu directories, %d times expanded, %d previews\n", reach.favorites,
+                reach.directories.size(), reach.expanded, reach.previews);
     return watch.isSteady();
 }
 
@@ -276,6 +317,10 @@ int main(int argc, char** argv)
         return 2;
     }
     const QApplication application(argc, argv);
+    // Else what workers freed would stay resident, and how many had a heap of their own is chance.
+    ::mallopt(M_TRIM_THRESHOLD, 128 << 10);
+    // A window may be gone when the X server is to give it the focus.
+    QLoggingCategory::setFilterRules(QStringLiteral("qt.qpa.xcb=false"));
     const QTemporaryDir settings;
     QSettings::setPath(QSettings::IniFormat, QSettings::UserScope, settings.path());
     FileBrowser::SetUseLastSavedDir(false);
@@ -287,6 +332,9 @@ int main(int argc, char** argv)
     }
     const bool changesSteady = changeDirectories(tree.path(), changes);
     const bool browsersSteady = destroyInMidRead(large, browsers);
+    const bool boxesSteady = destroyBehindBoxes(std::max(browsers / 2, 1));
     const bool filesRead = readAnything(tree.path(), browsers);
-    return changesSteady && browsersSteady && filesRead ? 0 : 1;
+    return changesSteady && browsersSteady && boxesSteady && filesRead ? 0 : 1;
 }
+
+#include "endurance.moc"

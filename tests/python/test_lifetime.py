@@ -59,20 +59,28 @@ def test_browser_and_evaluator_survive_each_other(open_browser, frames):
     until(lambda: "notes.txt" in rows(second))
 
 
+@pytest.mark.parametrize("leave", [
+    lambda browser, _: sip.delete(browser),
+    lambda _, evaluators: sip.delete(evaluators.pop()),
+    lambda browser, evaluators: [browser.setFileSequenceEvaluator(None), evaluators.clear()]],
+    ids=["browser deleted", "evaluator deleted", "evaluator dropped"])
 @pytest.mark.parametrize("asked_by_the_read", [False, True])
-def test_browser_may_go_while_its_evaluator_is_asked(open_browser, asked_by_the_read):
+def test_either_may_go_while_the_evaluator_is_asked(open_browser, frames, leave, asked_by_the_read):
     class Impatient(Halvern.UI.FileSequenceEvaluator):
         def evaluateFiles(self, files):
-            if browsers_to_go and (len(files) > 8 or not asked_by_the_read):
-                sip.delete(browsers_to_go.pop())
+            if leaving and (len(files) > 8 or not asked_by_the_read):
+                leaving.pop()(browser, evaluators)
             return files
 
-    browsers_to_go, evaluator, browser = [], Impatient(), open_browser()
-    browser.setFileSequenceEvaluator(evaluator)
-    browsers_to_go.append(browser)
+    leaving, evaluators, browser = [], [Impatient()], open_browser()
+    browser.setFileSequenceEvaluator(evaluators[0])
+    leaving.append(leave)
     if asked_by_the_read:
         browser.setDirectory(QDir("/"))
-        until(lambda: not browsers_to_go)
+        until(lambda: not leaving)
     else:
         browser.setSequencesEnabled(True)
-    assert sip.isdeleted(browser)
+    assert sip.isdeleted(browser) == bool(evaluators)
+    if not evaluators:
+        browser.setDirectory(QDir(str(frames)))
+        until(lambda: "sh010_a.#.exr 1-2" in rows(browser))
