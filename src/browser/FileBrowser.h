@@ -261,6 +261,7 @@ private slots:
     virtual void accept();
     virtual void reject();
     void loadDirectorySettings();
+    static bool isOnDisk(const QDir& dir);
     void showArrivedAttributes();
 
 private:

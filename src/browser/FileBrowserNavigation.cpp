@@ -23,9 +23,15 @@
 
 namespace Halvern::UI {
 
+// Qt has the resources of the program in directories that begin with a colon, which no read can list.
+bool FileBrowser::isOnDisk(const QDir& dir)
+{
+    return dir.exists() && !dir.path().startsWith(QLatin1Char(':'));
+}
+
 void FileBrowser::setDirectory(QDir dir, bool keepFilename, bool doRefresh)
 {
-    if ((hasDirectory && dir == currentDirectory) || !dir.exists())
+    if ((hasDirectory && dir == currentDirectory) || !isOnDisk(dir))
         return;
     currentDirectory = dir;
     hasDirectory = true;

@@ -73,7 +73,7 @@ void FileBrowser::loadDirectorySettings()
     const QVariant stored = AppSettings().value(_directoryIdentifier);
     const QDir candidate(_useLastSavedDir && stored.isValid() ? stored.toString() : QDir::currentPath());
     setDirectory(candidate, false, false);
-    if (!candidate.exists())
+    if (!isOnDisk(candidate))
         navigateUp();
 }
 

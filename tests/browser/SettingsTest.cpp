@@ -57,12 +57,16 @@ private slots:
         settings.write(
             "[FileBrowser]\norderlogicalindex=abc\nsortorder=99\nsequences=maybe\nsplitsequences=\n"
             "directory=@Invalid()\npreview=@ByteArray(\nsize=wide\nnoise\n\xff\xfe=\n"
-            "[FileBrowser/odd]\norderlogicalindex=-7\ndirectory=/nowhere/at/all\n");
+            "[FileBrowser/odd]\norderlogicalindex=-7\ndirectory=/nowhere/at/all\n"
+            "[FileBrowser/resources]\ndirectory=:\n");
         settings.close();
         FileBrowser browser;
         QCOMPARE(describe(browser), QDir::currentPath() + " 0 0 1 0");
         browser.buildSettingsNamespace(QStringLiteral("odd"));
-        QCOMPARE(describe(browser), QFileInfo(QDir::currentPath()).path() + " 0 0 1 0");
+        const QString parent = QFileInfo(QDir::currentPath()).path();
+        QCOMPARE(describe(browser), parent + " 0 0 1 0");
+        browser.buildSettingsNamespace(QStringLiteral("resources"));
+        QCOMPARE(describe(browser), QFileInfo(parent).path() + " 0 0 1 0");
     }
 
     void unwritableSettingsDoNoHarm()

@@ -134,6 +134,9 @@ private slots:
             auto* manager = new FileManager;
             int reads = 0;
             const auto readNext = [&] {
+                for (const FileInfo* file : allFiles(*manager))
+                    QVERIFY(file->fileName()[0] == (reads % 2 == 0 ? 'f' : 'o') ||
+                            file->fileName()[0] == '.');
                 if (++reads == 6)
                     delete manager;
                 else
