@@ -89,6 +89,7 @@ void FileGatherer::stop()
     const bool wereBlocked = blockSignals(true);
     m_keepRunning = false;
     wait();
+    m_runsEnded.load(std::memory_order_acquire);
     blockSignals(wereBlocked);
     discardBatches();
     m_endAnnounced = true;
@@ -126,6 +127,7 @@ void FileGatherer::run()
     m_names.dropSpares();
     while (m_keepRunning && !m_garbage.empty())
         disposeOfSome();
+    m_runsEnded.fetch_add(1, std::memory_order_release);
 }
 
 void FileGatherer::disposeOfSome()

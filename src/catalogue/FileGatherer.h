@@ -103,6 +103,9 @@ private:
     // Shared by both threads.
     std::atomic<bool> m_keepRunning{false};
     std::atomic<bool> m_allNamesRead{false};
+    // Carries what a run wrote to the thread that waited for it. Qt's lock does that too, unseen by race
+    // detectors.
+    std::atomic<unsigned> m_runsEnded{0};
     NameQueue m_names{NameBatchSize};
     InfoQueue m_infos{InfoBatchSize};
 
