@@ -226,8 +226,8 @@ QIcon FavoritesStore::findIcon(const Favorite& favorite)
 {
     if (favorite.isDrive)
         return iconProvider.driveIcon();
-    // Asking whether it is a file keeps pipes, whose readers wait, from being opened.
     const bool mayHaveIcons = qobject_cast<QGuiApplication*>(QCoreApplication::instance()) != nullptr;
+    // Asking whether it is a file keeps pipes, whose readers wait, from being opened.
     if (mayHaveIcons && !favorite.iconPath.isEmpty() && QFileInfo(favorite.iconPath).isFile())
         return QIcon(favorite.iconPath);
     return iconProvider.folderIcon(favorite.dir.absolutePath());

@@ -220,38 +220,39 @@ private slots:
 
     void mayGoInItsOwnAnswer()
     {
-        const auto doubleClick = static_cast<Qt::Key>(0);
-        bool atOnce = false;
-        for (const auto& [control, key] : {std::pair("openButton", Qt::Key_Space),
-                                           {"cancelButton", Qt::Key_Space},
-                                           {"filenameEdit", Qt::Key_Return},
-                                           {"filesList", Qt::Key_Escape},
-                                           {"filesList", doubleClick},
-                                           {"openButton", Qt::Key_Space},
-                                           {"cancelButton", Qt::Key_Space},
-                                           {"filenameEdit", Qt::Key_Return},
-                                           {"filesList", Qt::Key_Escape},
-                                           {"filesList", doubleClick}}) {
-            const Window window(m_folder->path());
-            QTRY_COMPARE(window.names().size(), 3);
-            window.open()->setEnabled(true);
-            const auto go = [&] { delete window.owned; };
-            atOnce = !atOnce;
-            connect(&window.dialog, &QDialog::finished, this, go);
-            if (atOnce) {
-                connect(&window.dialog, &QDialog::accepted, this, go);
-                connect(&window.dialog, &QDialog::rejected, this, go);
-            }
-            const QPoint place = window.list()->visualRect(window.rows()->index(0, 0)).center();
-            if (key == doubleClick)
-                QTest::mouseDClick(window.list()->viewport(), Qt::LeftButton, Qt::NoModifier, place);
-            else
-                QTest::keyClick(window.dialog.findChild<QWidget*>(control), key);
-            QVERIFY2(!window.owned, control);
+        for (const bool atOnce : {true, false}) {
+            for (const auto& [control, key] : {std::pair("openButton", Qt::Key_Space),
+                                               {"cancelButton", Qt::Key_Space},
+                                               {"filenameEdit", Qt::Key_Return},
+                                               {"filesList", Qt::Key_Escape},
+                                               {"filesList", DoubleClick}})
+                goInAnswer(control, key, atOnce);
         }
     }
 
 private:
+    static constexpr auto DoubleClick = static_cast<Qt::Key>(0);
+
+    // Destroys a dialog in answer to the key, by the first signal of its end or the last.
+    void goInAnswer(const char* control, Qt::Key key, bool atOnce)
+    {
+        const Window window(m_folder->path());
+        QTRY_COMPARE(window.names().size(), 3);
+        window.open()->setEnabled(true);
+        const auto go = [&] { delete window.owned; };
+        connect(&window.dialog, &QDialog::finished, this, go);
+        if (atOnce) {
+            connect(&window.dialog, &QDialog::accepted, this, go);
+            connect(&window.dialog, &QDialog::rejected, this, go);
+        }
+        const QPoint place = window.list()->visualRect(window.rows()->index(0, 0)).center();
+        if (key == DoubleClick)
+            QTest::mouseDClick(window.list()->viewport(), Qt::LeftButton, Qt::NoModifier, place);
+        else
+            QTest::keyClick(window.dialog.findChild<QWidget*>(control), key);
+        QVERIFY2(!window.owned, control);
+    }
+
     QString path(const QString& name) const { return m_folder->path() + '/' + name; }
 
     std::unique_ptr<QTemporaryDir> m_folder;
