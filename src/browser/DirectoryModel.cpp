@@ -152,6 +152,7 @@ QVariant FileBrowser::DirectoryModel::headerData(int section, Qt::Orientation /*
 
 void FileBrowser::DirectoryModel::setDirectory(const QDir& dir, SequenceMode /*mode*/, bool force)
 {
+    manager.setNamesOrdered(sequenceMode == SequenceMode::Expanded);
     const bool started = manager.getFilesFromFolder(dir.absolutePath().toStdString(), force);
     const bool entriesDied = entriesGeneration != manager.generation();
     if (entriesDied) {
@@ -164,7 +165,7 @@ void FileBrowser::DirectoryModel::setDirectory(const QDir& dir, SequenceMode /*m
     } else if (entriesDied || (!force && dir != directory)) {
         beginResetModel();
         entries.clear();
-        ++revision;
+        names = NameOrder();
         entriesGeneration = manager.generation();
         endResetModel();
     }
@@ -215,7 +216,10 @@ void FileBrowser::DirectoryModel::buildRunningList()
         manager.buildRunningList(&entries, splitSequences ? FileHandle::RegisteredSplitSequences
                                                           : FileHandle::RegisteredSequences);
     entriesGeneration = manager.generation();
-    ++revision;
+    names = manager.takeNameOrder();
+    if (sequenceMode != SequenceMode::Expanded || names.size() != entries.size())
+        names = NameOrder(entries);
+    names.apply(entries);
     listReady = true;
     if (entry(hovered) != hoveredEntry)
         hovered = -1;

@@ -2,6 +2,7 @@
 
 #include "browser/FileBrowser.h"
 #include "catalogue/FileManager.h"
+#include "catalogue/NameOrder.h"
 
 #include <QAbstractItemModel>
 #include <memory>
@@ -69,10 +70,11 @@ public:
     bool isListReady() const { return listReady; }
     /// Whether every file that was read has its size and time.
     bool hasAllAttributes() const { return manager.isInfoComplete(); }
-    /// The rows in source order; to be looked at while isListReady() only.
+    /// The rows in source order: by name, or as the list was built where names have no such order. To be
+    /// looked at while isListReady() only.
     const std::vector<FileInfo*>& rows() const { return entries; }
-    /// Changes whenever rows() or the names of its entries do.
-    unsigned rowsRevision() const { return revision; }
+    /// Of rows(), as they were when these were built.
+    const NameOrder& nameOrder() const { return names; }
     /// The entry of a row, borrowed; null where there is none to follow.
     FileInfo* entry(int row) const;
     /// The entry of a row that is known to be there.
@@ -101,8 +103,8 @@ private:
     bool listReady = false;
     FileBrowser* browser;
     std::vector<FileInfo*> entries;
+    NameOrder names;
     unsigned entriesGeneration = 0; // of the manager when the entries were taken
-    unsigned revision = 1;
     FileManager manager;
     SequenceMode sequenceMode = SequenceMode::Expanded;
     bool splitSequences = false;

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <functional>
 
 namespace Halvern::UI {
 
@@ -14,7 +15,7 @@ namespace {
 // Names with equal keys come before each other in both directions, and so does the answer.
 bool nameLess(const FileInfo& left, const FileInfo& right)
 {
-    if (RowRanks::isKeyed(left) && RowRanks::isKeyed(right))
+    if (NameOrder::isKeyed(left) && NameOrder::isKeyed(right))
         return std::strcmp(left.getStringSortName(), right.getStringSortName()) <= 0;
     return std::strcoll(left.displayName(), right.displayName()) <= 0;
 }
@@ -93,6 +94,7 @@ void FileBrowser::ProxyModel::apply()
 void FileBrowser::ProxyModel::sort(int column, Qt::SortOrder order)
 {
     forgetRanks();
+    fromSourceOrder = false;
     QSortFilterProxyModel::sort(column, order);
 }
 
@@ -100,14 +102,16 @@ bool FileBrowser::ProxyModel::filterAcceptsRow(int sourceRow, const QModelIndex&
 {
     const DirectoryModel& model = *browser->directoryModel;
     // Filtering begins here, and sorting follows it; sizes and times may have arrived.
-    if (sourceRow == 0)
+    if (sourceRow == 0) {
         rankedColumn = NoColumn;
+        fromSourceOrder = true;
+    }
     if (!model.isListReady())
         return true;
     const FileInfo* info = model.entry(sourceRow);
     if (!info)
         return false;
-    const char* name = info->displayName();
+    const char* name = model.nameOrder().name(static_cast<std::size_t>(sourceRow));
     if (!filterPattern.isEmpty()) {
         if (filterBlocked && name[0] == '.')
             return false;
@@ -138,23 +142,28 @@ bool FileBrowser::ProxyModel::matchesPrefix(const char* name) const
 }
 
 // None while there are no rows to rank.
-void FileBrowser::ProxyModel::findRanks(int column) const
+std::vector<int> FileBrowser::ProxyModel::ranksBy(int column) const
 {
     const DirectoryModel& model = *browser->directoryModel;
-    rankedColumn = column;
-    ranks.clear();
     if (!model.isListReady())
-        return;
-    if (namedRevision != model.rowsRevision()) {
-        nameRanks = RowRanks::byName(model.rows());
-        namedRevision = model.rowsRevision();
-    }
+        return {};
     if (column == DirectoryModel::SizeColumn)
-        ranks = RowRanks::bySize(model.rows(), nameRanks);
-    else if (column == DirectoryModel::ModifiedColumn)
-        ranks = RowRanks::byTime(model.rows());
-    else
-        ranks = nameRanks;
+        return RowRanks::bySize(model.rows(), model.nameOrder());
+    if (column == DirectoryModel::ModifiedColumn)
+        return RowRanks::byTime(model.rows(), placesOfEqualTimes());
+    return model.nameOrder().ranks();
+}
+
+// Sorting keeps equal rows as they stand, which is the order of the names then, and not that in which the
+// list was built.
+std::vector<int> FileBrowser::ProxyModel::placesOfEqualTimes() const
+{
+    if (!fromSourceOrder)
+        return {};
+    std::vector<int> places = browser->directoryModel->nameOrder().places();
+    if (sortOrder() == Qt::DescendingOrder)
+        std::transform(places.begin(), places.end(), places.begin(), std::negate<>());
+    return places;
 }
 
 bool FileBrowser::ProxyModel::lessThan(const QModelIndex& left, const QModelIndex& right) const
@@ -162,14 +171,16 @@ bool FileBrowser::ProxyModel::lessThan(const QModelIndex& left, const QModelInde
     const int column = left.column();
     if (column != right.column())
         return false;
-    if (column != rankedColumn)
-        findRanks(column);
+    if (column != rankedColumn) {
+        ranks = ranksBy(column);
+        rankedColumn = column;
+    }
     const auto leftRow = static_cast<std::size_t>(left.row());
     const auto rightRow = static_cast<std::size_t>(right.row());
     if (leftRow < ranks.size() && rightRow < ranks.size()) {
         const int leftRank = ranks[leftRow];
         const int rightRank = ranks[rightRow];
-        if (leftRank != RowRanks::None && rightRank != RowRanks::None)
+        if (leftRank != NameOrder::NoRank && rightRank != NameOrder::NoRank)
             return column == DirectoryModel::ModifiedColumn ? leftRank < rightRank : leftRank <= rightRank;
     }
     const FileInfo* leftInfo = browser->directoryModel->entry(left.row());

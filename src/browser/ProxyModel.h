@@ -12,8 +12,7 @@ namespace Halvern::UI {
 
 /// Filters and orders the rows of a DirectoryModel: hides names that begin with ".", applies the wildcard
 /// filter and the typed name prefix, and sorts. It filters and sorts when it is told to, not when data
-/// change. The order of the names is found once for the rows that the model has built, and kept until it
-/// builds them anew.
+/// change.
 class FileBrowser::ProxyModel : public QSortFilterProxyModel
 {
     Q_OBJECT
@@ -52,7 +51,8 @@ private:
 
     bool matchesPattern(const char* name) const;
     bool matchesPrefix(const char* name) const;
-    void findRanks(int column) const;
+    std::vector<int> ranksBy(int column) const;
+    std::vector<int> placesOfEqualTimes() const;
 
     std::string namePrefix;
     QString filterPattern;
@@ -60,11 +60,10 @@ private:
     FileBrowser* browser;
     bool filterBlocked = false;
 
-    // See RowRanks. The first comparison of a sorting finds them.
-    mutable std::vector<int> nameRanks;
-    mutable unsigned namedRevision = 0; // of the rows that have name ranks
-    mutable std::vector<int> ranks;     // of the column by which it is being sorted
+    // Of the rows in the column by which it is being sorted; the first comparison finds them.
+    mutable std::vector<int> ranks;
     mutable int rankedColumn = NoColumn;
+    mutable bool fromSourceOrder = true; // sorts rows as the source has them, not as they are sorted already
 };
 
 } // namespace Halvern::UI

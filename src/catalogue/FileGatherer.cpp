@@ -102,7 +102,7 @@ FileGatherer::InfoQueue::BatchPointer FileGatherer::takeInfos()
 
 bool FileGatherer::takeNamesFinished()
 {
-    if (m_namesAnnounced || !m_allNamesRead || m_names.hasNext())
+    if (m_namesAnnounced || !areNamesTaken())
         return false;
     m_namesAnnounced = true;
     return true;

@@ -59,6 +59,8 @@ public:
     InfoQueue::BatchPointer takeInfos();
     /// True once in a run: when all its names were read and taken.
     bool takeNamesFinished();
+    /// Whether all names of the run were read and taken.
+    bool areNamesTaken() const { return m_allNamesRead && !m_names.hasNext(); }
     /// Whether takeNames() has something to give.
     bool hasNames() const { return m_names.hasNext(); }
     /// Whether one of the three has something to give.

@@ -1,7 +1,7 @@
 #include "catalogue/FileInfoList.h"
 
 #include "base/FileSystem.h"
-#include "base/TextOrder.h"
+#include "base/Texts.h"
 #include "catalogue/FrameName.h"
 #include "catalogue/FrameRun.h"
 #include "catalogue/NaturalOrder.h"
@@ -9,7 +9,6 @@
 #include <cerrno>
 #include <cstring>
 #include <dirent.h>
-#include <numeric>
 #include <utility>
 
 namespace Halvern::UI {
@@ -72,29 +71,13 @@ private:
 
     void sort(const NaturalOrder& order)
     {
-        std::vector<char> keys;
-        std::vector<std::size_t> begins;
-        begins.reserve(m_entries.size());
-        for (const Entry& one : m_entries) {
-            begins.push_back(keys.size());
-            order.appendKey(m_names.data() + one.begin, keys);
-        }
-        std::vector<const char*> texts;
-        texts.reserve(begins.size());
-        for (const std::size_t begin : begins)
-            texts.push_back(keys.data() + begin);
-        // By counting; a directory that changes while it is read may give a name twice.
-        const std::vector<int> ranks = Base::textRanks(texts);
-        std::vector<int> places(ranks.size() + 1);
-        for (const int rank : ranks)
-            ++places[static_cast<std::size_t>(rank) + 1];
-        std::partial_sum(places.begin(), places.end(), places.begin());
-        std::vector<int> indexes(ranks.size());
-        for (std::size_t i = 0; i < ranks.size(); ++i)
-            indexes[static_cast<std::size_t>(places[static_cast<std::size_t>(ranks[i])]++)] =
-                static_cast<int>(i);
-        m_sorted.reserve(indexes.size());
-        for (const int index : indexes)
+        Base::Texts keys;
+        keys.reserve(m_entries.size(), 0);
+        for (const Entry& one : m_entries)
+            keys.appendFrom(
+                [&](std::vector<char>& bytes) { order.appendKey(m_names.data() + one.begin, bytes); });
+        m_sorted.reserve(m_entries.size());
+        for (const int index : Base::ordered(keys))
             m_sorted.push_back(m_entries[static_cast<std::size_t>(index)]);
     }
 

@@ -2,6 +2,7 @@
 
 #include "base/Text.h"
 #include "catalogue/FileGatherer.h"
+#include "catalogue/NameOrder.h"
 
 #include <QPointer>
 #include <QTimer>
@@ -136,12 +137,16 @@ void FileManager::insertFiles()
     if (!names || names->empty())
         return;
     forgetSplitSequences();
+    if (nameOrder && nameOrder->isFinishing())
+        nameOrder.reset();
     for (const FileNameRecord& record : *names) {
         FileInfo* file = pool.create();
         file->setBasicInformation(record.name, false);
         file->setIsDirectory(record.kind == DT_DIR);
         files.push_back(file);
         sequenceOf.push_back(nullptr);
+        if (nameOrder)
+            nameOrder->add(file);
         enterFile(files.size() - 1, true);
     }
 }
@@ -158,6 +163,7 @@ void FileManager::cleanData()
     sequences.clear();
     sequencesInUse = 0;
     forgetSplitSequences();
+    nameOrder = namesOrdered ? std::make_unique<NameOrder>() : nullptr;
     unsummed.clear();
     infoCursor = 0;
     splitIndex = 0;
@@ -279,13 +285,35 @@ void FileManager::takeArrivals()
     while (alive && gatherer->hasArrivals() && !turnIsOver()) {
         if (gatherer->hasNames())
             takeNames();
-        else if (!addArrivedMembersInTurn())
+        else if (!prepareListInTurn())
             return;
         else if (gatherer->takeNamesFinished())
             announceNames(false);
         else if (const auto infos = gatherer->takeInfos())
             updateInfo(infos.get(), true);
     }
+}
+
+// What is left to do when all names are taken; false when the turn is over and not all is done.
+bool FileManager::prepareListInTurn()
+{
+    constexpr std::size_t NamesAtOnce = 1000;
+    if (!addArrivedMembersInTurn())
+        return false;
+    while (nameOrder && !nameOrder->finish(NamesAtOnce)) {
+        if (!readingSynchronously && turnIsOver())
+            return false;
+    }
+    return true;
+}
+
+NameOrder FileManager::takeNameOrder()
+{
+    const auto taken = std::exchange(nameOrder, nullptr);
+    if (!taken)
+        return {};
+    taken->finish();
+    return std::move(*taken);
 }
 
 void FileManager::takeNames()
@@ -317,7 +345,7 @@ void FileManager::fileNameFinished(bool withInfo)
     if (!mayTakeNow())
         return;
     // A stopped run may have left its announcement in the queue, and names may still wait for their turn.
-    if (announced && (gatherer->hasNames() || !addArrivedMembersInTurn() || !gatherer->takeNamesFinished()))
+    if (announced && (!gatherer->areNamesTaken() || !prepareListInTurn() || !gatherer->takeNamesFinished()))
         return;
     announceNames(withInfo);
 }

@@ -20,6 +20,7 @@ class QTimer;
 namespace Halvern::UI {
 
 class FileGatherer;
+class NameOrder;
 struct FileNameRecord;
 
 /// The catalogue of one directory: reads it on a worker thread, turns the names into entries as they arrive,
@@ -97,6 +98,12 @@ public:
     void followMembers(FileInfo* sequence);
     /// Ends the following of everything that followMembers() was called for.
     void forgetFollowers();
+    /// Whether names are ordered while they arrive, a little in each turn of the event loop (default: no).
+    /// Takes effect with the next read.
+    void setNamesOrdered(bool ordered) { namesOrdered = ordered; }
+    /// The finished order of the names of all files, in reading order, for the taker to keep. Empty where
+    /// they were not ordered since they arrived, or it was taken already.
+    NameOrder takeNameOrder();
     /// Whether every entry has its attributes.
     bool isInfoComplete() const { return static_cast<std::size_t>(infoCursor) == files.size(); }
     /// Changes whenever all entries die. Pointers taken under another value must not be followed.
@@ -153,6 +160,7 @@ private:
     void addArrivedMembers(Pattern& pattern, std::size_t most);
     void addArrivedMembers();
     bool addArrivedMembersInTurn();
+    bool prepareListInTurn();
     void forgetSplitSequences();
     FileInfo* makeSplitSequence(FileInfo* parent, const FrameRange& range);
     void appendSequence(std::vector<FileInfo*>& out, FileInfo* sequence, bool split, bool registeredOnly);
@@ -173,6 +181,7 @@ private:
     std::vector<FileInfo*> sequences;
     std::size_t sequencesInUse = 0; // those behind are left from an earlier evaluation, to be used again
     std::vector<FileInfo*> splitEntries;
+    std::unique_ptr<NameOrder> nameOrder;   // of files; null where it is not wanted
     std::unordered_set<FileInfo*> unsummed; // sequences that gained members since they were last summed
     Followers splitFollowers;               // member to split entry
     Followers hostFollowers;                // member to entry of followMembers()
@@ -183,6 +192,7 @@ private:
     bool splitDone = false;
     bool assumeZeroPadding = false;
     bool reevaluationEnabled = false;
+    bool namesOrdered = false;
     bool readingSynchronously = false;
 };
 

@@ -33,6 +33,24 @@ public:
     bool dies = false;
 };
 
+// Gives the files of the given names, in their order.
+class InOrder : public FileSequenceEvaluator
+{
+public:
+    std::vector<FileInfo*> evaluateFiles(std::vector<FileInfo*> files) override
+    {
+        std::vector<FileInfo*> rows;
+        for (const QString& name : names) {
+            const auto isNamed = [&name](const FileInfo* file) { return name == file->fileName(); };
+            const auto found = std::find_if(files.begin(), files.end(), isNamed);
+            if (found != files.end())
+                rows.push_back(*found);
+        }
+        return rows;
+    }
+    QStringList names;
+};
+
 } // namespace
 
 /// What the list shows of a directory, and in which order.
@@ -121,6 +139,39 @@ private slots:
         QTRY_COMPARE(window.rows().mid(3), (QStringList{"B", "a", "n"}));
         window.list()->sortByColumn(0, Qt::DescendingOrder);
         QCOMPARE(window.rows(), (QStringList{"z/", "n", longName, "c", "B", "a"}));
+    }
+
+    // Sorted by another column, equal rows stay as they stand; built anew, they come as they were given.
+    // Names with equal keys come the other way round.
+    void equalRowsKeepTheirOrder()
+    {
+        const QTemporaryDir folder;
+        InOrder evaluator;
+        QVERIFY(SampleFiles::make(folder.path(), {"d", "b", "B", "a", "c"}));
+        evaluator.names = QStringList{"c", "B", "d", "a", "b"};
+        for (const char* name : {"a", "b", "B", "c", "d"}) {
+            QFile file(folder.filePath(name));
+            QVERIFY(file.open(QIODevice::ReadWrite));
+            QVERIFY(file.setFileTime(QDateTime::fromSecsSinceEpoch(*name == 'd' ? 2000000 : 1000000),
+                                     QFileDevice::FileModificationTime));
+        }
+        BrowserWindow window(folder.path());
+        window.browser.setFileSequenceEvaluator(&evaluator);
+        QTRY_COMPARE(window.rows(), (QStringList{"a", "b", "B", "c", "d"}));
+        QTRY_VERIFY(window.model()->hasAllAttributes());
+        window.list()->sortByColumn(0, Qt::DescendingOrder);
+        QCOMPARE(window.rows(), (QStringList{"d", "c", "b", "B", "a"}));
+        window.list()->sortByColumn(1, Qt::AscendingOrder);
+        QCOMPARE(window.rows(), (QStringList{"a", "b", "B", "c", "d"}));
+        window.list()->sortByColumn(2, Qt::AscendingOrder);
+        QCOMPARE(window.rows(), (QStringList{"a", "b", "B", "c", "d"}));
+        window.list()->sortByColumn(2, Qt::DescendingOrder);
+        QCOMPARE(window.rows(), (QStringList{"d", "a", "b", "B", "c"}));
+        window.model()->buildRunningList();
+        QCOMPARE(window.rows(), (QStringList{"d", "c", "B", "a", "b"}));
+        window.list()->sortByColumn(2, Qt::AscendingOrder);
+        window.model()->buildRunningList();
+        QCOMPARE(window.rows(), (QStringList{"c", "B", "a", "b", "d"}));
     }
 
     void rowsAreEmptyDuringARead()

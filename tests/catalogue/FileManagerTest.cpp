@@ -1,5 +1,6 @@
 #include "catalogue/FileManager.h"
 #include "catalogue/FileGatherer.h"
+#include "catalogue/NameOrder.h"
 #include "support/SampleFiles.h"
 #include "support/Test.h"
 
@@ -105,6 +106,7 @@ private slots:
         QVERIFY(SampleFiles::makeFrames(second.path(), "second.%04d.exr", 1, 2100));
         for (unsigned long round = 0; round < 16; ++round) {
             FileManager manager;
+            manager.setNamesOrdered(true);
             QVERIFY(manager.getFilesFromFolder(m_path, false));
             // Switched at another moment each time, some with signals of the first read waiting to be
             // delivered.
@@ -116,6 +118,11 @@ private slots:
             int refreshes = 0;
             connect(&manager, &FileManager::refreshList, this, [&] {
                 ++refreshes;
+                // Its names were ordered while they arrived.
+                const NameOrder order = manager.takeNameOrder();
+                QCOMPARE(order.size(), std::size_t(2102));
+                QCOMPARE(order.name(2101), "second.2100.exr");
+                QCOMPARE(manager.takeNameOrder().size(), std::size_t(0));
                 for (const FileInfo* file : allFiles(manager))
                     QVERIFY2(*file->fileName() != 'f', file->fileName());
             });

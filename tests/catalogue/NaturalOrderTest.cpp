@@ -1,5 +1,5 @@
 #include "catalogue/NaturalOrder.h"
-#include "base/TextOrder.h"
+#include "base/Texts.h"
 #include "support/Test.h"
 
 using namespace Halvern;
@@ -17,17 +17,16 @@ private slots:
 static void expectAscending(NaturalOrder::Numbers numbers, QByteArrayList names)
 {
     std::reverse(names.begin(), names.end());
-    std::vector<std::vector<char>> keys(static_cast<std::size_t>(names.size()));
-    std::vector<const char*> texts;
+    Base::Texts keys;
+    std::vector<int> ascending;
     for (int i = 0; i < names.size(); ++i) {
-        std::vector<char>& key = keys[static_cast<std::size_t>(i)];
-        NaturalOrder(numbers).appendKey(names.at(i).constData(), key);
-        texts.push_back(key.data());
-        QVERIFY2(i == 0 || qstrcmp(texts[texts.size() - 2], texts.back()) > 0, names.at(i).constData());
+        keys.appendFrom(
+            [&](std::vector<char>& key) { NaturalOrder(numbers).appendKey(names.at(i).constData(), key); });
+        QVERIFY2(i == 0 || qstrcmp(keys[keys.size() - 2], keys[keys.size() - 1]) > 0,
+                 names.at(i).constData());
+        ascending.insert(ascending.begin(), i);
     }
-    std::vector<int> descending = Base::textRanks(texts);
-    for (int i = 0; i < names.size(); ++i)
-        QCOMPARE(descending[static_cast<std::size_t>(i)], names.size() - 1 - i);
+    QCOMPARE(Base::ordered(keys), ascending);
 }
 
 void NaturalOrderTest::orders()
