@@ -112,10 +112,12 @@ void Texts::reserve(std::size_t count, std::size_t bytesOfEach)
     m_bytes.reserve(count * bytesOfEach);
 }
 
-void Texts::append(const char* text)
+void Texts::append(const char* text, const char* following)
 {
-    appendFrom(
-        [text](std::vector<char>& bytes) { bytes.insert(bytes.end(), text, text + std::strlen(text) + 1); });
+    appendFrom([&](std::vector<char>& bytes) {
+        for (const char* part : {text, following})
+            bytes.insert(bytes.end(), part, part + std::strlen(part) + 1);
+    });
 }
 
 // Where a text begins is fetched before the text.

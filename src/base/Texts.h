@@ -6,15 +6,16 @@
 namespace Halvern::Base {
 
 /// Many texts one behind the other in one piece of memory, so that what walks over them hardly waits for it.
-/// A text is bytes and ends at its first zero byte.
+/// A text is bytes and ends at its first zero byte; another may follow it and goes where it goes.
 class Texts
 {
 public:
     void reserve(std::size_t count, std::size_t bytesOfEach);
 
-    /// @p text may not be one of these.
-    void append(const char* text);
-    /// Appends the text that @p write adds, terminator included, to the bytes that it is given.
+    /// Neither may be one of these. What follows the text stands behind its terminator and has one of its
+    /// own.
+    void append(const char* text, const char* following);
+    /// Appends the text that @p write adds, terminators included, to the bytes that it is given.
     template <class Write>
     void appendFrom(Write write)
     {
@@ -23,7 +24,6 @@ public:
     }
 
     std::size_t size() const { return m_begins.size(); }
-    std::size_t bytes() const { return m_bytes.size(); } ///< Of all texts, terminators included.
     /// Valid until the next text is appended.
     const char* operator[](std::size_t index) const { return m_bytes.data() + m_begins[index]; }
     /// Behind the last terminator.

@@ -15,16 +15,22 @@ constexpr std::size_t BlockBytes = EntryPool::BlockSize * sizeof(FileInfo);
 constexpr std::size_t MostBlocksAtOnce = 16;
 static_assert(BlockBytes % PageSize == 0, "blocks begin with a page");
 
-// Asked for as a whole, pages come sooner than touched one by one.
-void putInPlace(FileInfo* block)
+// Asked for together, pages come sooner than touched one by one. Meanwhile no other thread gets memory from
+// the system or gives any back, so that they are not too many.
+constexpr std::size_t BytesAtOnce = 64 * PageSize;
+
+// The part of the block that begins there. Returns where the next begins.
+std::size_t putInPlace(FileInfo* block, std::size_t begin)
 {
+    const std::size_t end = std::min(begin + BytesAtOnce, BlockBytes);
+    char* const bytes = reinterpret_cast<char*>(block);
 #ifdef MADV_POPULATE_WRITE
-    if (::madvise(block, BlockBytes, MADV_POPULATE_WRITE) == 0)
-        return;
+    if (::madvise(bytes + begin, end - begin, MADV_POPULATE_WRITE) == 0)
+        return end;
 #endif
-    auto* const bytes = reinterpret_cast<volatile char*>(block);
-    for (std::size_t i = 0; i < BlockBytes; i += PageSize)
-        bytes[i] = 0;
+    for (std::size_t i = begin; i < end; i += PageSize)
+        const_cast<volatile char*>(bytes)[i] = 0;
+    return end;
 }
 
 } // namespace
@@ -75,25 +81,29 @@ FileInfo* EntryPool::takeBlock()
     }
     if (!block)
         throw std::bad_alloc();
-    if (!m_blocks.empty()) // most directories need only some of the first
-        putInPlace(block);
+    if (m_blocks.empty()) // most directories need only some of the first
+        return block;
+    for (std::size_t inPlace = 0; inPlace < BlockBytes;)
+        inPlace = putInPlace(block, inPlace);
     return block;
 }
 
-bool EntryPool::prepareBlock(std::size_t entries)
+bool EntryPool::prepare(std::size_t entries)
 {
-    FileInfo* block = nullptr;
-    {
+    if (!m_preparing) {
         const std::lock_guard<std::mutex> lock(m_mutex);
         if ((m_blockCount + 1) * BlockSize > entries)
             return false;
-        block = newBlock();
+        m_preparing = newBlock();
+        m_inPlace = 0;
     }
-    if (!block)
+    if (!m_preparing)
         return false;
-    putInPlace(block);
-    const std::lock_guard<std::mutex> lock(m_mutex);
-    m_prepared.push_back(block);
+    m_inPlace = putInPlace(m_preparing, m_inPlace);
+    if (m_inPlace == BlockBytes) {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        m_prepared.push_back(std::exchange(m_preparing, nullptr));
+    }
     return true;
 }
 

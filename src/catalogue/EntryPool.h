@@ -9,7 +9,7 @@
 namespace Halvern::UI {
 
 /// Makes and owns entries in contiguous blocks. Entries stay where they are until clear(); the memory of a
-/// block is kept for the next entries until the pool goes. One thread at a time, but for prepareBlock().
+/// block is kept for the next entries until the pool goes. One thread at a time, but for prepare().
 class EntryPool
 {
 public:
@@ -28,10 +28,11 @@ public:
     /// Blocks in use or prepared so far; grows only where more entries are alive than ever before.
     std::size_t blockCount() const;
 
-    /// Gets a block ahead of its use, with all its memory in place: the system is slow to give memory that is
-    /// touched for the first time. False where @p entries entries would not fill it, besides those that the
-    /// pool has, and where there is no memory. May be called by any thread while the pool lives.
-    bool prepareBlock(std::size_t entries);
+    /// Goes on with getting a block ahead of its use, with all its memory in place: the system is slow to
+    /// give memory that is touched for the first time. Each call does a little of it, for milliseconds at
+    /// most. False where nothing is left to do: @p entries entries would not fill another block, besides
+    /// those that the pool has, or there is no memory. May be called by another thread while the pool lives.
+    bool prepare(std::size_t entries);
 
 private:
     FileInfo* takeBlock();
@@ -40,6 +41,10 @@ private:
     std::vector<FileInfo*> m_blocks; // raw memory in use; m_constructed entries of it are constructed
     std::size_t m_used = 0;          // the others are left from before clear()
     std::size_t m_constructed = 0;
+
+    // Of the thread that prepares.
+    FileInfo* m_preparing = nullptr; // the block that is not in place as a whole yet
+    std::size_t m_inPlace = 0;       // bytes of it that are
 
     mutable std::mutex m_mutex;        // guards what is below
     std::vector<FileInfo*> m_memory;   // what was obtained: one block or several each

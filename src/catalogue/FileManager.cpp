@@ -32,7 +32,7 @@ bool canOpenDirectory(const std::string& path)
 } // namespace
 
 FileManager::FileManager()
-    : gatherer(std::make_unique<FileGatherer>([this](std::size_t names) { return pool.prepareBlock(names); }))
+    : gatherer(std::make_unique<FileGatherer>([this](std::size_t names) { return pool.prepare(names); }))
     , arrivalsTimer(new QTimer(this))
 {
     arrivalsTimer->setSingleShot(true);

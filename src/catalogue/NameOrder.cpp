@@ -52,14 +52,12 @@ void NameOrder::add(const FileInfo* entry)
         if (!m_pieces.empty())
             sortLastPiece();
         m_pieces.emplace_back();
-        for (Base::Texts* texts : {&m_pieces.back().keys, &m_pieces.back().names})
-            texts->reserve(m_pieceSize, TypicalLength);
+        m_pieces.back().keys.reserve(m_pieceSize, 2 * TypicalLength);
     }
     const bool ranked = entry && isKeyed(*entry);
     if (!ranked)
         m_unranked.push_back(static_cast<int>(m_size));
-    m_pieces.back().keys.append(ranked ? entry->getStringSortName() : "");
-    m_pieces.back().names.append(entry ? entry->displayName() : "");
+    m_pieces.back().keys.append(ranked ? entry->getStringSortName() : "", entry ? entry->displayName() : "");
     ++m_size;
 }
 
@@ -68,7 +66,6 @@ void NameOrder::sortLastPiece()
     Piece& piece = m_pieces.back();
     piece.places = Base::ordered(piece.keys);
     piece.keys = piece.keys.inOrder(piece.places);
-    piece.names = piece.names.inOrder(piece.places);
     const int first = static_cast<int>((m_pieces.size() - 1) * m_pieceSize);
     for (int& place : piece.places)
         place += first;
@@ -82,7 +79,6 @@ bool NameOrder::finish(std::size_t most)
         takeLeast();
     if (!m_heads.empty())
         return false;
-    m_pieces.clear();
     if (!m_unranked.empty())
         restorePlaces();
     return true;
@@ -94,13 +90,10 @@ void NameOrder::beginMerge()
     if (m_pieces.empty())
         return;
     sortLastPiece();
-    std::size_t bytes = 0;
-    for (Piece& piece : m_pieces) {
-        bytes += piece.names.bytes();
+    for (Piece& piece : m_pieces)
         m_heads.push_back(&piece);
-    }
     std::make_heap(m_heads.begin(), m_heads.end(), comesLater);
-    m_names.reserve(m_size, (bytes + m_size - 1) / m_size);
+    m_names.reserve(m_size);
     m_places.reserve(m_size);
     m_ranks.reserve(m_size);
 }
@@ -119,7 +112,7 @@ void NameOrder::takeLeast()
     const bool isFirst = m_ranks.empty();
     m_ranks.push_back(isFirst ? 0 : m_ranks.back() + (std::strcmp(m_lastKey, key) != 0 ? 1 : 0));
     m_places.push_back(piece.places[piece.merged]);
-    m_names.append(piece.names[piece.merged]);
+    m_names.push_back(key + std::strlen(key) + 1);
     m_lastKey = key;
     if (++piece.merged < piece.places.size())
         std::push_heap(m_heads.begin(), m_heads.end(), comesLater);
@@ -129,17 +122,17 @@ void NameOrder::takeLeast()
 
 void NameOrder::restorePlaces()
 {
-    std::vector<int> indexes(m_size);
+    std::vector<const char*> names(m_size);
     std::vector<int> ranks(m_size);
     for (std::size_t i = 0; i < m_size; ++i) {
         const auto place = static_cast<std::size_t>(m_places[i]);
-        indexes[place] = static_cast<int>(i);
+        names[place] = m_names[i];
         ranks[place] = m_ranks[i];
     }
     for (const int place : m_unranked)
         ranks[static_cast<std::size_t>(place)] = NoRank;
     m_unranked.clear();
-    m_names = m_names.inOrder(indexes);
+    m_names.swap(names);
     m_ranks.swap(ranks);
     std::iota(m_places.begin(), m_places.end(), 0);
 }

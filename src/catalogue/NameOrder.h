@@ -19,6 +19,9 @@ public:
     static constexpr int NoRank = -1;
 
     NameOrder();
+    NameOrder(NameOrder&&) = default;
+    NameOrder& operator=(NameOrder&&) = default;
+    ~NameOrder() = default;
     /// That of @p entries, sorted in one piece and finished.
     explicit NameOrder(const std::vector<FileInfo*>& entries);
 
@@ -48,8 +51,7 @@ public:
 private:
     struct Piece
     {
-        Base::Texts keys;
-        Base::Texts names;
+        Base::Texts keys; // behind each, the name
         std::vector<int> places;
         std::size_t merged = 0;
     };
@@ -62,13 +64,13 @@ private:
 
     std::size_t m_pieceSize;
     std::size_t m_size = 0;
-    std::vector<Piece> m_pieces; // all but the last are sorted; emptied when all are merged
+    std::vector<Piece> m_pieces; // all but the last are sorted
     std::vector<Piece*> m_heads; // a heap of those with something to merge, the least on top
     std::vector<int> m_unranked; // as they were added
     const char* m_lastKey = nullptr;
     bool m_finishing = false;
 
-    Base::Texts m_names;
+    std::vector<const char*> m_names; // in the pieces
     std::vector<int> m_places;
     std::vector<int> m_ranks;
 };
