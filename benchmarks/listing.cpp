@@ -17,6 +17,7 @@
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
+#include <unistd.h>
 
 using namespace Measuring;
 using ListingMeasurements::Values;
@@ -72,6 +73,8 @@ bool measureTree(int files, int rounds, const QStringList& kinds, Rounds& values
         std::fprintf(stderr, "listing-benchmark: cannot make %d files below the working directory\n", files);
         return false;
     }
+    // Writing a million new files to the disk would make the measurements stand still now and then.
+    ::sync();
     for (int round = 0; round < rounds; ++round) {
         for (const QString& kind : kinds) {
             if (!measure(kind, tree.path(), files, values))

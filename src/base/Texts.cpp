@@ -125,7 +125,8 @@ Texts Texts::inOrder(const std::vector<int>& indexes) const
 {
     const auto at = [&](std::size_t i) { return static_cast<std::size_t>(indexes[i]); };
     Texts texts;
-    texts.reserve(indexes.size(), m_bytes.size() / std::max<std::size_t>(size(), 1));
+    texts.m_begins.reserve(indexes.size());
+    texts.m_bytes.reserve(m_bytes.size());
     for (std::size_t i = 0; i < indexes.size(); ++i) {
         if (i + 2 * Ahead < indexes.size())
             __builtin_prefetch(&m_begins[at(i + 2 * Ahead)]);

@@ -7,6 +7,7 @@
 #include <QDateTime>
 #include <QFont>
 #include <QPointer>
+#include <algorithm>
 
 namespace Halvern::UI {
 
@@ -52,6 +53,7 @@ FileBrowser::DirectoryModel::DirectoryModel(FileBrowser* owner)
 {
     entries.reserve(TypicalRowCount);
     manager.setAssumeZeroPadding(_assumeZeroPadding);
+    setSequenceMode(SequenceMode::Expanded);
     connect(&manager, SIGNAL(refreshList()), browser, SLOT(managerRefreshList()));
     connect(&manager, SIGNAL(infoUpdated(int, int)), browser, SLOT(managerFilesUpdated(int, int)));
 }
@@ -80,6 +82,12 @@ FileInfo* FileBrowser::DirectoryModel::entry(int row) const
 {
     const bool there = listReady && row >= 0 && row < static_cast<int>(entries.size());
     return there ? entries[static_cast<std::size_t>(row)] : nullptr;
+}
+
+const char* FileBrowser::DirectoryModel::displayName(int row) const
+{
+    const auto index = static_cast<std::size_t>(row);
+    return namesFixed ? names.name(index) : entries[index]->displayName();
 }
 
 QVariant FileBrowser::DirectoryModel::data(const QModelIndex& index, int role) const
@@ -152,7 +160,6 @@ QVariant FileBrowser::DirectoryModel::headerData(int section, Qt::Orientation /*
 
 void FileBrowser::DirectoryModel::setDirectory(const QDir& dir, SequenceMode /*mode*/, bool force)
 {
-    manager.setNamesOrdered(sequenceMode == SequenceMode::Expanded);
     const bool started = manager.getFilesFromFolder(dir.absolutePath().toStdString(), force);
     const bool entriesDied = entriesGeneration != manager.generation();
     if (entriesDied) {
@@ -216,14 +223,30 @@ void FileBrowser::DirectoryModel::buildRunningList()
         manager.buildRunningList(&entries, splitSequences ? FileHandle::RegisteredSplitSequences
                                                           : FileHandle::RegisteredSequences);
     entriesGeneration = manager.generation();
-    names = manager.takeNameOrder();
-    if (sequenceMode != SequenceMode::Expanded || names.size() != entries.size())
-        names = NameOrder(entries);
-    names.apply(entries);
+    orderRows(evaluated);
     listReady = true;
-    if (entry(hovered) != hoveredEntry)
-        hovered = -1;
+    if (entry(hovered) != hoveredEntry) {
+        const auto found = std::find(entries.begin(), entries.end(), hoveredEntry);
+        hovered = hoveredEntry && found != entries.end() ? static_cast<int>(found - entries.begin()) : -1;
+    }
     endResetModel();
+}
+
+// An evaluator's rows stay in its order, and it may rename them.
+void FileBrowser::DirectoryModel::orderRows(bool evaluated)
+{
+    namesFixed = !evaluated;
+    names = manager.takeNameOrder();
+    if (evaluated || sequenceMode != SequenceMode::Expanded || names.size() != entries.size())
+        names = NameOrder(entries, evaluated ? NameOrder::AsAdded : NameOrder::ByKey);
+    if (!evaluated)
+        names.apply(entries);
+}
+
+void FileBrowser::DirectoryModel::setSequenceMode(SequenceMode mode)
+{
+    sequenceMode = mode;
+    manager.setNamesOrdered(mode == SequenceMode::Expanded);
 }
 
 std::vector<FileInfo*> FileBrowser::DirectoryModel::evaluateFiles()

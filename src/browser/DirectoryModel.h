@@ -58,7 +58,7 @@ public:
     void setHoveredRow(int row) { hovered = row; }
 
     /// Expanded (the initial mode) gives every file its row. Takes effect at the next buildRunningList().
-    void setSequenceMode(SequenceMode mode) { sequenceMode = mode; }
+    void setSequenceMode(SequenceMode mode);
     /// Whether the built-in rules split sequences at gaps (default: no); takes effect in the same way.
     void setSplitSequences(bool split) { splitSequences = split; }
     /// Null for the built-in rules, which also stand in for one that was destroyed. Takes effect in the same
@@ -70,11 +70,13 @@ public:
     bool isListReady() const { return listReady; }
     /// Whether every file that was read has its size and time.
     bool hasAllAttributes() const { return manager.isInfoComplete(); }
-    /// The rows in source order: by name, or as the list was built where names have no such order. To be
-    /// looked at while isListReady() only.
+    /// The rows in source order, which is by name; those of an evaluator, and where names have no such order,
+    /// as they were given. To be looked at while isListReady() only.
     const std::vector<FileInfo*>& rows() const { return entries; }
     /// Of rows(), as they were when these were built.
     const NameOrder& nameOrder() const { return names; }
+    /// The name of a row with an entry, as it is displayed, without range and "/".
+    const char* displayName(int row) const;
     /// The entry of a row, borrowed; null where there is none to follow.
     FileInfo* entry(int row) const;
     /// The entry of a row that is known to be there.
@@ -91,6 +93,7 @@ private:
     class Evaluating;
 
     std::vector<FileInfo*> evaluateFiles();
+    void orderRows(bool evaluated);
     QVariant displayText(const FileInfo& info, int column) const;
     QVariant background(int row, const FileInfo& info) const;
 
@@ -104,9 +107,10 @@ private:
     FileBrowser* browser;
     std::vector<FileInfo*> entries;
     NameOrder names;
+    bool namesFixed = true;         // as they are in names
     unsigned entriesGeneration = 0; // of the manager when the entries were taken
     FileManager manager;
-    SequenceMode sequenceMode = SequenceMode::Expanded;
+    SequenceMode sequenceMode;
     bool splitSequences = false;
 };
 

@@ -111,7 +111,7 @@ bool FileBrowser::ProxyModel::filterAcceptsRow(int sourceRow, const QModelIndex&
     const FileInfo* info = model.entry(sourceRow);
     if (!info)
         return false;
-    const char* name = model.nameOrder().name(static_cast<std::size_t>(sourceRow));
+    const char* name = model.displayName(sourceRow);
     if (!filterPattern.isEmpty()) {
         if (filterBlocked && name[0] == '.')
             return false;

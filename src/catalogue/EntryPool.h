@@ -30,8 +30,9 @@ public:
 
     /// Goes on with getting a block ahead of its use, with all its memory in place: the system is slow to
     /// give memory that is touched for the first time. Each call does a little of it, for milliseconds at
-    /// most. False where nothing is left to do: @p entries entries would not fill another block, besides
-    /// those that the pool has, or there is no memory. May be called by another thread while the pool lives.
+    /// most. A block that was begun is completed; false where no other is to be begun: @p entries entries
+    /// would not fill it, besides those that the pool has, or there is no memory. May be called by another
+    /// thread while the pool lives.
     bool prepare(std::size_t entries);
 
 private:

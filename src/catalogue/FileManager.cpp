@@ -307,11 +307,18 @@ bool FileManager::prepareListInTurn()
     return true;
 }
 
+void FileManager::setNamesOrdered(bool ordered)
+{
+    namesOrdered = ordered;
+    if (!ordered)
+        nameOrder.reset();
+}
+
 NameOrder FileManager::takeNameOrder()
 {
+    if (!nameOrder || !nameOrder->isFinishing())
+        return NameOrder();
     const auto taken = std::exchange(nameOrder, nullptr);
-    if (!taken)
-        return {};
     taken->finish();
     return std::move(*taken);
 }

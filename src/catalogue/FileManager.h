@@ -98,11 +98,11 @@ public:
     void followMembers(FileInfo* sequence);
     /// Ends the following of everything that followMembers() was called for.
     void forgetFollowers();
-    /// Whether names are ordered while they arrive, a little in each turn of the event loop (default: no).
-    /// Takes effect with the next read.
-    void setNamesOrdered(bool ordered) { namesOrdered = ordered; }
-    /// The finished order of the names of all files, in reading order, for the taker to keep. Empty where
-    /// they were not ordered since they arrived, or it was taken already.
+    /// Whether names are ordered while they arrive, a little in each turn of the event loop (default: no),
+    /// for models of this library. Begins with the next read, and ends at once.
+    void setNamesOrdered(bool ordered);
+    /// The order of the names of all files, once for each read; its places are those in reading order. Empty
+    /// before refreshList() has announced the names, and where they were not ordered.
     NameOrder takeNameOrder();
     /// Whether every entry has its attributes.
     bool isInfoComplete() const { return static_cast<std::size_t>(infoCursor) == files.size(); }

@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <numeric>
 
 namespace Halvern::UI {
 
@@ -24,13 +23,13 @@ void fetch(const FileInfo& entry)
 
 } // namespace
 
-NameOrder::NameOrder()
-    : m_pieceSize(PieceSize)
+NameOrder::NameOrder(Places places)
+    : m_order(places)
 {
 }
 
-NameOrder::NameOrder(const std::vector<FileInfo*>& entries)
-    : m_pieceSize(std::max<std::size_t>(entries.size(), 1))
+NameOrder::NameOrder(const std::vector<FileInfo*>& entries, Places places)
+    : NameOrder(places)
 {
     for (std::size_t i = 0; i < entries.size(); ++i) {
         if (i + Ahead < entries.size() && entries[i + Ahead])
@@ -48,11 +47,13 @@ bool NameOrder::isKeyed(const FileInfo& entry)
 
 void NameOrder::add(const FileInfo* entry)
 {
-    if (m_size % m_pieceSize == 0) {
-        if (!m_pieces.empty())
+    if (m_size % PieceSize == 0) {
+        const bool isLong = !m_pieces.empty();
+        if (isLong)
             sortLastPiece();
         m_pieces.emplace_back();
-        m_pieces.back().keys.reserve(m_pieceSize, 2 * TypicalLength);
+        if (isLong)
+            m_pieces.back().keys.reserve(PieceSize, 2 * TypicalLength);
     }
     const bool ranked = entry && isKeyed(*entry);
     if (!ranked)
@@ -66,7 +67,7 @@ void NameOrder::sortLastPiece()
     Piece& piece = m_pieces.back();
     piece.places = Base::ordered(piece.keys);
     piece.keys = piece.keys.inOrder(piece.places);
-    const int first = static_cast<int>((m_pieces.size() - 1) * m_pieceSize);
+    const int first = static_cast<int>((m_pieces.size() - 1) * PieceSize);
     for (int& place : piece.places)
         place += first;
 }
@@ -79,8 +80,9 @@ bool NameOrder::finish(std::size_t most)
         takeLeast();
     if (!m_heads.empty())
         return false;
-    if (!m_unranked.empty())
-        restorePlaces();
+    for (const int place : m_unranked)
+        m_ranks[static_cast<std::size_t>(place)] = NoRank;
+    m_unranked.clear();
     return true;
 }
 
@@ -93,9 +95,16 @@ void NameOrder::beginMerge()
     for (Piece& piece : m_pieces)
         m_heads.push_back(&piece);
     std::make_heap(m_heads.begin(), m_heads.end(), comesLater);
+    if (!m_unranked.empty())
+        m_order = AsAdded;
     m_names.reserve(m_size);
     m_places.reserve(m_size);
     m_ranks.reserve(m_size);
+    if (m_order == ByKey)
+        return;
+    m_names.resize(m_size);
+    m_places.resize(m_size);
+    m_ranks.resize(m_size);
 }
 
 bool NameOrder::comesLater(const Piece* a, const Piece* b)
@@ -109,32 +118,27 @@ void NameOrder::takeLeast()
     std::pop_heap(m_heads.begin(), m_heads.end(), comesLater);
     Piece& piece = *m_heads.back();
     const char* key = piece.keys[piece.merged];
-    const bool isFirst = m_ranks.empty();
-    m_ranks.push_back(isFirst ? 0 : m_ranks.back() + (std::strcmp(m_lastKey, key) != 0 ? 1 : 0));
-    m_places.push_back(piece.places[piece.merged]);
-    m_names.push_back(key + std::strlen(key) + 1);
+    const int place = piece.places[piece.merged];
+    if (m_lastKey && std::strcmp(m_lastKey, key) != 0)
+        ++m_lastRank;
     m_lastKey = key;
-    if (++piece.merged < piece.places.size())
-        std::push_heap(m_heads.begin(), m_heads.end(), comesLater);
-    else
-        m_heads.pop_back();
-}
-
-void NameOrder::restorePlaces()
-{
-    std::vector<const char*> names(m_size);
-    std::vector<int> ranks(m_size);
-    for (std::size_t i = 0; i < m_size; ++i) {
-        const auto place = static_cast<std::size_t>(m_places[i]);
-        names[place] = m_names[i];
-        ranks[place] = m_ranks[i];
+    const char* name = key + std::strlen(key) + 1;
+    if (m_order == ByKey) {
+        m_names.push_back(name);
+        m_places.push_back(place);
+        m_ranks.push_back(m_lastRank);
+    } else {
+        const auto index = static_cast<std::size_t>(place);
+        m_names[index] = name;
+        m_places[index] = place;
+        m_ranks[index] = m_lastRank;
     }
-    for (const int place : m_unranked)
-        ranks[static_cast<std::size_t>(place)] = NoRank;
-    m_unranked.clear();
-    m_names.swap(names);
-    m_ranks.swap(ranks);
-    std::iota(m_places.begin(), m_places.end(), 0);
+    if (++piece.merged < piece.places.size()) {
+        std::push_heap(m_heads.begin(), m_heads.end(), comesLater);
+    } else {
+        piece.places = std::vector<int>();
+        m_heads.pop_back();
+    }
 }
 
 void NameOrder::apply(std::vector<FileInfo*>& entries) const

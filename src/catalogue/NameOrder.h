@@ -18,12 +18,18 @@ public:
     /// What has no rank: null entries, and those whose names cannot be ordered by their sort keys.
     static constexpr int NoRank = -1;
 
-    NameOrder();
+    enum Places
+    {
+        ByKey,  ///< By rising sort key, equal ones as they were added.
+        AsAdded ///< Also what comes of ByKey where an entry has no rank.
+    };
+
+    explicit NameOrder(Places places = ByKey);
     NameOrder(NameOrder&&) = default;
     NameOrder& operator=(NameOrder&&) = default;
     ~NameOrder() = default;
-    /// That of @p entries, sorted in one piece and finished.
-    explicit NameOrder(const std::vector<FileInfo*>& entries);
+    /// That of @p entries, finished.
+    explicit NameOrder(const std::vector<FileInfo*>& entries, Places places = ByKey);
 
     /// Whether the sort keys of two entries decide their order by name: both names are shorter than 129
     /// bytes.
@@ -38,8 +44,7 @@ public:
 
     /// How many were added.
     std::size_t size() const { return m_size; }
-    /// The number of each in the sequence of adding, by rising sort key, equal ones as they were added. Where
-    /// one has no rank, all stay as they were added.
+    /// The number of each in the sequence of adding.
     const std::vector<int>& places() const { return m_places; }
     /// Of each of places(): the lower comes first, equal keys have equal ranks.
     const std::vector<int>& ranks() const { return m_ranks; }
@@ -60,14 +65,14 @@ private:
     void sortLastPiece();
     void beginMerge();
     void takeLeast();
-    void restorePlaces();
 
-    std::size_t m_pieceSize;
+    Places m_order;
     std::size_t m_size = 0;
     std::vector<Piece> m_pieces; // all but the last are sorted
     std::vector<Piece*> m_heads; // a heap of those with something to merge, the least on top
     std::vector<int> m_unranked; // as they were added
     const char* m_lastKey = nullptr;
+    int m_lastRank = 0;
     bool m_finishing = false;
 
     std::vector<const char*> m_names; // in the pieces

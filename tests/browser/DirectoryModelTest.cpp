@@ -39,7 +39,7 @@ class InOrder : public FileSequenceEvaluator
 public:
     std::vector<FileInfo*> evaluateFiles(std::vector<FileInfo*> files) override
     {
-        std::vector<FileInfo*> rows;
+        rows.clear();
         for (const QString& name : names) {
             const auto isNamed = [&name](const FileInfo* file) { return name == file->fileName(); };
             const auto found = std::find_if(files.begin(), files.end(), isNamed);
@@ -49,6 +49,7 @@ public:
         return rows;
     }
     QStringList names;
+    std::vector<FileInfo*> rows;
 };
 
 } // namespace
@@ -172,6 +173,14 @@ private slots:
         window.list()->sortByColumn(2, Qt::AscendingOrder);
         window.model()->buildRunningList();
         QCOMPARE(window.rows(), (QStringList{"c", "B", "a", "b", "d"}));
+        window.list()->sortByColumn(-1, Qt::AscendingOrder);
+        QCOMPARE(window.rows(), evaluator.names);
+
+        // An evaluator may rename what it gave.
+        evaluator.rows.front()->setFileName("new");
+        window.proxy()->setNamePrefix("n");
+        window.proxy()->apply();
+        QCOMPARE(window.rows(), QStringList("new"));
     }
 
     void rowsAreEmptyDuringARead()
