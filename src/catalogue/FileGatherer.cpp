@@ -1,6 +1,7 @@
 #include "catalogue/FileGatherer.h"
 
 #include "base/FileSystem.h"
+#include "base/SlowCalls.h"
 #include "base/Text.h"
 
 #include <algorithm>
@@ -148,23 +149,23 @@ void FileGatherer::readNames(int folder)
     if (!stream && copy >= 0)
         ::close(copy);
     FileNameRecord record;
+    std::vector<FileNameRecord> untyped; // a type is missing; those behind it wait too, for the order's sake
     while (stream && m_keepRunning) {
         const dirent* entry = ::readdir(stream);
         if (!entry || !m_keepRunning)
             break;
         Base::copyTruncated(record.name, entry->d_name);
-        record.kind = entry->d_type == DT_UNKNOWN ? queriedKind(folder, entry->d_name) : entry->d_type;
-        if (m_readCount++ % NameBatchSize == 0)
-            m_readNames.emplace_back();
-        m_readNames.back().append(record.name).push_back('\0');
-        if (m_names.append(record)) {
-            emit fileNameBatchReady();
-            disposeOfSome();
-            prepareWhileWaited(PatientlyWaiting);
-        }
+        record.kind = entry->d_type;
+        if (record.kind != DT_UNKNOWN && untyped.empty())
+            addName(record);
+        else
+            untyped.push_back(record);
+        if (untyped.size() == NameBatchSize)
+            addUntyped(folder, untyped);
     }
     if (stream)
         ::closedir(stream);
+    addUntyped(folder, untyped);
     if (!m_keepRunning)
         return;
     if (m_names.finish())
@@ -172,6 +173,32 @@ void FileGatherer::readNames(int folder)
     m_allNamesRead = true;
     emit fileNameFinished(false);
     prepareWhileWaited(0);
+}
+
+void FileGatherer::addName(const FileNameRecord& record)
+{
+    if (m_readCount++ % NameBatchSize == 0)
+        m_readNames.emplace_back();
+    m_readNames.back().append(record.name).push_back('\0');
+    if (m_names.append(record)) {
+        emit fileNameBatchReady();
+        disposeOfSome();
+        prepareWhileWaited(PatientlyWaiting);
+    }
+}
+
+void FileGatherer::addUntyped(int folder, std::vector<FileNameRecord>& records)
+{
+    Base::callEach(records.size(), [&](std::size_t index) {
+        FileNameRecord& record = records[index];
+        if (m_keepRunning && record.kind == DT_UNKNOWN)
+            record.kind = queriedKind(folder, record.name);
+    });
+    if (!m_keepRunning)
+        return;
+    for (const FileNameRecord& record : records)
+        addName(record);
+    records.clear();
 }
 
 // Making entries of names takes longer than reading them, above all for want of memory to make them in.
@@ -183,20 +210,38 @@ void FileGatherer::prepareWhileWaited(std::size_t mostWaiting)
 
 void FileGatherer::readAttributes(int folder)
 {
+    std::vector<const char*> names;
     for (std::string& batch : m_readNames) {
         const char* const end = batch.data() + batch.size();
-        for (const char* name = batch.data(); name != end; name += std::strlen(name) + 1) {
+        for (const char* name = batch.data(); name != end;) {
             if (!m_keepRunning)
                 return;
-            if (m_infos.append(queriedInfo(folder, name))) {
-                emit fileInfoBatchReady();
-                disposeOfSome();
-            }
+            names.clear();
+            for (; name != end && names.size() < InfoBatchSize; name += std::strlen(name) + 1)
+                names.push_back(name);
+            readAttributes(folder, names);
         }
         batch = std::string();
     }
     if (m_keepRunning && m_infos.finish())
         emit fileInfoBatchReady();
+}
+
+void FileGatherer::readAttributes(int folder, const std::vector<const char*>& names)
+{
+    std::vector<FileInfoWrapper> infos(names.size());
+    Base::callEach(names.size(), [&](std::size_t index) {
+        if (m_keepRunning)
+            infos[index] = queriedInfo(folder, names[index]);
+    });
+    if (!m_keepRunning)
+        return;
+    for (const FileInfoWrapper& info : infos) {
+        if (m_infos.append(info)) {
+            emit fileInfoBatchReady();
+            disposeOfSome();
+        }
+    }
 }
 
 void FileGatherer::threadFinished()

@@ -21,7 +21,8 @@ struct FileNameRecord
 
 /// Reads one directory at a time for a FileManager, first all names and then the attributes of each, and
 /// hands both over in batches. The object lives on the manager's thread and belongs to it; run() is what
-/// works on the other thread. The signals only say that something is there to be taken: one that a stopped
+/// works on the other thread, which has others ask with it where the file system takes its time for each
+/// answer. The signals only say that something is there to be taken: one that a stopped
 /// run left in the queue finds nothing of that run, and what it takes of the next run would have been taken a
 /// moment later.
 class FileGatherer : public QThread
@@ -89,7 +90,10 @@ private:
     void prepare(const std::string& directory);
     void discardBatches();
     void readNames(int folder);
+    void addName(const FileNameRecord& record);
+    void addUntyped(int folder, std::vector<FileNameRecord>& records);
     void readAttributes(int folder);
+    void readAttributes(int folder, const std::vector<const char*>& names);
     void disposeOfSome();
     void prepareWhileWaited(std::size_t mostWaiting);
 

@@ -1,3 +1,4 @@
+#include "base/SlowCalls.h"
 #include "catalogue/FileManager.h"
 #include "support/Faults.h"
 #include "support/SampleFiles.h"
@@ -14,19 +15,20 @@ private slots:
     void init()
     {
         endFaults();
-        QVERIFY(SampleFiles::makeFrames(folder.path(), "f%04d.exr", 1, Files));
         for (const char* name : {"sub", "d.1.exr", "d.2.exr"})
-            QVERIFY(QDir(folder.path()).mkpath(folder.filePath(name)));
+            QVERIFY(QDir().mkpath(folder.filePath(name)));
+        QVERIFY(SampleFiles::makeFrames(folder.path(), "f%04d.exr", 1, Files));
     }
 
     void leavingWaitsForOneCall()
     {
-        // What is slow, whether names have no types, and at how many of the slow calls the folder is left.
+        // What is slow, whether names have no types, and after how many calls more each time the folder is
+        // left, which is in the end when several are under way at once.
         const std::tuple<const char*, bool, int> rows[] = {
-            {"fstatat", false, 5}, {"fstatat", true, 5}, {"readdir", false, 5},
-            {"readdir", true, 5},  {"open", false, 1},
+            {"fstatat", false, 4}, {"fstatat", true, 4}, {"readdir", false, 1},
+            {"readdir", true, 1},  {"open", false, 0},
         };
-        for (const auto& [call, noTypes, moments] : rows) {
+        for (const auto& [call, noTypes, step] : rows) {
             endFaults();
             faults[CallDelay] = 50000;
             faults[NoTypes] = noTypes;
@@ -37,7 +39,7 @@ private slots:
                 const QSignalSpy refreshed(&manager, SIGNAL(refreshList()));
                 faults[DelayedCalls] = 0;
                 QVERIFY(manager.getFilesFromFolder(folder.path().toStdString(), false));
-                while (faults[DelayedCalls] <= round % moments)
+                while (faults[DelayedCalls] <= round * step)
                     QThread::msleep(1);
                 const int before = faults[Calls];
                 QVERIFY(!manager.getFilesFromFolder("/no/such/folder", true));
@@ -63,7 +65,7 @@ private slots:
             {NoTypes, 1, nullptr, all, all, all},
             {CallError, EIO, "open", 0, 0, 0},
             {CallError, EIO, "fstatat", all, 0, 0},
-            {CallDelay, 1000, "fstatat", all, 1, all - 1}, // and the directory goes in mid-read
+            {CallDelay, 5000, "fstatat", all, 1, all - 1}, // and the directory goes in mid-read
         };
         for (const auto& [fault, value, call, names, least, most] : rows) {
             endFaults();
@@ -87,6 +89,37 @@ private slots:
             // Asking makes up for types that are missing, so that numbered directories are no frames.
             manager.buildRunningList(&files, Halvern::Base::FileHandle::RegisteredSequences);
             QVERIFY(least != all || files.size() == 6);
+        }
+    }
+
+    void asksSlowDisksForSeveralAtOnce()
+    {
+        for (int frame = 1; frame <= Files; ++frame)
+            QVERIFY(QFile::resize(folder.filePath(QString::asprintf("f%04d.exr", frame)), frame));
+        for (const bool noTypes : {false, true}) {
+            endFaults();
+            faults[NoTypes] = noTypes;
+            faults[CallDelay] = 500;
+            faultyCall = "fstatat";
+            FileManager manager;
+            QVERIFY(manager.getFilesFromFolderSynchronously(folder.path().toStdString(), true));
+            // A synchronous read is the first thread's, which is not slow; those that help it would be.
+            QCOMPARE(faults[MostDelayed].load(), 0);
+            int updated = 0;
+            connect(&manager, &FileManager::infoUpdated, this, [&](int, int count) { updated += count; });
+            QVERIFY(manager.getFilesFromFolder(folder.path().toStdString(), true));
+            QTRY_COMPARE(updated, Files + 5);
+            QVERIFY(faults[MostDelayed] > 1 && faults[MostDelayed] <= int(Halvern::Base::MostCallsAtOnce));
+            QCOMPARE(faults[DelayedCalls].load(), (noTypes ? 2 : 1) * (Files + 5));
+            std::vector<FileInfo*> files;
+            manager.buildRunningList(&files, Halvern::Base::FileHandle::AllFiles);
+            QCOMPARE(files.size(), std::size_t(Files + 5));
+            for (const FileInfo* file : files) {
+                const QByteArray name = file->fileName();
+                const bool isFrame = name.startsWith('f');
+                QVERIFY2(file->isDirectory() != isFrame, name.constData());
+                QVERIFY2(!isFrame || file->size() == name.mid(1, 4).toULongLong(), name.constData());
+            }
         }
     }
 

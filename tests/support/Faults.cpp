@@ -18,6 +18,17 @@ QStringList* calls = nullptr;
 
 constexpr const char* Opened = "(opened before)"; // in place of a path
 
+void delay()
+{
+    ++faults[DelayedCalls];
+    const int now = ++faults[NowDelayed];
+    int most = faults[MostDelayed];
+    while (most < now && !faults[MostDelayed].compare_exchange_weak(most, now)) {
+    }
+    ::usleep(static_cast<useconds_t>(faults[CallDelay].load()));
+    --faults[NowDelayed];
+}
+
 // Whether the call is to fail, with errno set. Calls without a path are not counted: they are no round trip,
 // or the thread's own business.
 bool fails(const char* name, const char* path)
@@ -31,10 +42,8 @@ bool fails(const char* name, const char* path)
     const char* faulty = faultyCall;
     if (!faulty || std::strcmp(name, faulty) != 0)
         return false;
-    if (onWorker && faults[CallDelay] != 0) {
-        ++faults[DelayedCalls];
-        ::usleep(static_cast<useconds_t>(faults[CallDelay].load()));
-    }
+    if (onWorker && faults[CallDelay] != 0)
+        delay();
     errno = faults[CallError];
     return errno != 0;
 }

@@ -16,6 +16,8 @@ enum Fault
     NoTypes,      ///< Names come without their type.
     Calls,        ///< Not a fault: how many calls to the file system workers began.
     DelayedCalls, ///< How many of them were delayed.
+    NowDelayed,   ///< How many are delayed at this moment.
+    MostDelayed,  ///< The most that were at the same time.
     FaultCount
 };
 extern std::atomic<int> faults[FaultCount];
