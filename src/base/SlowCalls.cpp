@@ -2,7 +2,7 @@
 
 #include <atomic>
 #include <chrono>
-#include <system_error>
+#include <exception>
 #include <thread>
 #include <vector>
 
@@ -47,11 +47,12 @@ void callAtOnce(std::size_t first, std::size_t count, const Call& call)
             call(index);
     };
     std::vector<std::thread> others;
+    others.reserve(MostCallsAtOnce - 1);
     try {
         while (others.size() + 1 < MostCallsAtOnce)
             others.emplace_back(work);
-    } catch (const std::system_error&) {
-        // The system has no more threads: those that are there do all of it.
+    } catch (const std::exception&) {
+        // The system has no more threads, or no memory for one: those that are there do all of it.
     }
     work();
     for (std::thread& other : others)

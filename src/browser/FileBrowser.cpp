@@ -366,8 +366,11 @@ void FileBrowser::showPreview(bool state)
 {
     if (!previewWidget)
         return;
+    const QPointer<FileBrowser> self(this);
     if (state && !previewWidget->isVisible())
         emit previewOpening();
+    if (!self || !previewWidget)
+        return;
     previewWidget->setVisible(state);
     updateGeometry();
     if (!state)

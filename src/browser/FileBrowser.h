@@ -7,6 +7,7 @@
 #include <QColor>
 #include <QDir>
 #include <QPointer>
+#include <QSet>
 #include <QStringList>
 #include <QWidget>
 #include <optional>
@@ -210,7 +211,7 @@ signals:
     void fileSelected(const Halvern::UI::FileInfo& info, QDir dir);
     void fileDoubleClick(const Halvern::UI::FileInfo& info);
     void fileDoubleClick();
-    /// The preview is about to be shown.
+    /// The preview is about to be shown. It may be destroyed in answer, and so may the browser.
     void previewOpening();
     void previewClosed();
     /// Open, or Return in the filename field.
@@ -225,6 +226,9 @@ signals:
 protected:
     /// Keys of the filename field: Up and Down move in the list, Tab completes.
     bool eventFilter(QObject* watched, QEvent* event) override;
+    /// Return ends at the filename field and at the filter, so that a dialog's default button does not
+    /// answer it once more.
+    void keyPressEvent(QKeyEvent* event) override;
     void showEvent(QShowEvent* event) override;
 
 private slots:
@@ -282,13 +286,16 @@ private:
     void sortByKey(int column);
     void clearFilterBlock();
     bool buildRows();
+    void buildRowsAfterClick();
     void loadSortOrder();
     void updateNavigationButtons();
     QString typedNamePrefix() const;
     QString getCommonPrefix() const;
     void completeTypedName();
     void _updateSplitSequencesButton();
+    QSet<QString> queuedPaths() const;
     void finishQueueing();
+    void showQueue();
     QModelIndexList selectedSourceRows() const;
 
     SelectionType selectionType = SelectionType::Files;
@@ -334,9 +341,10 @@ private:
     QPushButton* nextButton = nullptr;
     QPushButton* cancelButton = nullptr;
     QGridLayout* mainLayout = nullptr;
-    bool listed = false; // refresh() ran at least once
-    QTimer* attributesTimer =
-        nullptr; // brings attributes that arrived to the list, several batches at a time
+    // refresh() ran, and no directory was set without it since.
+    bool listed = false;
+    // Brings attributes that arrived to the list, several batches at a time.
+    QTimer* attributesTimer = nullptr;
 
     static QColor _highlightColor;
     static QColor _alreadyQueuedColor;

@@ -35,6 +35,7 @@ void FileBrowser::setDirectory(QDir dir, bool keepFilename, bool doRefresh)
         return;
     currentDirectory = dir;
     hasDirectory = true;
+    listed = false;
     // Back and forward set the index first and find the directory there already.
     if (historyIndex < 0 || history.value(historyIndex) != dir) {
         while (history.size() > historyIndex + 1)
@@ -192,6 +193,14 @@ bool FileBrowser::eventFilter(QObject* /*watched*/, QEvent* event)
     }
 }
 
+void FileBrowser::keyPressEvent(QKeyEvent* event)
+{
+    const bool isReturn = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    const QWidget* focus = focusWidget();
+    if (!isReturn || (focus != filenameEdit && focus != filterCombo && focus != filterCombo->lineEdit()))
+        QWidget::keyPressEvent(event);
+}
+
 void FileBrowser::completeTypedName()
 {
     QString prefix = getCommonPrefix();
@@ -199,9 +208,10 @@ void FileBrowser::completeTypedName()
         return;
     if (prefix.endsWith(QLatin1Char('/')))
         prefix.chop(1);
-    if (QFileInfo(currentDirectory, prefix).isDir())
-        prefix += QLatin1Char('/');
-    const QString path = currentDirectory.filePath(prefix);
+    // Of the texts: Qt takes a name that begins with a colon for a path of its own.
+    QString path = Base::withSeparator(currentDirectory.path()) + prefix;
+    if (QFileInfo(path).isDir())
+        path += QLatin1Char('/');
     filenameEdit->setText(path);
     autoComplete(path);
 }
@@ -275,7 +285,7 @@ void FileBrowser::showSequences(bool state)
     if (sequencesEnabled)
         AppSettings().setValue(_sequencesIdentifier, static_cast<int>(mode));
     directoryModel->setSequenceMode(mode);
-    directoryModel->buildRunningList();
+    buildRowsAfterClick();
 }
 
 void FileBrowser::setSequencesEnabled(bool enabled)
@@ -293,7 +303,7 @@ void FileBrowser::splitIncompleteSequences(bool state)
     if (sequencesEnabled)
         AppSettings().setValue(_splitSequencesIdentifier, state);
     directoryModel->setSplitSequences(state);
-    directoryModel->buildRunningList();
+    buildRowsAfterClick();
 }
 
 void FileBrowser::_updateSplitSequencesButton()
@@ -316,6 +326,15 @@ bool FileBrowser::buildRows()
     return self;
 }
 
+// The same in answer to a check box, which goes on with itself afterwards.
+void FileBrowser::buildRowsAfterClick()
+{
+    if (directoryModel->hasEvaluator())
+        QTimer::singleShot(0, directoryModel, [this] { directoryModel->buildRunningList(); });
+    else
+        directoryModel->buildRunningList();
+}
+
 FileBrowser::SequenceMode FileBrowser::getSequenceMode() const
 {
     return sequencesCheck->isChecked() ? SequenceMode::Collapsed : SequenceMode::Expanded;
@@ -326,6 +345,7 @@ void FileBrowser::managerRefreshList()
     attributesTimer->setInterval(0);
     if (!buildRows())
         return;
+    _updateSplitSequencesButton(); // the evaluator may be gone
     const FileInfo folder{QFileInfo(currentDirectory.path())};
     newFolderButton->setEnabled(folder.isWritable());
 }
@@ -354,7 +374,7 @@ void FileBrowser::showArrivedAttributes()
     constexpr int ShortestPause = 40; // milliseconds
     QElapsedTimer timer;
     timer.start();
-    filesList->keepPlace([this] { directoryModel->resetModel(); });
+    filesList->keepPlace(FilesList::Keep::Selection, [this] { directoryModel->resetModel(); });
     attributesTimer->setInterval(std::max(ShortestPause, PauseFactor * static_cast<int>(timer.elapsed())));
 }
 

@@ -94,21 +94,23 @@ void FileBrowser::nextClicked()
     if (rows.isEmpty() && takesDirectory)
         pickList.append(normalizeFile(directory().absolutePath()));
     // The selection stays, so that a second press is about the same rows.
-    filesList->keepPlace([this] { finishQueueing(); });
+    filesList->keepPlace(FilesList::Keep::Selection, [this] { showQueue(); });
 }
 
 void FileBrowser::addItemToQueue()
 {
     filesMenu->updateEditData(false);
+    QSet<QString> queued = queuedPaths();
     for (const FileInfo* info : filesMenu->items()) {
         const bool wanted = selectionType == SelectionType::Files ||
                             selectionType == SelectionType::FilesAndDirectories ||
                             (selectionType == SelectionType::Directories && info->isDirectory());
         const QString path = directoryModel->getFullFilePath(*info);
-        if (wanted && !pickList.contains(path))
-            pickList.append(normalizeFile(path));
+        if (!wanted || queued.contains(path))
+            continue;
+        pickList.append(normalizeFile(path));
+        queued.insert(pickList.last());
     }
-    filesMenu->finishEditing();
     finishQueueing();
 }
 
@@ -117,12 +119,26 @@ void FileBrowser::removeItemFromQueue()
     filesMenu->updateEditData(false);
     for (const FileInfo* info : filesMenu->items())
         pickList.removeOne(normalizeFile(directoryModel->getFullFilePath(*info)));
-    filesMenu->finishEditing();
     finishQueueing();
 }
 
-// Shows the queued colours as they are now.
+// To be asked for many rows; the list itself would be searched for each.
+QSet<QString> FileBrowser::queuedPaths() const
+{
+    QSet<QString> paths;
+    for (const QString& path : pickList)
+        paths.insert(path);
+    return paths;
+}
+
 void FileBrowser::finishQueueing()
+{
+    filesMenu->finishEditing();
+    filesList->keepPlace(FilesList::Keep::CurrentRow, [this] { showQueue(); });
+}
+
+// Shows the queued colours as they are now.
+void FileBrowser::showQueue()
 {
     if (directoryModel->isListReady())
         directoryModel->resetModel();

@@ -39,11 +39,13 @@ void FileBrowser::updateFromPreferences()
         const int mode = settings.value(_sequencesIdentifier, 0).toInt();
         const bool split = settings.value(_splitSequencesIdentifier, false).toBool();
         directoryModel->setSplitSequences(split);
-        directoryModel->buildRunningList();
+        if (!buildRows())
+            return;
         splitCheck->setChecked(split);
         const bool expanded = mode == static_cast<int>(SequenceMode::Expanded);
         directoryModel->setSequenceMode(expanded ? SequenceMode::Expanded : SequenceMode::Collapsed);
-        directoryModel->buildRunningList();
+        if (!buildRows())
+            return;
         sequencesCheck->setChecked(!expanded);
     }
     loadSortOrder();

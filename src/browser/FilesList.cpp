@@ -5,6 +5,7 @@
 #include "browser/ProxyModel.h"
 #include "widgets/LegibleDelegate.h"
 
+#include <QApplication>
 #include <QContextMenuEvent>
 #include <QHeaderView>
 #include <QKeyEvent>
@@ -40,6 +41,9 @@ bool FileBrowser::FilesList::event(QEvent* event)
 void FileBrowser::FilesList::mousePressEvent(QMouseEvent* event)
 {
     if (event->button() != Qt::RightButton) {
+        pressedPlace = event->pos();
+        pressedFolder = browser->currentDirectory;
+        pressedName = nameAt(event->pos());
         QTreeView::mousePressEvent(event);
         return;
     }
@@ -47,16 +51,40 @@ void FileBrowser::FilesList::mousePressEvent(QMouseEvent* event)
     browser->filesMenu->popupMenu(event->globalPos(), source);
 }
 
-// A host may destroy the list in answer to a double click, and the standard handling would go on with it.
+// The name of an entry, which stays while its row comes and goes with each reset; empty for none.
+const char* FileBrowser::FilesList::nameAt(const QPoint& place) const
+{
+    const int row = browser->proxyModel->mapToSource(indexAt(place)).row();
+    const FileInfo* info = browser->directoryModel->entry(row);
+    return info ? info->fileName() : "";
+}
+
+bool FileBrowser::FilesList::followsPress(const QPoint& place) const
+{
+    return pressedPlace && (place - *pressedPlace).manhattanLength() <= QApplication::startDragDistance();
+}
+
 void FileBrowser::FilesList::mouseDoubleClickEvent(QMouseEvent* event)
 {
     const QPersistentModelIndex index = indexAt(event->pos());
+    // Only a program sends one without a press before it.
+    if (followsPress(event->pos())) {
+        // The first click may have opened the folder that it was on. The second was meant for that folder
+        // too, not for what is in its place by now.
+        if (pressedFolder != browser->currentDirectory)
+            return;
+        if (pressedName != nameAt(event->pos())) {
+            mousePressEvent(event);
+            return;
+        }
+    }
+    if (!index.isValid())
+        return;
+    // A host may destroy the list in answer, and the standard handling would go on with it.
     {
         const QSignalBlocker blocker(this);
         QTreeView::mouseDoubleClickEvent(event);
     }
-    if (!index.isValid())
-        return;
     const QPointer<FilesList> self(this);
     emit doubleClicked(index);
     if (self && event->button() == Qt::LeftButton)
@@ -114,12 +142,14 @@ void FileBrowser::FilesList::leaveEvent(QEvent* /*event*/)
     model.refreshModel(model.index(row, 0), model.index(row, DirectoryModel::ColumnCount - 1));
 }
 
-void FileBrowser::FilesList::keepPlace(const std::function<void()>& reset)
+void FileBrowser::FilesList::keepPlace(Keep what, const std::function<void()>& reset)
 {
     const ProxyModel& proxy = *browser->proxyModel;
     std::vector<int> selected;
-    for (const QModelIndex& index : selectionModel()->selectedRows())
-        selected.push_back(proxy.mapToSource(index).row());
+    if (what == Keep::Selection) {
+        for (const QModelIndex& index : selectionModel()->selectedRows())
+            selected.push_back(proxy.mapToSource(index).row());
+    }
     const int current = proxy.mapToSource(currentIndex()).row();
     const int scrolled = verticalScrollBar()->value();
 
@@ -129,21 +159,38 @@ void FileBrowser::FilesList::keepPlace(const std::function<void()>& reset)
         return proxy.mapFromSource(browser->directoryModel->index(sourceRow, 0)).row();
     };
     std::transform(selected.begin(), selected.end(), selected.begin(), viewRow);
-    std::sort(selected.begin(), selected.end());
-    selected.erase(selected.begin(), std::lower_bound(selected.begin(), selected.end(), 0));
-    QItemSelection selection;
-    for (std::size_t from = 0, to = 0; from < selected.size(); from = to) {
-        for (to = from + 1; to < selected.size() && selected[to] == selected[to - 1] + 1;)
-            ++to;
-        selection.select(proxy.index(selected[from], 0),
-                         proxy.index(selected[to - 1], DirectoryModel::ColumnCount - 1));
-    }
+    selected.erase(std::remove(selected.begin(), selected.end(), -1), selected.end());
     const QSignalBlocker blocker(selectionModel());
-    selectionModel()->select(selection, QItemSelectionModel::ClearAndSelect);
+    selectRows(std::move(selected));
     if (current >= 0)
         selectionModel()->setCurrentIndex(proxy.index(viewRow(current), 0), QItemSelectionModel::NoUpdate);
     executeDelayedItemsLayout();
     verticalScrollBar()->setValue(scrolled);
+}
+
+void FileBrowser::FilesList::selectRows(std::vector<int> rows)
+{
+    std::vector<std::pair<int, int>> ranges; // first and last row of each
+    const auto findRanges = [&] {
+        ranges.clear();
+        for (const int row : rows) {
+            if (ranges.empty() || row != ranges.back().second + 1)
+                ranges.emplace_back(row, row);
+            ranges.back().second = row;
+        }
+    };
+    findRanges();
+    // The toolkit takes time that grows with the square of the ranges.
+    constexpr std::size_t MostRanges = 500;
+    if (ranges.size() > MostRanges) {
+        std::sort(rows.begin(), rows.end());
+        findRanges();
+    }
+    const ProxyModel& proxy = *browser->proxyModel;
+    QItemSelection selection;
+    for (const auto& [first, last] : ranges)
+        selection.select(proxy.index(first, 0), proxy.index(last, DirectoryModel::ColumnCount - 1));
+    selectionModel()->select(selection, QItemSelectionModel::ClearAndSelect);
 }
 
 } // namespace Halvern::UI

@@ -2,8 +2,11 @@
 
 #include "browser/FileBrowser.h"
 
+#include <QDir>
 #include <QTreeView>
 #include <functional>
+#include <optional>
+#include <vector>
 
 namespace Halvern::UI {
 
@@ -26,9 +29,14 @@ public:
     QModelIndex rowAbove() { return moveCursor(MoveUp, Qt::NoModifier); }
     QModelIndex rowBelow() { return moveCursor(MoveDown, Qt::NoModifier); }
 
-    /// Runs @p reset, which resets the model but leaves its rows as they are, and puts the selection, the
-    /// current row and the scroll position back without announcing a change of them.
-    void keepPlace(const std::function<void()>& reset);
+    enum class Keep
+    {
+        Selection, ///< With the current row and the scroll position.
+        CurrentRow ///< With the scroll position; nothing is selected any more.
+    };
+    /// Runs @p reset, which resets the model but leaves its rows as they are, and puts back what is to be
+    /// kept without announcing a change of it. Rows stay in the order in which they were selected.
+    void keepPlace(Keep what, const std::function<void()>& reset);
 
 protected:
     /// The menu key opens the menu at the current row.
@@ -41,8 +49,15 @@ protected:
 
 private:
     bool navigates(const QKeyEvent& event);
+    const char* nameAt(const QPoint& place) const;
+    bool followsPress(const QPoint& place) const;
+    void selectRows(std::vector<int> rows);
 
     FileBrowser* browser;
+    // Where a button was pressed last, but for the right one.
+    std::optional<QPoint> pressedPlace;
+    QDir pressedFolder;
+    QByteArray pressedName;
     int widthHint = 0;
     int mouseRow = -1;
 };

@@ -48,14 +48,15 @@ void FileBrowser::FilesMenu::popupMenu(const QPoint& globalPosition, const QMode
     bool clickedIsSelected = false;
     bool anyQueued = false;
     bool anyUnqueued = false;
+    const QSet<QString> queued = browser->queuedPaths();
     for (const QModelIndex& selected : browser->selectedSourceRows()) {
         clickedIsSelected = clickedIsSelected || selected.row() == sourceIndex.row();
         FileInfo* info = model.fileInfo(selected);
         editItems.append(info);
         if (info->isDirectory())
             continue;
-        const bool queued = browser->pickList.contains(normalizeFile(model.getFullFilePath(*info)));
-        (queued ? anyQueued : anyUnqueued) = true;
+        const bool isQueued = queued.contains(normalizeFile(model.getFullFilePath(*info)));
+        (isQueued ? anyQueued : anyUnqueued) = true;
     }
     bool mayAdd = editItems.isEmpty() || !anyQueued || anyUnqueued;
     bool mayRemove = editItems.isEmpty() || !anyUnqueued || anyQueued;
@@ -63,7 +64,7 @@ void FileBrowser::FilesMenu::popupMenu(const QPoint& globalPosition, const QMode
     FileInfo* clicked = sourceIndex.isValid() ? model.entry(sourceIndex.row()) : nullptr;
     if (!clickedIsSelected && clicked) {
         editItems = {clicked};
-        mayRemove = browser->pickList.contains(model.getFullFilePath(*clicked));
+        mayRemove = queued.contains(model.getFullFilePath(*clicked));
         mayAdd = !mayRemove;
     }
     addAction->setEnabled(mayAdd);

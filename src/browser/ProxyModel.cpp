@@ -81,8 +81,12 @@ void FileBrowser::ProxyModel::setFilterPattern(const QString& patterns)
         return;
     filterPattern = patterns;
     filterExpressions.clear();
-    for (const QString& pattern : QDir::nameFiltersFromString(patterns))
-        filterExpressions.append(filterExpression(pattern));
+    for (const QString& pattern : QDir::nameFiltersFromString(patterns)) {
+        const QRegularExpression expression = filterExpression(pattern);
+        // One with an open bracket matches nothing, and Qt would say so for every row.
+        if (expression.isValid())
+            filterExpressions.append(expression);
+    }
 }
 
 void FileBrowser::ProxyModel::apply()

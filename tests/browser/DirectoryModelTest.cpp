@@ -33,6 +33,20 @@ public:
     bool dies = false;
 };
 
+// Closes the window of whoever asks, if it has one to close.
+class Closer : public FileSequenceEvaluator
+{
+public:
+    std::vector<FileInfo*> evaluateFiles(std::vector<FileInfo*> files) override
+    {
+        if (!window)
+            return files;
+        window.reset();
+        return {};
+    }
+    std::unique_ptr<BrowserWindow> window;
+};
+
 // Gives the files of the given names, in their order.
 class InOrder : public FileSequenceEvaluator
 {
@@ -99,6 +113,7 @@ private slots:
             {"", "day.%02d", {"day.##.exr 1-2"}},
             {"", "%99999999999d", {}},
             {"*b*a*a*a*a*a*a*a*a*a*a*a*a?c*", "", {many, "dark/"}},
+            {"*.[ *.[0 day*", "", {"dark/", "day.##.exr 1-2"}},
             {"[!d]*.t?t [n-z]*", "", {"dark/", "notes.txt", "Other.TXT"}},
             {"day.#.exr *.none", "d", {"dark/", "day.##.exr 1-2"}}};
         for (const auto& [pattern, prefix, expected] : table) {
@@ -235,6 +250,28 @@ private slots:
                 delete mortal;
             window.model()->refreshList();
             QTRY_COMPARE(window.rows(), (QStringList{"c", "d"}));
+        }
+    }
+
+    // By a check box, which goes on with itself afterwards, and by the settings.
+    void evaluatorEndsItsBrowser()
+    {
+        const QTemporaryDir folder;
+        QVERIFY(SampleFiles::make(folder.path(), {"a", "b"}));
+        for (const char* box : {"sequencesCheck", "splitCheck", ""}) {
+            Closer closer;
+            auto window = std::make_unique<BrowserWindow>(folder.path());
+            window->browser.setFileSequenceEvaluator(&closer);
+            QTRY_COMPARE(window->rows(), (QStringList{"a", "b"}));
+            closer.window = std::move(window);
+            if (*box == '\0') {
+                closer.window->browser.updateFromPreferences();
+            } else {
+                auto* check = closer.window->control<QCheckBox>(box);
+                check->click();
+                check->click();
+            }
+            QTRY_VERIFY2(!closer.window, box);
         }
     }
 

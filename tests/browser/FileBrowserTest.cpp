@@ -71,6 +71,14 @@ private slots:
         QCOMPARE(preview->selected, QStringLiteral("a"));
         delete preview;
         button->click();
+
+        preview = new Preview;
+        window.browser.setPreviewWidget(preview);
+        preview->hide();
+        connect(&window.browser, &FileBrowser::previewOpening, preview, [&] { delete preview; });
+        window.control<DisclosureButton>("previewButton")->click();
+        window.control<DisclosureButton>("previewButton")->click();
+        QCOMPARE(events.last(), QStringLiteral("opening"));
     }
 
     // Switched and destroyed at another moment of the read each time.

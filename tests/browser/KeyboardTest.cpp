@@ -7,6 +7,7 @@
 
 #include <QAccessible>
 #include <QHeaderView>
+#include <QVBoxLayout>
 
 using namespace Halvern::UI;
 
@@ -79,6 +80,26 @@ private slots:
         QTest::keyClick(window.menu(), Qt::Key_Down);
         QTest::keyClick(window.menu(), Qt::Key_Return);
         QCOMPARE(window.browser.pickedFiles(), QStringList(folder.path() + "/b"));
+    }
+
+    // The dialog's default button is Open, which would accept once more.
+    void returnIsAnsweredOnce()
+    {
+        QDialog dialog;
+        auto* browser = new FileBrowser(&dialog);
+        (new QVBoxLayout(&dialog))->addWidget(browser);
+        browser->setAcceptButtonEnabled(true);
+        const QSignalSpy accepted(browser, SIGNAL(accepted()));
+        dialog.show();
+        QApplication::setActiveWindow(&dialog);
+        for (const auto& [control, times] :
+             {std::pair("filenameEdit", 1), {"filterCombo", 1}, {"filesList", 2}}) {
+            auto* widget = browser->findChild<QWidget*>(QLatin1String(control));
+            widget->setFocus();
+            QTRY_VERIFY(widget->hasFocus());
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+            QCOMPARE(accepted.size(), times);
+        }
     }
 };
 

@@ -69,14 +69,15 @@ private slots:
 
     void tabCompletes()
     {
-        QVERIFY(QDir(path("b")).mkdir(QStringLiteral("cut")));
+        QVERIFY(QDir(path("b")).mkdir(QStringLiteral("cut")) && QDir().mkdir(path("b/:x")));
         QVERIFY(SampleFiles::make(path("b"), {"cutout", "notes", "Shot_a", "shot_b"}));
         BrowserWindow window(path("b"));
-        QTRY_COMPARE(window.rows().size(), 5);
+        QTRY_COMPARE(window.rows().size(), 6);
         for (const auto& [typed, completed] :
-             {std::pair("no", "b/notes"), {"s", "b/Shot_"}, {"c", "b/cut/"}}) {
+             {std::pair("no", "b/notes"), {"s", "b/Shot_"}, {":", "b/:x/"}, {"c", "b/cut/"}}) {
             window.edit()->setText(path("b/"));
             QTest::keyClicks(window.edit(), QLatin1String(typed));
+            QTRY_VERIFY(window.model()->isListReady());
             QTest::keyClick(window.edit(), Qt::Key_Tab);
             QCOMPARE(window.edit()->text(), path(completed));
         }

@@ -53,6 +53,41 @@ private slots:
         QCOMPARE(name, QStringLiteral("b"));
     }
 
+    // A second click that comes while the folder that the first one opened is on screen is about no row of
+    // it.
+    void doubleClicksStayInTheirFolder()
+    {
+        QVERIFY(QDir(path("sub")).mkpath(QStringLiteral("a/b")));
+        QVERIFY(SampleFiles::make(path("sub"), {"b", "c", "d"}));
+        const QSignalSpy opened(&m_window->browser, SIGNAL(fileDoubleClick()));
+        const QPoint place = m_window->place("sub/");
+        QTest::mouseClick(m_window->list()->viewport(), Qt::LeftButton, {}, place);
+        QTRY_COMPARE(m_window->rows().value(3), QStringLiteral("d"));
+        QTest::mouseDClick(m_window->list()->viewport(), Qt::LeftButton, {}, place);
+        QTest::mouseRelease(m_window->list()->viewport(), Qt::LeftButton, {}, place);
+        QVERIFY(opened.isEmpty());
+        QCOMPARE(m_window->browser.selectedFiles(), QStringList(path("sub") + '/'));
+        // The same row, though the list was built anew in between.
+        m_window->clickRow(QStringLiteral("d"));
+        m_window->model()->resetModel();
+        QTest::mouseDClick(m_window->list()->viewport(), Qt::LeftButton, {}, place);
+        QCOMPARE(opened.size(), 1);
+    }
+
+    void selectionKeepsItsOrder()
+    {
+        for (const QString& name : {m_sequence, QStringLiteral("a"), QStringLiteral("b")})
+            m_window->clickRow(name, Qt::ControlModifier);
+        m_window->list()->keepPlace(FileBrowser::FilesList::Keep::Selection,
+                                    [&] { m_window->model()->resetModel(); });
+        QCOMPARE(m_window->browser.selectedFiles(), (QStringList{path(m_sequence), path("a"), path("b")}));
+        // What is queued is no longer selected, but the keyboard goes on from there.
+        pressSpaceOver(QStringLiteral("b"));
+        QVERIFY(picked({m_sequence, "a", "b"}));
+        QVERIFY(m_window->list()->selectionModel()->selectedRows().isEmpty());
+        QCOMPARE(m_window->list()->currentIndex(), m_window->row("b"));
+    }
+
     void spaceTakesWhatIsUnderTheMouse()
     {
         m_window->clickRow(QStringLiteral("a"));

@@ -1,4 +1,5 @@
 #include "browser/BrowserWindow.h"
+#include "support/SampleFiles.h"
 #include "support/Test.h"
 #include "widgets/AppSettings.h"
 
@@ -33,6 +34,26 @@ class SettingsTest : public Test
 private slots:
     void init() { AppSettings().clear(); }
 
+    // Before the others, which leave a namespace to all browsers.
+    void nonsenseGivesDefaults()
+    {
+        QFile settings(AppSettings().fileName());
+        QVERIFY(settings.open(QIODevice::WriteOnly));
+        settings.write(
+            "[FileBrowser]\norderlogicalindex=abc\nsortorder=99\nsequences=maybe\nsplitsequences=\n"
+            "directory=@Invalid()\npreview=@ByteArray(\nsize=wide\nnoise\n\xff\xfe=\n"
+            "odd\\orderlogicalindex=-7\nodd\\directory=/nowhere/at/all\n"
+            "resources\\directory=:\n");
+        settings.close();
+        FileBrowser browser;
+        QCOMPARE(describe(browser), QDir::currentPath() + " 0 0 1 0");
+        browser.buildSettingsNamespace(QStringLiteral("odd"));
+        const QString parent = QFileInfo(QDir::currentPath()).path();
+        QCOMPARE(describe(browser), parent + " 0 0 1 0");
+        browser.buildSettingsNamespace(QStringLiteral("resources"));
+        QCOMPARE(describe(browser), QFileInfo(parent).path() + " 0 0 1 0");
+    }
+
     void remembers()
     {
         const QTemporaryDir folder;
@@ -48,25 +69,6 @@ private slots:
         FileBrowser browser;
         browser.updateFromPreferences();
         QCOMPARE(describe(browser), folder.path() + " 2 1 0 1");
-    }
-
-    void nonsenseGivesDefaults()
-    {
-        QFile settings(AppSettings().fileName());
-        QVERIFY(settings.open(QIODevice::WriteOnly));
-        settings.write(
-            "[FileBrowser]\norderlogicalindex=abc\nsortorder=99\nsequences=maybe\nsplitsequences=\n"
-            "directory=@Invalid()\npreview=@ByteArray(\nsize=wide\nnoise\n\xff\xfe=\n"
-            "[FileBrowser/odd]\norderlogicalindex=-7\ndirectory=/nowhere/at/all\n"
-            "[FileBrowser/resources]\ndirectory=:\n");
-        settings.close();
-        FileBrowser browser;
-        QCOMPARE(describe(browser), QDir::currentPath() + " 0 0 1 0");
-        browser.buildSettingsNamespace(QStringLiteral("odd"));
-        const QString parent = QFileInfo(QDir::currentPath()).path();
-        QCOMPARE(describe(browser), parent + " 0 0 1 0");
-        browser.buildSettingsNamespace(QStringLiteral("resources"));
-        QCOMPARE(describe(browser), QFileInfo(parent).path() + " 0 0 1 0");
     }
 
     void unwritableSettingsDoNoHarm()
@@ -89,6 +91,16 @@ private slots:
         QCOMPARE(header->sortIndicatorSection(), 1);
         second.buildSettingsNamespace(QStringLiteral("b"));
         QCOMPARE(header->sortIndicatorSection(), 0);
+        // One that was listed before it was shown is listed anew.
+        const QTemporaryDir folder;
+        QVERIFY(SampleFiles::make(folder.path(), {"here"}));
+        AppSettings().setValue(QStringLiteral("FileBrowser/b/directory"), folder.path());
+        QStringList filters;
+        second.setFilters(filters, true);
+        second.buildSettingsNamespace(QStringLiteral("b"));
+        second.show();
+        QTRY_COMPARE(second.findChild<FileBrowser::ProxyModel*>()->index(0, 0).data().toString(),
+                     QStringLiteral("here"));
         // The last namespace is that of all browsers.
         first.findChild<FileBrowser::FilesList*>()->sortByColumn(2, Qt::AscendingOrder);
         QCOMPARE(AppSettings().value(QStringLiteral("FileBrowser/b/orderlogicalindex")).toInt(), 2);
