@@ -181,7 +181,8 @@ void FileInfoList::startLazyStat()
 
 void FileInfoList::queueStep()
 {
-    ++m_queuedSteps;
+    if (!signalsBlocked()) // else nothing will be delivered
+        ++m_queuedSteps;
     emit lazyStatFetchNext();
 }
 

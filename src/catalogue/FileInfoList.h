@@ -54,8 +54,9 @@ public:
     /// The directory that was listed last, as it was given to fill().
     const QString& path() const { return m_path; }
 
-    /// Reads @p name as a frame: "shot.0042.exr" gives the pattern "shot.####.exr" and the frame 42. Any
-    /// Unicode digit counts. False, with the outputs unspecified, where the name holds no frame number.
+    /// Reads @p name as a frame: "shot.0042.exr" gives the pattern "shot.####.exr" and the frame 42.
+    /// False, with the outputs unspecified, where the name holds no frame number; a run with digits beyond 0
+    /// to 9 is found as one, but has no value and makes the name no frame.
     static bool toFrameName(const QString& name, QString& pattern, int& frame);
     /// Whether two patterns belong to one sequence. Where they differ in their number of "#" only, both
     /// become the form with one: "f.##.exr" and "f.###.exr" give "f.#.exr".

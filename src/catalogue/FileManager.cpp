@@ -153,6 +153,7 @@ void FileManager::insertFiles()
 
 void FileManager::cleanData()
 {
+    gatherer->stop(); // what is still to come belongs to entries that go
     grownPatterns.clear();
     patterns.clear();
     entriesByName.clear();

@@ -45,7 +45,8 @@ public:
     /// @p path cannot be opened, which leaves the manager empty with @p path as its current directory.
     /// A call from within a synchronous read is refused.
     bool getFilesFromFolder(const std::string& path, bool force);
-    /// The same on the calling thread: everything is read, and the signals are emitted, when it returns.
+    /// The same on the calling thread: everything is read, and the signals are emitted, when it returns. The
+    /// manager must not be destroyed in answer to these.
     bool getFilesFromFolderSynchronously(const std::string& path, bool force);
     /// Reads @p path at once and returns a text for every row: registered sequences on one row, or on a row
     /// for every run of frames with @p splitGaps; sequences as "shot.####.exr 1-9 ( 1-4 6-9 )" with @p
@@ -56,11 +57,11 @@ public:
                                              bool includeDirectories, bool includeHidden);
 
     /// Takes the caller's names, in their order, in place of names read from a directory; insertFiles() makes
-    /// entries of them.
+    /// entries of them. No read may be under way.
     void setFiles(const std::list<std::string>& names);
     /// Makes entries of the names that are pending and adds them to the catalogue.
     void insertFiles();
-    /// Forgets every entry. The memory is kept for the next read.
+    /// Forgets every entry and ends a read that is under way. The memory is kept for the next read.
     void cleanData();
     /// Applies attributes to the entries behind the last that have any, in reading order, and brings
     /// sequences up to date. Records beyond the last entry are ignored, and so is a null batch. With @p

@@ -96,6 +96,13 @@ private slots:
         QTRY_COMPARE(ends.size(), 1);
         QCoreApplication::processEvents();
         QCOMPARE(ends.size(), 1);
+        // Nor does a walk that nobody could hear of keep the next one waiting.
+        {
+            const QSignalBlocker blocker(&list);
+            list.fill(folder.path());
+        }
+        list.fill(folder.path());
+        QTRY_COMPARE(ends.size(), 2);
     }
 };
 

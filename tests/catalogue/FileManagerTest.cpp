@@ -158,6 +158,16 @@ private slots:
         }
     }
 
+    void forgettingEndsTheRead()
+    {
+        FileManager manager;
+        QVERIFY(manager.getFilesFromFolder(m_path, true));
+        QTRY_VERIFY(!allFiles(manager).empty());
+        manager.cleanData();
+        QTest::qWait(100);
+        QVERIFY(allFiles(manager).empty());
+    }
+
     void leftoverSignalsAnnounceNothing()
     {
         FileGatherer gatherer;
