@@ -188,13 +188,14 @@ public:
         m_model->refreshList();
         double turn = 0;
         if (!runUntil([this] { return m_model->isListReady(); }, turn))
-            return -1;
+            return NAN;
         double added = 0;
         for (int row = 0; row < m_model->rowCount(); ++row)
             added += entries.count(m_model->entry(row)) == 0 ? 1 : 0;
         return added;
     }
 
+    // Not a number where all was read by then.
     double leave(const QString& folder, qint64 after)
     {
         QElapsedTimer timer;
@@ -202,11 +203,12 @@ public:
         m_browser.setDirectory(QDir(folder), false, true);
         double turn = 0;
         runUntil([&] { return timer.elapsed() >= after; }, turn);
+        const bool inMidRead = !m_model->hasAllAttributes();
         timer.restart();
         m_browser.setDirectory(QDir(m_empty.path()), false, true);
         const double time = milliseconds(timer);
         runUntil([this] { return m_model->isListReady(); }, turn);
-        return time;
+        return inMidRead ? time : NAN;
     }
 
 private:
@@ -236,7 +238,9 @@ Values timeCollapsed(const QString& folder, int files)
 {
     Browser browser(false);
     Values values = browser.read(folder, files);
-    Values again = browser.readAgain(files);
+    Values again = values.empty() ? Values() : browser.readAgain(files);
+    if (again.empty())
+        return {};
     for (const char* name : {"rows", "attributes"})
         values[QStringLiteral("again-") + QLatin1String(name)] = again[QLatin1String(name)];
     return values;
@@ -270,11 +274,13 @@ Values timeExpanded(const QString& folder, int files)
 
 Values timeSwitches(const QString& folder, int files)
 {
-    double slowest = 0;
+    constexpr int MillisecondsPerThousand = 3; // names and attributes, on a quick machine
+    const int whole = files / 1000 * MillisecondsPerThousand;
+    double slowest = NAN;
     for (const bool expanded : {false, true}) {
         Browser browser(expanded);
         for (const int percent : {5, 20, 35, 50, 65, 80})
-            slowest = std::max(slowest, browser.leave(folder, files / 1000 * 3 * percent / 100));
+            slowest = std::fmax(slowest, browser.leave(folder, whole * percent / 100));
     }
     return {{QStringLiteral("switch"), slowest}};
 }
@@ -300,11 +306,8 @@ Values timeFileSystemModel(const QString& folder, int files)
     return {{QStringLiteral("attributes"), milliseconds(timer)}};
 }
 
-} // namespace
-
-Values measure(const QString& kind, const QString& folder, int files)
+Values measureKind(const QString& kind, const QString& folder, int files)
 {
-    FileBrowser::SetUseLastSavedDir(false);
     if (kind == QLatin1String("system"))
         return timeSystem(folder, files);
     if (kind == QLatin1String("qt"))
@@ -318,6 +321,16 @@ Values measure(const QString& kind, const QString& folder, int files)
     if (kind == QLatin1String("switch"))
         return timeSwitches(folder, files);
     return {};
+}
+
+} // namespace
+
+Values measure(const QString& kind, const QString& folder, int files)
+{
+    FileBrowser::SetUseLastSavedDir(false);
+    Values values = measureKind(kind, folder, files);
+    const auto failed = [](const auto& value) { return std::isnan(value.second); };
+    return std::any_of(values.begin(), values.end(), failed) ? Values() : values;
 }
 
 } // namespace ListingMeasurements
