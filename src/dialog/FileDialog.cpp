@@ -34,6 +34,10 @@ FileDialog::FileDialog(QWidget* parent, const char* acceptText, const char* acce
             SLOT(fileSelectionChanged()));
     connect(browser, SIGNAL(fileSelected(const Halvern::UI::FileInfo&, QDir)), this,
             SLOT(fileSelectionChanged()));
+    // What takes the selection away with the rows, or changes the pick list, announces the rows alone.
+    // Queued, because the list may put the selection back.
+    for (const char* signal : {SIGNAL(modelReset()), SIGNAL(layoutChanged())})
+        connect(browser->proxyModel, signal, this, SLOT(rowsChanged()), Qt::QueuedConnection);
     connect(browser, SIGNAL(fileDoubleClick(const Halvern::UI::FileInfo&)), this,
             SLOT(fileDoubleClicked(const Halvern::UI::FileInfo&)));
     connect(browser, SIGNAL(accepted()), this, SLOT(accept()));
@@ -184,12 +188,34 @@ bool FileDialog::selectionIsAcceptable() const
            });
 }
 
+FileDialog::Grounds FileDialog::grounds() const
+{
+    // Asking for the rows takes a while where there are many.
+    int selected = 0;
+    for (const QItemSelectionRange& range : browser->filesList->selectionModel()->selection())
+        selected += range.height();
+    return {selected,
+            browser->filenameEdit->text(),
+            browser->selectionType,
+            browser->multipleSelections,
+            browser->mayNotExist,
+            browser->pickList.isEmpty()};
+}
+
 void FileDialog::fileSelectionChanged()
 {
     const bool acceptable = selectionIsAcceptable();
     const bool queued = browser->multipleSelections && !browser->pickList.isEmpty();
     browser->setNextButtonEnabled(acceptable && browser->multipleSelections);
     browser->setAcceptButtonEnabled(acceptable || browser->mayNotExist || queued);
+    decidedOn = grounds();
+}
+
+// Attributes come in many batches, and deciding asks the disk for each selected row.
+void FileDialog::rowsChanged()
+{
+    if (decidedOn != grounds())
+        fileSelectionChanged();
 }
 
 void FileDialog::fileDoubleClicked(const FileInfo& /*info*/)

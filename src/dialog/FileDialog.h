@@ -4,11 +4,14 @@
 #include "browser/FileBrowser.h"
 
 #include <QDialog>
+#include <optional>
+#include <tuple>
 
 namespace Halvern::UI {
 
-/// A dialog around one FileBrowser: it decides after every change of the selection whether Open and Next may
-/// be pressed, remembers its size from one run to the next, and takes a file that is dropped on it.
+/// A dialog around one FileBrowser: it decides after every change of the selection or the pick list whether
+/// Open and Next may be pressed, remembers its size from one run to the next, and takes a file that is
+/// dropped on it.
 ///
 /// The host makes it, runs it with exec(), reads selectedFiles() after it was accepted, and destroys it;
 /// title and place are the host's. Configuration calls go to the browser's member of the same name, which
@@ -60,17 +63,23 @@ protected:
 
 private slots:
     void fileSelectionChanged();
+    void rowsChanged();
     void fileDoubleClicked(const Halvern::UI::FileInfo& info);
     void resetFileFilter();
     void onPreviewOpening();
     void onPreviewClosed();
 
 private:
+    // Selected rows, filename field, selection type, several selections, may not exist, pick list is empty.
+    using Grounds = std::tuple<int, QString, FileBrowser::SelectionType, bool, bool, bool>;
+
     bool isAcceptable(const FileInfo& info) const;
     bool selectionIsAcceptable() const;
+    Grounds grounds() const;
 
     FileBrowser* browser;
     QSize sizeBeforePreview{-1, -1};
+    std::optional<Grounds> decidedOn; // what the buttons show
 };
 
 } // namespace Halvern::UI

@@ -9,6 +9,7 @@
 #include "widgets/DisclosureButton.h"
 
 #include <QApplication>
+#include <QComboBox>
 #include <QDragEnterEvent>
 #include <QMimeData>
 #include <QPushButton>
@@ -34,6 +35,12 @@ struct Window
 
     QPushButton* open() const { return dialog.findChild<QPushButton*>(QStringLiteral("openButton")); }
     QPushButton* next() const { return dialog.findChild<QPushButton*>(QStringLiteral("nextButton")); }
+    QComboBox* filter() const { return dialog.findChild<QComboBox*>(); }
+    // O and N where Open and Next are enabled.
+    QString buttons() const
+    {
+        return QString(open()->isEnabled() ? 'O' : '-') + (next()->isEnabled() ? 'N' : '-');
+    }
     FilePathEdit* edit() const { return dialog.findChild<FilePathEdit*>(); }
     FileBrowser::FilesList* list() const { return dialog.findChild<FileBrowser::FilesList*>(); }
     FileBrowser::ProxyModel* rows() const { return dialog.findChild<FileBrowser::ProxyModel*>(); }
@@ -74,7 +81,7 @@ private slots:
     void buttonsFollowTheSelection()
     {
         // What is selected, or with a "!" typed, and two letters each for: plain, multiple, mayNotExist,
-        // both; O and N where Open and Next are enabled.
+        // both.
         const std::tuple<SelectionType, QStringList, const char*> rows[] = {
             {SelectionType::Files, {"a"}, "O-ONO-ON"},
             {SelectionType::Files, {"!sub"}, "----O-O-"},
@@ -98,10 +105,34 @@ private slots:
                 window.dialog.setMultipleSelections((i & 1) != 0);
                 window.dialog.setMayNotExist((i & 2) != 0);
                 QVERIFY(QMetaObject::invokeMethod(&window.dialog, "fileSelectionChanged"));
-                enabled += window.open()->isEnabled() ? 'O' : '-';
-                enabled += window.next()->isEnabled() ? 'N' : '-';
+                enabled += window.buttons();
             }
             QCOMPARE(enabled, selected.join('+') + ' ' + expected);
+        }
+    }
+
+    void buttonsFollowTheRows()
+    {
+        Window window(m_folder->path());
+        window.dialog.setMultipleSelections(true);
+        // What is used while "a" is selected and under the mouse. Into the filter box "z" is typed.
+        const char* const uses[][3] = {{"splitCheck", "click", "--"},     {"sequencesCheck", "click", "--"},
+                                       {"filterCombo", "", "--"},         {"addAction", "trigger", "O-"},
+                                       {"removeAction", "trigger", "--"}, {"nextButton", "click", "ON"},
+                                       {"removeAction", "trigger", "--"}, {"refreshAction", "trigger", "--"}};
+        for (const auto& [name, slot, expected] : uses) {
+            window.edit()->setText(path({}));
+            window.filter()->clearEditText();
+            QTRY_COMPARE(window.names(), (QStringList{"a", "b", "sub/"}));
+            window.select({"a"});
+            const QModelIndex a = window.rows()->mapToSource(window.rows()->index(0, 0));
+            window.dialog.findChild<FileBrowser::DirectoryModel*>()->setHoveredRow(a.row());
+            QCOMPARE(window.buttons(), QString("ON"));
+            if (*slot)
+                QMetaObject::invokeMethod(window.dialog.findChild<QObject*>(name), slot);
+            else
+                window.filter()->setEditText("z");
+            QTRY_COMPARE(window.buttons(), QString(expected));
         }
     }
 
@@ -238,7 +269,8 @@ private:
     {
         const Window window(m_folder->path());
         QTRY_COMPARE(window.names().size(), 3);
-        window.open()->setEnabled(true);
+        window.dialog.setMayNotExist(true);
+        window.dialog.refreshWidget();
         const auto go = [&] { delete window.owned; };
         connect(&window.dialog, &QDialog::finished, this, go);
         if (atOnce) {
