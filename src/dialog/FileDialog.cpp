@@ -6,7 +6,9 @@
 #include "dialog/FilePathEdit.h"
 #include "widgets/AppSettings.h"
 
+#include <QComboBox>
 #include <QDragEnterEvent>
+#include <QKeyEvent>
 #include <QMimeData>
 #include <QPointer>
 #include <QUrl>
@@ -238,6 +240,14 @@ void FileDialog::onPreviewClosed()
 {
     if (sizeBeforePreview.isValid())
         resize(sizeBeforePreview);
+}
+
+void FileDialog::keyPressEvent(QKeyEvent* event)
+{
+    const bool isReturn = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    // The filter box has made of it what it does, and passed it on.
+    if (!isReturn || !browser->filterCombo->hasFocus())
+        QDialog::keyPressEvent(event);
 }
 
 void FileDialog::dragEnterEvent(QDragEnterEvent* event)

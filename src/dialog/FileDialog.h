@@ -56,6 +56,8 @@ public:
     void done(int result) override;
 
 protected:
+    /// Return in the filter box presses no button.
+    void keyPressEvent(QKeyEvent* event) override;
     /// Accepts the drag of exactly one local file.
     void dragEnterEvent(QDragEnterEvent* event) override;
     /// Places the path of the first file in the filename field.

@@ -242,7 +242,10 @@ private slots:
             press(Qt::Key_Space);
             QCOMPARE(QApplication::focusWidget(), window.list());
         }
-        QVERIFY(focusByTab(window.edit()));
+        QVERIFY(focusByTab(window.filter()) && window.open()->isEnabled());
+        press(Qt::Key_Return);
+        press(Qt::Key_Enter);
+        QVERIFY(window.dialog.isVisible() && focusByTab(window.edit()));
         press(Qt::Key_Return);
         QCOMPARE(window.dialog.result(), int(QDialog::Accepted));
         QCOMPARE(window.dialog.selectedFiles(),
