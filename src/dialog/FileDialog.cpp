@@ -9,6 +9,7 @@
 #include <QComboBox>
 #include <QDragEnterEvent>
 #include <QKeyEvent>
+#include <QLineEdit>
 #include <QMimeData>
 #include <QPointer>
 #include <QUrl>
@@ -25,8 +26,9 @@ FileDialog::FileDialog(QWidget* parent, const char* acceptText, const char* acce
         browser->setAcceptButtonText(QString::fromLatin1(acceptText));
     if (acceptTooltip)
         browser->setAcceptButtonTooltip(QString::fromLatin1(acceptTooltip));
-    // A file that is dropped on the field is dropped on the dialog, not written into the text as a URL.
+    // A file that is dropped on a field is dropped on the dialog, not written into the text as a URL.
     browser->filenameEdit->setAcceptDrops(false);
+    browser->filterCombo->lineEdit()->setAcceptDrops(false);
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(browser);

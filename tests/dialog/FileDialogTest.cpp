@@ -195,7 +195,7 @@ private slots:
         const QUrl file = QUrl::fromLocalFile(path(QStringLiteral("sub/dropped")));
         QVERIFY(!drop({file, file}));
         QVERIFY(!drop({QUrl(QStringLiteral("https://example.org/a.exr"))}));
-        QVERIFY(!window.edit()->acceptDrops());
+        QVERIFY(!window.edit()->acceptDrops() && !window.filter()->lineEdit()->acceptDrops());
         QVERIFY(drop({file}));
         QCOMPARE(window.edit()->text(), path(QStringLiteral("sub/dropped")));
     }
