@@ -84,6 +84,23 @@ bool fill(File& file, const std::string& contents, const struct stat* old)
     return ::fsync(file.number()) == 0 && file.close();
 }
 
+// Writes into the old file where @p error says that no new one could take its place. Its blocks are had, and
+// written over, before it is cut: a full disk leaves it as it was.
+int overwrite(const std::string& path, const std::string& contents, int error)
+{
+    if (error != EACCES && error != EPERM && error != EROFS && error != EBUSY)
+        return error;
+    File file(path, O_WRONLY | O_NONBLOCK);
+    if (!file.isOpen())
+        return error;
+    const auto size = static_cast<off_t>(contents.size());
+    const bool full =
+        ::fallocate(file.number(), FALLOC_FL_KEEP_SIZE, 0, size) != 0 && (errno == ENOSPC || errno == EDQUOT);
+    const bool written = !full && file.write(contents) && ::ftruncate(file.number(), size) == 0 &&
+                         ::fsync(file.number()) == 0 && file.close();
+    return written ? 0 : errno;
+}
+
 // Renames a new file over the old one; null where there is no old one.
 int exchange(const std::string& path, const std::string& contents, const struct stat* old)
 {
@@ -96,9 +113,10 @@ int exchange(const std::string& path, const std::string& contents, const struct 
         if (!file.isOpen()) {
             if (errno == EEXIST)
                 continue;
-            return errno;
+            return overwrite(path, contents, errno);
         }
-        if (fill(file, contents, old) && std::rename(name.c_str(), path.c_str()) == 0) {
+        const bool filled = fill(file, contents, old);
+        if (filled && std::rename(name.c_str(), path.c_str()) == 0) {
             const File folder(folderOf(path) + '.', O_RDONLY | O_DIRECTORY);
             if (folder.isOpen())
                 ::fsync(folder.number());
@@ -106,7 +124,7 @@ int exchange(const std::string& path, const std::string& contents, const struct 
         }
         const int error = errno;
         ::unlink(name.c_str());
-        return error;
+        return filled ? overwrite(path, contents, error) : error;
     }
     return EEXIST;
 }

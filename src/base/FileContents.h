@@ -15,8 +15,12 @@ int readFile(const std::string& path, std::string& contents);
 /// the old one and, where the system allows it, its owner and group. A symbolic link stays: the file that it
 /// leads to is replaced. A device or pipe is written to as it is.
 ///
-/// Returns 0, or the system's error number, and then the old file is there as it was: EACCES where the file
-/// or its folder may not be written, ENOSPC where the disk is full.
+/// Where the system lets no other file take its place (its folder may not be written, it is mounted by
+/// itself), an old file that may be written is written over instead, and an interruption of that can leave it
+/// in part.
+///
+/// Returns 0, or the system's error number, and then the old file is there as it was, unless the disk failed
+/// while it was written over: EACCES where it may not be written, ENOSPC where the disk is full.
 int replaceFile(const std::string& path, const std::string& contents);
 
 } // namespace Halvern::Base

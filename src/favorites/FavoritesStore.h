@@ -46,8 +46,8 @@ public:
     void addDefaults();
     /// Appends what the file holds, duplicates included, and resolves it.
     void load();
-    /// Writes the file anew, whole or not at all. Refuses while the file is there and load() could not read
-    /// it, so that what it holds is not lost.
+    /// Writes the file anew, as Base::replaceFile() does. Refuses while the file is there and load() could
+    /// not read it, so that what it holds is not lost.
     void save();
 
     /// Adds a favourite that is not a drive; texts are UTF-8. A persistent one takes the place and the values

@@ -39,11 +39,13 @@ private slots:
             const bool favoritesStay = call != "open64";
             const bool settingsStay = call != "open" && call != "fsync";
             for (const int error : {EIO, ENOSPC, EACCES}) {
+                // The old file takes them where no new one can take its place.
+                const bool overwritten = call == "rename" && error == EACCES;
                 const QByteArrayList before = keep("old");
                 faults[CallError] = error;
                 faults[ShortWrites] = error == ENOSPC ? 1 : 0; // and all but a byte has its place
                 faultyCall = call.constData();
-                QCOMPARE(keep("new"), (favoritesStay ? before : changed).mid(0, 2) +
+                QCOMPARE(keep("new"), (favoritesStay && !overwritten ? before : changed).mid(0, 2) +
                                           (settingsStay ? before : changed).mid(2));
             }
         }

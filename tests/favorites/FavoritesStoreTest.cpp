@@ -134,15 +134,16 @@ private slots:
     void reportsErrorsAndKeepsTheFile()
     {
         const QString cannotWrite = "Can't write %1: Permission denied\n";
-        for (const auto& [fileMode, messages] :
-             {std::pair(0444U, cannotWrite),
-              std::pair(0222U, "Can't read %1: Permission denied\n" + cannotWrite)}) {
+        // Where only the folder cannot be written, the file is.
+        for (const auto& [fileMode, folderMode, messages] :
+             {std::tuple(0444U, 0777U, cannotWrite), std::tuple(0666U, 0555U, QString()),
+              std::tuple(0222U, 0777U, "Can't read %1: Permission denied\n" + cannotWrite)}) {
             const QTemporaryDir place;
             const QString path = place.filePath("favorites");
-            QVERIFY(makeFile(path, fileMode) && ::chmod(place.path().toLocal8Bit().data(), 0777) == 0);
-            QCOMPARE(messagesOfSaver("restricted", path), messages.arg(path));
-            QVERIFY(QFile::setPermissions(path, QFile::ReadOwner));
-            QCOMPARE(stored(path), QString("x:/x"));
+            QVERIFY(makeFile(path, fileMode) && ::chmod(qPrintable(place.path()), folderMode) == 0);
+            QCOMPARE(messagesOfSaver("restricted", path), QString(messages).replace("%1", path));
+            QVERIFY(::chmod(qPrintable(place.path()), 0777) == 0 && ::chmod(qPrintable(path), 0400) == 0);
+            QCOMPARE(stored(path).count(':'), messages.isEmpty() ? SavedFavorites : 1);
             QCOMPARE(QDir(place.path()).entryList(QDir::Files | QDir::Hidden), QStringList("favorites"));
         }
     }
