@@ -17,7 +17,7 @@ auto record(const Favorite& favorite)
 bool Favorite::hasFolder() const
 {
     // A QDir of no path is one of the working directory.
-    return dir.path() != QLatin1String(".") || QDir::cleanPath(path) == QLatin1String(".");
+    return resolved || dir.path() != QLatin1String(".");
 }
 
 bool Favorite::isSame(const Favorite& other) const

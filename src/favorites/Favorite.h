@@ -62,7 +62,8 @@ struct Favorite
     QDir dir;
     QIcon icon;
     bool isDrive;
-    bool persistent; ///< Written to the favourites file.
+    bool persistent;       ///< Written to the favourites file.
+    bool resolved = false; ///< Whether dir is the folder that came of the path.
 };
 
 /// Turns the stored path of a favourite into the folder that is opened. A host derives from it to expand path

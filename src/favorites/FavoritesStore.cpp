@@ -216,7 +216,9 @@ void FavoritesStore::resetNonPersistent()
 
 void FavoritesStore::resolve(Favorite& favorite)
 {
-    favorite.dir = QDir(expressionEvaluator ? expressionEvaluator->evaluate(favorite) : favorite.path);
+    const QString folder = expressionEvaluator ? expressionEvaluator->evaluate(favorite) : favorite.path;
+    favorite.dir = QDir(folder);
+    favorite.resolved = !folder.isEmpty();
     favorite.icon = findIcon(favorite);
     if (favorite.icon.isNull())
         favorite.icon = iconProvider.genericFolderIcon();

@@ -105,6 +105,20 @@ private slots:
         QCOMPARE(shown(store), QString("(a:/6) a:/3 a:/4"));
     }
 
+    void mayAnswerWithTheWorkingDirectory()
+    {
+        struct Echo : FavoriteExpressionEvaluator
+        {
+            QString evaluate(const Favorite& favorite) override { return favorite.name; }
+        };
+        FavoritesStore store;
+        store.setEvaluator(new Echo);
+        Favorite favorite;
+        favorite.name = ".";
+        store.resolve(favorite);
+        QVERIFY(favorite.hasFolder());
+    }
+
     void keepsTheOrderOfRanks()
     {
         QVERIFY(makeFile(file, 0600));
