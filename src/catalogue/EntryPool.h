@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/Export.h"
 #include "catalogue/FileInfo.h"
 
 #include <cstddef>
@@ -10,7 +11,7 @@ namespace Halvern::UI {
 
 /// Makes and owns entries in contiguous blocks. Entries stay where they are until clear(); the memory of a
 /// block is kept for the next entries until the pool goes. One thread at a time, but for prepare().
-class EntryPool
+class HVCOREUI_EXPORT EntryPool
 {
 public:
     static constexpr std::size_t BlockSize = 1024; ///< Entries in a block.

@@ -23,7 +23,7 @@ enum FaveType : int
 };
 
 /// One favourite folder: a plain record. Until it is resolved it has neither a folder nor an icon.
-struct Favorite
+struct HVCOREUI_EXPORT Favorite
 {
     /// A drive is never persistent, whatever @p persist says.
     explicit Favorite(bool drive = false, bool persist = false)
