@@ -164,11 +164,13 @@ public:
     /// What a leading "." stands for in typed folders like "./shots/"; by default the working directory.
     static void SetDefaultPath(const QString& path) { _defaultPath = path; }
 
-    /// The favourites of the process, in the order of the panels; null before InitFavs().
+    /// The favourites of the process, in the order of the panels; null until something needed it.
     static QList<Favorite>* Favorites();
     /// The file that keeps the persistent favourites, and the name of the product, which is written into it
     /// and names the favourite of the product's folder. Without a path nothing is kept. To be called before
-    /// the first browser is made; later it takes effect at ResetFavorites().
+    /// the first browser is made. Later, the list stays as it is until ResetFavorites(), but LoadFavorites()
+    /// and SaveFavorites() use the new path at once: saving before the reset, which a browser also does after
+    /// the user's changes, replaces that file by the present list.
     static void SetPreferencesPath(const QString& path, const QString& productName);
     /// Folders of the default favourites Home, Root, Current and of the product; the home folder and the
     /// working directory stand in for empty ones. @p persist says whether they are kept in the file. A new

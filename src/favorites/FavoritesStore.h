@@ -28,7 +28,8 @@ public:
     QList<Favorite>* favorites() { return list.get(); }
 
     /// The file, an empty path for none, and the product that is named in it and in the favourite of its
-    /// folder. Takes effect when the store is initialised or reset next.
+    /// folder. The list stays as it is until the store is initialised or reset, but load() and save() use the
+    /// new path at once.
     void setPreferences(const QString& path, const QString& product);
     /// Folders of the default favourites. The home and the working folder of the process stand in for an
     /// empty @p home and @p working, and such favourites are never persistent the first time they are added;
