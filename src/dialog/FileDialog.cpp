@@ -8,7 +8,6 @@
 
 #include <QComboBox>
 #include <QDragEnterEvent>
-#include <QKeyEvent>
 #include <QLineEdit>
 #include <QMimeData>
 #include <QPointer>
@@ -53,6 +52,7 @@ FileDialog::FileDialog(QWidget* parent, const char* acceptText, const char* acce
     if (!stored.isEmpty())
         resize(stored);
     setAcceptDrops(true);
+    decidedOn = grounds();
 }
 
 FileDialog::~FileDialog()
@@ -242,14 +242,6 @@ void FileDialog::onPreviewClosed()
 {
     if (sizeBeforePreview.isValid())
         resize(sizeBeforePreview);
-}
-
-void FileDialog::keyPressEvent(QKeyEvent* event)
-{
-    const bool isReturn = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
-    // The filter box has made of it what it does, and passed it on.
-    if (!isReturn || !browser->filterCombo->hasFocus())
-        QDialog::keyPressEvent(event);
 }
 
 void FileDialog::dragEnterEvent(QDragEnterEvent* event)

@@ -4,7 +4,6 @@
 #include "browser/FileBrowser.h"
 
 #include <QDialog>
-#include <optional>
 #include <tuple>
 
 namespace Halvern::UI {
@@ -56,8 +55,6 @@ public:
     void done(int result) override;
 
 protected:
-    /// Return in the filter box presses no button.
-    void keyPressEvent(QKeyEvent* event) override;
     /// Accepts the drag of exactly one local file.
     void dragEnterEvent(QDragEnterEvent* event) override;
     /// Places the path of the first file in the filename field.
@@ -81,7 +78,7 @@ private:
 
     FileBrowser* browser;
     QSize sizeBeforePreview{-1, -1};
-    std::optional<Grounds> decidedOn; // what the buttons show
+    Grounds decidedOn; // what the buttons show, unless the host set them by hand
 };
 
 } // namespace Halvern::UI
