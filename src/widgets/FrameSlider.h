@@ -120,10 +120,12 @@ signals:
     void sliderInOutChanged();
     /// The user clicked with the right or middle button: the host may set the view that it likes.
     void sliderRangeReset();
-    /// The user took hold of the head (true) or let go of it (false).
+    /// The user took hold of the head (true) or let go of it (false). Who hides or disables the slider
+    /// meanwhile, or opens a modal box, ends the drag too.
     void scrubbingChanged(bool scrubbing);
 
 protected:
+    bool event(QEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
@@ -132,7 +134,6 @@ protected:
     void leaveEvent(QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
-    void hideEvent(QHideEvent* event) override;
 
     /// Called by each paint before the key rows are drawn, for subclasses that fill cacheFrames or _keys only
     /// when they are needed. Does nothing here.

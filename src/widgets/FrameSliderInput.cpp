@@ -87,7 +87,9 @@ void FrameSlider::mousePressEvent(QMouseEvent* event)
         break;
     case DragMode::Scrubbing:
         setScrubbing(true);
-        drag(pressX, pressY);
+        // Whoever listens may have ended the drag already, or thrown the slider away.
+        if (dragged == this)
+            drag(pressX, pressY);
         break;
     default:
         drag(pressX, pressY);
@@ -281,18 +283,25 @@ void FrameSlider::leaveEvent(QEvent* /*event*/)
     endHover();
 }
 
-// A slider that is hidden in the middle of a drag gets no release; the next slider would go on dragging.
-void FrameSlider::hideEvent(QHideEvent* event)
+// A slider that is hidden, disabled or blocked by a modal box in the middle of a drag gets no release; the
+// next slider would go on dragging.
+bool FrameSlider::event(QEvent* event)
 {
-    QWidget::hideEvent(event);
-    if (dragged == this)
+    const QEvent::Type type = event->type();
+    const bool lost = type == QEvent::Hide || type == QEvent::WindowBlocked ||
+                      (type == QEvent::EnabledChange && !isEnabled());
+    const bool handled = QWidget::event(event);
+    // Whoever listens may throw the slider away: nothing of it is touched afterwards.
+    if (lost && dragged == this)
         abandonDrag();
+    return handled;
 }
 
 void FrameSlider::abandonDrag()
 {
     dragMode = DragMode::Idle;
     dragged = nullptr;
+    update();
     setScrubbing(false);
 }
 

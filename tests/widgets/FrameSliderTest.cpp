@@ -2,8 +2,9 @@
 #include "support/Test.h"
 
 #include <QAccessible>
+#include <QDialog>
 #include <climits>
-#include <memory>
+#include <functional>
 
 namespace {
 
@@ -95,6 +96,7 @@ private slots:
         const auto right = Qt::RightButton;
         const auto alt = Qt::AltModifier;
         const auto ctrl = Qt::ControlModifier;
+        const auto shift = Qt::ShiftModifier;
         const struct
         {
             const char* name;
@@ -105,20 +107,8 @@ private slots:
             QPointF move;
             const char* wanted; // head, view, play range, events
         } rows[] = {
-            {"rounds",
-             50,
-             left,
-             Qt::ShiftModifier,
-             {110.5, 5},
-             {108.4, 5},
-             "49 0:100 11:89 scrub 51 49 free 49"},
-            {"widens the view",
-             50,
-             left,
-             {},
-             {110, 5},
-             {-10.5, 5},
-             "-10 -10:100 11:89 scrub 50 -10 free -10"},
+            {"rounds", 50, left, shift, {110.5, 5}, {108.4, 5}, "49 0:100 11:89 scrub 51 49 free 49"},
+            {"widens", 50, left, {}, {110, 5}, {-10.5, 5}, "-10 -10:100 11:89 scrub 50 -10 free -10"},
             {"select", 50, right, {}, {150, 5}, {111.4, 5}, "50 50:70 11:89 range"},
             {"short of a drag", 50, right, {}, {110, 5}, {113, 6}, "50 0:100 11:89 range reset"},
             {"pan", 50, left, alt | ctrl, {110, 5}, {131, 5}, "50 -10:90 11:89 range"},
@@ -206,20 +196,34 @@ private slots:
 
     void scrubbingEndsWhenItMust()
     {
-        auto slider = std::make_unique<Slider>();
-        slider->show();
-        slider->mouse(QEvent::MouseButtonPress, {110, 5}, Qt::LeftButton);
-        slider->mouse(QEvent::MouseButtonPress, {110, 5}, Qt::RightButton);
-        slider->mouse(QEvent::MouseButtonRelease, {110, 5}, Qt::RightButton);
-        slider->mouse(QEvent::MouseButtonRelease, {110, 5}, Qt::LeftButton);
-        slider->mouse(QEvent::MouseButtonPress, {150, 5}, Qt::LeftButton);
-        slider->hide();
-        QCOMPARE(slider->events, QStringLiteral(" scrub 50 reset free scrub 70 free"));
-        slider->mouse(QEvent::MouseButtonPress, {110, 5}, Qt::LeftButton);
-        slider.reset();
+        const std::pair<const char*, std::function<void(Slider&)>> losses[] = {
+            {"hidden", [](Slider& slider) { slider.hide(); }},
+            {"disabled", [](Slider& slider) { slider.setEnabled(false); }},
+            {"behind a modal box", [](Slider& slider) { QDialog(&slider).open(); }},
+        };
         Slider other;
-        other.mouse(QEvent::MouseMove, {150, 5}, Qt::NoButton);
-        QCOMPARE(other.events, QString());
+        for (const auto& [name, lose] : losses) {
+            Slider slider;
+            slider.show();
+            slider.mouse(QEvent::MouseButtonPress, {110, 5}, Qt::LeftButton);
+            slider.mouse(QEvent::MouseButtonPress, {110, 5}, Qt::RightButton);
+            slider.mouse(QEvent::MouseButtonRelease, {110, 5}, Qt::RightButton);
+            slider.mouse(QEvent::MouseButtonRelease, {110, 5}, Qt::LeftButton);
+            slider.mouse(QEvent::MouseButtonPress, {150, 5}, Qt::LeftButton);
+            lose(slider);
+            other.mouse(QEvent::MouseMove, {150, 5}, Qt::NoButton);
+            QVERIFY2(slider.events + other.events == " scrub 50 reset free scrub 70 free", name);
+        }
+        for (const bool pressed : {true, false}) {
+            auto* slider = new Slider; // for its listener to throw away
+            const auto listener = [=](bool scrubbing) { scrubbing == pressed ? delete slider : void(); };
+            connect(slider, &FrameSlider::scrubbingChanged, this, listener);
+            slider->mouse(QEvent::MouseButtonPress, {110, 5}, Qt::LeftButton);
+            if (!pressed)
+                slider->setEnabled(false);
+            other.mouse(QEvent::MouseMove, {150, 5}, Qt::NoButton);
+            QCOMPARE(other.events, QString());
+        }
     }
 };
 
