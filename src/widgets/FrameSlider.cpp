@@ -24,6 +24,7 @@ FrameSlider::FrameSlider(bool showGlobalKeys, QWidget* parent)
     setMinimumHeight(Height);
     setMaximumHeight(Height);
     setMouseTracking(true);
+    setContextMenuPolicy(Qt::PreventContextMenu);
     initAccessibility();
 }
 

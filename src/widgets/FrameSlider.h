@@ -16,7 +16,8 @@ using FrameNumber = qint32;
 /// The mouse, in the scale of 10 pixels from the left edge to 10 pixels from the right edge:
 /// - the left button scrubs the head, with Control it moves the nearer of in and out point, with Alt it pans;
 /// - the right or middle button selects a range to zoom into, and a click without a drag asks the host by
-///   sliderRangeReset() to reset the view; with Alt it zooms, 96 pixels to the left or down double the view;
+///   sliderRangeReset() to reset the view; with Alt it zooms, 96 pixels to the left or down double the view.
+///   No context menu opens, not even that of a parent, unless the host sets another contextMenuPolicy();
 /// - the wheel zooms about the frame under the mouse, one step for an event;
 /// - without a button the frame under the mouse is marked.
 ///

@@ -123,6 +123,9 @@ private slots:
             slider.setValue(row.head);
             slider.setinout(11, 89);
             slider.mouse(QEvent::MouseButtonPress, row.press, row.button, row.modifiers);
+            QContextMenuEvent menu(QContextMenuEvent::Mouse, row.press.toPoint());
+            QApplication::sendEvent(&slider, &menu);
+            QVERIFY2(menu.isAccepted(), "a parent's menu would open");
             slider.mouse(QEvent::MouseMove, row.move, row.button);
             slider.mouse(QEvent::MouseButtonRelease, row.move, row.button);
             slider.mouse(QEvent::MouseMove, {50, 5}, Qt::NoButton);
