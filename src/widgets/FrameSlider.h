@@ -23,8 +23,8 @@ using FrameNumber = qint32;
 ///
 /// The keyboard, while the slider has the focus, which it takes by Tab and not by a click:
 /// - Left and Right move the head by a frame, Page Down and Page Up by ten, Home and End to the first and the
-///   last frame to play;
-/// - I and O move the in and the out point to the head, while they are shown;
+///   last frame to play, or in view while the in and out marks are hidden;
+/// - I and O move the in and the out point to the head, while their marks are shown;
 /// - "+" and "-" zoom about the head, Alt with Left or Right pans by a tenth of the view, and F asks the host
 ///   by sliderRangeReset() to reset it.
 ///
@@ -78,7 +78,7 @@ public:
     bool isLocked() const { return false; }
     /// Whether the head is being dragged; emits scrubbingChanged() on a change.
     void setScrubbing(bool scrubbing);
-    /// Hides the in and out marks (default: shown).
+    /// Hides the in and out marks (default: shown); the keys then pass them over.
     void setHideInOut(bool hide);
     /// Keeps the play range when the frame range changes (default: off), see set_frame_range().
     void setKeepInOut(bool keep);

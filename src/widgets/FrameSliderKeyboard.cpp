@@ -98,10 +98,10 @@ bool FrameSlider::editByKey(int key)
         moveHead(qint64(m_value) + PageOfFrames);
         return true;
     case Qt::Key_Home:
-        moveHead(first_frame());
+        moveHead(m_hideInOut ? m_viewStart : first_frame());
         return true;
     case Qt::Key_End:
-        moveHead(last_frame());
+        moveHead(m_hideInOut ? m_viewEnd : last_frame());
         return true;
     case Qt::Key_Plus:
     case Qt::Key_Equal:
