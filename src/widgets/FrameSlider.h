@@ -182,6 +182,7 @@ private:
     void zoomAbout(double frame, int steps);
     void moveInPoint(int x);
     void moveOutPoint(int x);
+    int hoverMark() const;
     void hover(int x);
     void endHover();
     void endSelection(int x, int y);

@@ -224,15 +224,22 @@ void FrameSlider::moveOutPoint(int x)
     emit sliderInOutChanged();
 }
 
+// After a zoom under the mouse the mark stands where its frame went.
+int FrameSlider::hoverMark() const
+{
+    return valueToMouse(nearestFrame(hoverX));
+}
+
 void FrameSlider::hover(int x)
 {
     const bool entered = dragMode == DragMode::Idle;
     const int hovered = valueToMouse(nearestFrame(x));
-    const int previous = entered ? hovered : hoverX;
+    const int previous = entered ? hovered : hoverMark();
+    const bool moved = entered || hovered != hoverX;
     dragMode = DragMode::Hovering;
     dragged = this;
     hoverX = hovered;
-    if (entered || hovered != previous)
+    if (moved)
         updateBand(std::min(previous, hovered), std::max(previous, hovered));
 }
 
@@ -247,7 +254,7 @@ void FrameSlider::endHover()
         return;
     dragMode = DragMode::Idle;
     dragged = nullptr;
-    updateBand(hoverX, hoverX);
+    updateBand(hoverMark(), hoverMark());
 }
 
 void FrameSlider::mouseReleaseEvent(QMouseEvent* event)

@@ -57,6 +57,14 @@ public:
         setHideInOut(true);
     }
 
+    void paintEvent(QPaintEvent* event) override
+    {
+        FrameSlider::paintEvent(event);
+        painted |= event->rect();
+    }
+
+    QRect painted; // since it was last emptied
+
     /// "10-14 30-31": where a row has the colour.
     QString runs(int row, const QColor& colour)
     {
@@ -139,6 +147,24 @@ private slots:
         QCOMPARE(slider.runs(20, Cached), QStringLiteral("10-10"));
         slider.range(INT_MIN, INT_MAX);
         QCOMPARE(slider.runs(20, Cached), QStringLiteral("10-10 508-510 1009-1009"));
+    }
+
+    void leavesNoHoverMarkBehind()
+    {
+        Slider slider(1020);
+        slider.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&slider));
+        for (const QEvent::Type end : {QEvent::Leave, QEvent::MouseMove}) {
+            slider.range(0, 100);
+            QMouseEvent move(QEvent::MouseMove, {300, 5}, Qt::NoButton, {}, {});
+            QApplication::sendEvent(&slider, &move);
+            slider.range(25, 33); // the pixel 300 is a third of the way from frame 27 to 28
+            slider.repaint();
+            slider.painted = {};
+            QMouseEvent away(end, {900, 5}, Qt::NoButton, {}, {});
+            QApplication::sendEvent(&slider, &away);
+            QTRY_VERIFY(slider.painted.contains({slider.valueToMouse(27) - 6, 0, 13, 31}));
+        }
     }
 
     // Without the numbers: clipped letters differ a little from whole ones.
