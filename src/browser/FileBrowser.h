@@ -84,7 +84,8 @@ public:
     /// replaces it. A name without "/" is relative to the present directory. The listing is not narrowed to
     /// it.
     void setFilename(const QString& name);
-    /// Adds patterns like "*.exr *.dpx" to the filter box, and lists again with @p doRefresh.
+    /// Adds patterns like "*.exr *.dpx" to the filter box, and lists again with @p doRefresh. The first one
+    /// is the filter in force where the box was empty.
     void setFilters(QStringList& filters, bool doRefresh);
     /// While set, the typed name does not narrow the list, and folders are always listed (default: off).
     void setFilterBlock(bool block) { filterBlock = block; }
@@ -98,17 +99,21 @@ public:
 
     /// Whether several rows can be selected (default: no). Shows the Next button where they can.
     void setMultipleSelections(bool multiple);
+    /// What may be chosen (default: files).
     void setSelectionType(SelectionType type) { selectionType = type; }
-    /// Whether names of files that do not exist are acceptable (default: no). Hosts read it; the browser only
-    /// stores it.
+    /// Whether names of files that do not exist are acceptable (default: no). It is for the FileDialog around
+    /// the browser; in a browser of a host's own it has no effect.
     void setMayNotExist(bool may) { mayNotExist = may; }
-    /// Shows or hides Next, Open and Cancel together.
+    /// Shows or hides Next, Open and Cancel together (default: shown, Next only for several selections). What
+    /// was set last counts: setMultipleSelections() afterwards decides about Next again.
     void setButtonsVisible(bool visible);
+    /// The text of the Open button, "Open" by default.
     void setAcceptButtonText(const QString& text);
     /// What looks like markup is shown as markup.
     void setAcceptButtonTooltip(const QString& text);
     /// Open is disabled in a new browser, and only its host enables it.
     void setAcceptButtonEnabled(bool enabled);
+    /// Next is enabled in a new browser.
     void setNextButtonEnabled(bool enabled);
 
     /// Whether sequences can be collapsed (default: yes). Shows or hides the check boxes for it and rebuilds
@@ -147,7 +152,8 @@ public:
     /// replaceHashes() where the default sequence mode is Expanded, else @p name.
     static QString normalizeFile(const QString& name);
 
-    /// The colour behind the row under the mouse; black by default. Colours may be set from any thread.
+    /// The colour behind the row under the mouse; black by default. Colours may be set from any thread, but
+    /// not while a browser paints.
     static void SetHighlightColor(const QColor& colour);
     static const QColor& GetHightlightColor() { return _highlightColor; }
     /// The colour behind rows that are in the pick list; red by default.
@@ -156,6 +162,8 @@ public:
     /// Whether a new browser opens where the last one was (default: yes) or in the working directory.
     static void SetUseLastSavedDir(bool use) { _useLastSavedDir = use; }
     static bool GetUseLastSavedDir() { return _useLastSavedDir; }
+    /// Whether paths hold placeholders of "#" (Collapsed, the default) or printf tokens (Expanded), in all
+    /// browsers from then on; see normalizeFile().
     static void SetDefaultSequenceMode(SequenceMode mode) { _sequenceMode = mode; }
     static SequenceMode GetDefaultSequenceMode() { return _sequenceMode; }
     /// Whether unpadded frame numbers of one width are shown with that width (default: no). For browsers that
@@ -185,6 +193,7 @@ public:
     /// Once per process: adds the defaults and reads the favourites file, or makes it where it is missing.
     /// The first browser does it too.
     static void InitFavs();
+    /// Adds the default favourites; InitFavs() and the resets do it.
     static void InitDefaultFavorites();
     /// Adds what the favourites file holds to the list. Errors are printed to standard error.
     static void LoadFavorites();
@@ -212,10 +221,12 @@ signals:
     /// A directory was entered, a single row selected, or a path typed. @p info lives until the signal
     /// returns. Who destroys the browser in answer does it with deleteLater().
     void fileSelected(const Halvern::UI::FileInfo& info, QDir dir);
+    /// A row was double-clicked; this signal comes first. @p info lives until the signal returns.
     void fileDoubleClick(const Halvern::UI::FileInfo& info);
     void fileDoubleClick();
     /// The preview is about to be shown. It may be destroyed in answer, and so may the browser.
     void previewOpening();
+    /// The preview was hidden.
     void previewClosed();
     /// Open, or Return in the filename field.
     void accepted();

@@ -74,10 +74,13 @@ public:
     void disposeOf(Disposal disposal) { m_garbage.push_back(std::move(disposal)); }
 
 signals:
+    /// A batch of names is complete.
     void fileNameBatchReady();
+    /// A batch of attributes is complete.
     void fileInfoBatchReady();
     /// The names are complete. The argument is false: their attributes are still to come.
     void fileNameFinished(bool withInfo);
+    /// The run has ended of itself.
     void finishedGatheringFiles();
 
 protected:

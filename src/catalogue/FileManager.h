@@ -117,10 +117,12 @@ signals:
     void infoUpdated(int first, int count);
 
 public slots:
+    /// Takes what the worker has for it, now or in the next turn of the event loop. The worker calls them.
     void fileNameBatchReady();
     void fileInfoBatchReady();
     /// @p withInfo tells whether the last attributes are to be applied before the list is announced.
     void fileNameFinished(bool withInfo);
+    /// Does nothing.
     void fileGatheringFinished() {}
 
 private slots:
@@ -174,8 +176,8 @@ private:
     std::shared_ptr<std::vector<FileNameRecord>> pendingNames;
 
     std::vector<FileInfo*> files;
-    std::vector<FileInfo*>
-        sequenceOf; // for each of files: the sequence it is or becomes a member of, or null
+    // For each of files: the sequence it is or becomes a member of, or null.
+    std::vector<FileInfo*> sequenceOf;
     Names entriesByName;
     std::unordered_map<std::string_view, Pattern> patterns; // of those by name: the keys with a "#" in them
     std::vector<Pattern*> grownPatterns;                    // those with arrived members

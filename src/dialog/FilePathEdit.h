@@ -8,8 +8,7 @@
 /// components instead of words. Positions and distances are in characters of text().
 ///
 /// With Control held, and "|" for the cursor in the examples:
-/// - Backspace deletes back to behind the previous separator, one character at a time (textEdited() is
-/// emitted
+/// - Backspace deletes back to behind the previous separator, one character at a time (textEdited() comes
 ///   for each); a separator right before the cursor goes too. "/usr/local/|" gives "/usr/|".
 /// - Delete deletes up to the next separator, in the same way. "/|usr/local" gives "/|/local".
 /// - Left and Right move the cursor by the same distances, and with Shift extend the selection.
