@@ -240,8 +240,8 @@ signals:
 protected:
     /// Keys of the filename field: Up and Down move in the list, Tab completes.
     bool eventFilter(QObject* watched, QEvent* event) override;
-    /// Return ends at the filename field and at the filter, so that a dialog's default button does not
-    /// answer it once more.
+    /// Return ends at the filter, and where Open is shown at the filename field, since Open would answer it
+    /// once more as the default button of a dialog.
     void keyPressEvent(QKeyEvent* event) override;
     void showEvent(QShowEvent* event) override;
 

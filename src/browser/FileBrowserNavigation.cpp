@@ -151,7 +151,9 @@ void FileBrowser::keyPressEvent(QKeyEvent* event)
 {
     const bool isReturn = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
     const QWidget* focus = focusWidget();
-    if (!isReturn || (focus != filenameEdit && focus != filterCombo && focus != filterCombo->lineEdit()))
+    const bool answersOpen = focus == filenameEdit && openButton->isVisible();
+    const bool filters = focus == filterCombo || focus == filterCombo->lineEdit();
+    if (!isReturn || (!answersOpen && !filters))
         QWidget::keyPressEvent(event);
 }
 

@@ -42,7 +42,7 @@ void FileBrowser::FilesList::mousePressEvent(QMouseEvent* event)
 {
     if (event->button() != Qt::RightButton) {
         pressedPlace = event->pos();
-        pressedFolder = browser->currentDirectory;
+        pressedFolder = browser->currentDirectory.path();
         pressedName = nameAt(event->pos());
         QTreeView::mousePressEvent(event);
         return;
@@ -71,7 +71,7 @@ void FileBrowser::FilesList::mouseDoubleClickEvent(QMouseEvent* event)
     if (followsPress(event->pos())) {
         // The first click may have opened the folder that it was on. The second was meant for that folder
         // too, not for what is in its place by now.
-        if (pressedFolder != browser->currentDirectory)
+        if (pressedFolder != browser->currentDirectory.path())
             return;
         if (pressedName != nameAt(event->pos())) {
             mousePressEvent(event);
@@ -170,6 +170,8 @@ void FileBrowser::FilesList::keepPlace(Keep what, const std::function<void()>& r
 
 void FileBrowser::FilesList::selectRows(std::vector<int> rows)
 {
+    if (rows.empty())
+        return;
     std::vector<std::pair<int, int>> ranges; // first and last row of each
     const auto findRanges = [&] {
         ranges.clear();

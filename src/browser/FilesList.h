@@ -2,7 +2,6 @@
 
 #include "browser/FileBrowser.h"
 
-#include <QDir>
 #include <QTreeView>
 #include <functional>
 #include <optional>
@@ -56,7 +55,7 @@ private:
     FileBrowser* browser;
     // Where a button was pressed last, but for the right one.
     std::optional<QPoint> pressedPlace;
-    QDir pressedFolder;
+    QString pressedFolder;
     QByteArray pressedName;
     int widthHint = 0;
     int mouseRow = -1;
