@@ -195,7 +195,7 @@ public:
         return added;
     }
 
-    // Not a number where all was read by then.
+    // Not a number where all was read by then, which is no leaving in mid-read.
     double leave(const QString& folder, qint64 after)
     {
         QElapsedTimer timer;
@@ -203,7 +203,7 @@ public:
         m_browser.setDirectory(QDir(folder), false, true);
         double turn = 0;
         runUntil([&] { return timer.elapsed() >= after; }, turn);
-        const bool inMidRead = !m_model->hasAllAttributes();
+        const bool inMidRead = !m_model->isListReady() || !m_model->hasAllAttributes();
         timer.restart();
         m_browser.setDirectory(QDir(m_empty.path()), false, true);
         const double time = milliseconds(timer);

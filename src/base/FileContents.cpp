@@ -85,7 +85,7 @@ bool fill(File& file, const std::string& contents, const struct stat* old)
 }
 
 // Writes into the old file where @p error says that no new one could take its place. Its blocks are had, and
-// written over, before it is cut: a full disk leaves it as it was.
+// written over, before it is cut: a full disk leaves it as it was, if its file system can reserve space.
 int overwrite(const std::string& path, const std::string& contents, int error)
 {
     if (error != EACCES && error != EPERM && error != EROFS && error != EBUSY)

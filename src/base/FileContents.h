@@ -20,7 +20,8 @@ int readFile(const std::string& path, std::string& contents);
 /// in part.
 ///
 /// Returns 0, or the system's error number, and then the old file is there as it was, unless the disk failed
-/// while it was written over: EACCES where it may not be written, ENOSPC where the disk is full.
+/// or, where it can't reserve space, was full while it was written over: EACCES where it may not be
+/// written, ENOSPC where the disk is full.
 int replaceFile(const std::string& path, const std::string& contents);
 
 } // namespace Halvern::Base

@@ -199,8 +199,9 @@ public:
     static void LoadFavorites();
     /// Replaces the favourites file by the list as it is, whoever wrote that file: a list that was not read
     /// from it first leaves nothing of it. What fails, a full disk included, leaves the old one and is
-    /// printed to standard error; so does a file that could not be read. Only where the folder may not be
-    /// written is the file written over in place, and can be left in part by a crash.
+    /// printed to standard error; so does a file that could not be read. Only where no new file can take its
+    /// place, as in a folder that may not be written, is it written over, and a crash or a failing disk can
+    /// leave it in part.
     static void SaveFavorites();
     /// Adds a favourite; all texts are UTF-8. @p flags are FaveType bits, a negative number stands for its
     /// complement. With @p persist it is kept in the file and takes the place of an earlier one of the same

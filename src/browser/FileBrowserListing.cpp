@@ -126,10 +126,15 @@ bool FileBrowser::buildRows()
 // The same in answer to a check box, which goes on with itself afterwards.
 void FileBrowser::buildRowsAfterClick()
 {
-    if (directoryModel->hasEvaluator())
-        QTimer::singleShot(0, directoryModel, [this] { directoryModel->buildRunningList(); });
-    else
+    if (!directoryModel->hasEvaluator()) {
         directoryModel->buildRunningList();
+        return;
+    }
+    QTimer::singleShot(0, directoryModel, [this] {
+        // A read that has begun in the meantime builds them at its end.
+        if (directoryModel->isListReady())
+            directoryModel->buildRunningList();
+    });
 }
 
 FileBrowser::SequenceMode FileBrowser::getSequenceMode() const

@@ -41,6 +41,7 @@ bool FileBrowser::FilesList::event(QEvent* event)
 void FileBrowser::FilesList::mousePressEvent(QMouseEvent* event)
 {
     if (event->button() != Qt::RightButton) {
+        pressedTime = event->timestamp();
         pressedPlace = event->pos();
         pressedFolder = browser->currentDirectory.path();
         pressedName = nameAt(event->pos());
@@ -59,16 +60,18 @@ const char* FileBrowser::FilesList::nameAt(const QPoint& place) const
     return info ? info->fileName() : "";
 }
 
-bool FileBrowser::FilesList::followsPress(const QPoint& place) const
+bool FileBrowser::FilesList::followsPress(const QMouseEvent& event) const
 {
-    return pressedPlace && (place - *pressedPlace).manhattanLength() <= QApplication::startDragDistance();
+    return pressedPlace &&
+           (event.pos() - *pressedPlace).manhattanLength() <= QApplication::startDragDistance() &&
+           event.timestamp() - pressedTime <= static_cast<ulong>(QApplication::doubleClickInterval());
 }
 
 void FileBrowser::FilesList::mouseDoubleClickEvent(QMouseEvent* event)
 {
     const QPersistentModelIndex index = indexAt(event->pos());
-    // Only a program sends one without a press before it.
-    if (followsPress(event->pos())) {
+    // Only a program sends one without a press just before it.
+    if (followsPress(*event)) {
         // The first click may have opened the folder that it was on. The second was meant for that folder
         // too, not for what is in its place by now.
         if (pressedFolder != browser->currentDirectory.path())

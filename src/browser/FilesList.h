@@ -34,7 +34,8 @@ public:
         CurrentRow ///< With the scroll position; nothing is selected any more.
     };
     /// Runs @p reset, which resets the model but leaves its rows as they are, and puts back what is to be
-    /// kept without announcing a change of it. Rows stay in the order in which they were selected.
+    /// kept without announcing a change of it. Rows stay in the order in which they were selected, unless
+    /// they lie in hundreds of places.
     void keepPlace(Keep what, const std::function<void()>& reset);
 
 protected:
@@ -49,11 +50,12 @@ protected:
 private:
     bool navigates(const QKeyEvent& event);
     const char* nameAt(const QPoint& place) const;
-    bool followsPress(const QPoint& place) const;
+    bool followsPress(const QMouseEvent& event) const;
     void selectRows(std::vector<int> rows);
 
     FileBrowser* browser;
-    // Where a button was pressed last, but for the right one.
+    // When a button was pressed last, but for the right one, and on what.
+    ulong pressedTime = 0; // in milliseconds, of the event
     std::optional<QPoint> pressedPlace;
     QString pressedFolder;
     QByteArray pressedName;

@@ -1,7 +1,7 @@
 from conftest import rows
 from PyQt5.QtCore import QChildEvent, QEvent, QMimeData, QObject, QPoint, QPointF, Qt, QTimerEvent
 from PyQt5.QtGui import (QActionEvent, QContextMenuEvent, QDragEnterEvent, QDragLeaveEvent, QDragMoveEvent, QDropEvent,
-                         QFocusEvent, QInputMethodEvent, QMouseEvent, QMoveEvent)
+                         QFocusEvent, QInputMethodEvent, QKeyEvent, QMouseEvent, QMoveEvent)
 from PyQt5.QtTest import QTest
 from PyQt5.QtWidgets import QAction, QLineEdit
 
@@ -29,6 +29,10 @@ def test_overrides_are_called_and_reach_the_native_handlers(open_browser):
     before = edit.text()
     QTest.keyClick(edit, Qt.Key_Down)
     assert edit.text() != before, "the native eventFilter() moves in the list"
+    edit.setFocus()
+    key = QKeyEvent(QEvent.KeyPress, Qt.Key_Return, Qt.NoModifier)
+    browser.event(key)
+    assert key.isAccepted(), "the native keyPressEvent() ends Return"
     QTest.keyClick(browser, Qt.Key_F5)
     drop = (QPoint(), Qt.CopyAction, QMimeData(), Qt.LeftButton, Qt.NoModifier)
     mouse = (QPointF(), Qt.LeftButton, Qt.LeftButton, Qt.NoModifier)
