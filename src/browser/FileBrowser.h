@@ -225,7 +225,8 @@ signals:
     /// A row was double-clicked; this signal comes first. @p info lives until the signal returns.
     void fileDoubleClick(const Halvern::UI::FileInfo& info);
     void fileDoubleClick();
-    /// The preview is about to be shown. It may be destroyed in answer, and so may the browser.
+    /// The preview is about to be shown. It may be destroyed in answer. Who destroys the browser does it with
+    /// deleteLater().
     void previewOpening();
     /// The preview was hidden.
     void previewClosed();

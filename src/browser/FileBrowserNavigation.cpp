@@ -3,9 +3,9 @@
 #include "browser/FileBrowser.h"
 
 #include "base/Path.h"
-#include "browser/DirectoryModel.h"
 #include "browser/FilesList.h"
 #include "browser/ProxyModel.h"
+#include "catalogue/FileInfo.h"
 #include "dialog/FilePathEdit.h"
 
 #include <QComboBox>
