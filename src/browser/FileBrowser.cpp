@@ -10,6 +10,7 @@
 #include "favorites/FavoritesList.h"
 #include "favorites/FavoritesModel.h"
 #include "favorites/FavoritesProxy.h"
+#include "favorites/FavoritesStore.h"
 #include "widgets/AppSettings.h"
 #include "widgets/DisclosureButton.h"
 
@@ -89,7 +90,7 @@ FileBrowser::FileBrowser(QWidget* parent)
 
 FileBrowser::~FileBrowser()
 {
-    if (favoritesChanged)
+    if (favoritesChanged || FavoritesStore::instance().isSaveDue())
         SaveFavorites();
     AppSettings settings;
     settings.setValue(_directoryIdentifier, currentDirectory.absolutePath());

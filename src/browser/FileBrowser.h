@@ -70,8 +70,8 @@ public:
     /// the working directory; the files are listed when the browser is first shown, if nothing asked for them
     /// before. @p parent owns it.
     explicit FileBrowser(QWidget* parent = nullptr);
-    /// Writes the favourites file if the user added, edited or removed favourites in this browser, and stores
-    /// the directory and the preview state.
+    /// Writes the favourites file if the user added, edited or removed favourites in this browser, or if an
+    /// earlier attempt failed, and stores the directory and the preview state.
     ~FileBrowser() override;
 
     /// Goes to @p dir: enters it into the history and sets the buttons. Unless @p keepFilename, its path is
@@ -197,11 +197,11 @@ public:
     static void InitDefaultFavorites();
     /// Adds what the favourites file holds to the list. Errors are printed to standard error.
     static void LoadFavorites();
-    /// Replaces the favourites file by the list as it is, whoever wrote that file: a list that was not read
-    /// from it first leaves nothing of it. What fails, a full disk included, leaves the old one and is
-    /// printed to standard error; so does a file that could not be read. Only where no new file can take its
-    /// place, as in a folder that may not be written, is it written over, and a crash or a failing disk can
-    /// leave it in part.
+    /// Writes the favourites file. If it was read before, what other programs added and removed since stays;
+    /// the list does not change. If it was never read, it is replaced by the list as it is. What fails, a full
+    /// disk included, is printed to standard error and leaves the old file; so does a file that cannot be
+    /// read. The next browser that closes tries again. Other programs that save wait for each other, five
+    /// seconds at most.
     static void SaveFavorites();
     /// Adds a favourite; all texts are UTF-8. @p flags are FaveType bits, a negative number stands for its
     /// complement. With @p persist it is kept in the file and takes the place of an earlier one of the same

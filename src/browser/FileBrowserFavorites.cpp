@@ -126,10 +126,11 @@ void FileBrowser::editFavorite()
     Favorite edited = *before;
     if (!showEditFavoriteDialog(edited))
         return;
+    // The host's evaluator may change the list.
+    FavoritesStore::instance().resolve(edited);
     const int position = favoritesModel->positionInList(*before, row);
     if (position < 0)
         return;
-    FavoritesStore::instance().resolve(edited);
     Favorites()->replace(position, edited);
     resetFavoritesModel();
     favoritesChanged = true;

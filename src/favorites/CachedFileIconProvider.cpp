@@ -3,6 +3,9 @@
 #include <QApplication>
 #include <QDir>
 #include <QFileIconProvider>
+#include <QFileInfo>
+#include <QImageReader>
+#include <QPixmap>
 #include <QStyle>
 
 namespace Halvern::UI {
@@ -20,6 +23,24 @@ QIcon platformIcon(QFileIconProvider::IconType type)
 QIcon CachedFileIconProvider::driveIcon()
 {
     return platformIcon(QFileIconProvider::Drive);
+}
+
+QIcon CachedFileIconProvider::iconOfFile(const QString& path)
+{
+    constexpr int MostPixels = 1 << 24;
+    auto* const application = qobject_cast<QApplication*>(QCoreApplication::instance());
+    // Asking whether it is a file keeps pipes, whose readers wait, from being opened.
+    if (!application || path.isEmpty() || !QFileInfo(path).isFile())
+        return {};
+    QImageReader reader(path);
+    const QSize size = reader.size();
+    if (size.isEmpty() || size.height() > MostPixels / size.width())
+        return {};
+    const int edge = qRound(QApplication::style()->pixelMetric(QStyle::PM_LargeIconSize) *
+                            application->devicePixelRatio());
+    if (size.width() > edge || size.height() > edge)
+        reader.setScaledSize(size.scaled(edge, edge, Qt::KeepAspectRatio).expandedTo(QSize(1, 1)));
+    return QIcon(QPixmap::fromImageReader(&reader));
 }
 
 QIcon CachedFileIconProvider::genericFolderIcon()

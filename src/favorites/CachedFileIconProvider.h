@@ -16,6 +16,9 @@ public:
     QIcon folderIcon(const QString& path);
     QIcon genericFolderIcon();
     QIcon driveIcon();
+    /// The icon in an image file, read at the size that icons are shown in. Null if @p path names no image
+    /// file, or one that has more than 16 million pixels.
+    static QIcon iconOfFile(const QString& path);
 
 private:
     QIcon generic;

@@ -1,5 +1,7 @@
 #include "favorites/EditFavoriteDialog.h"
 
+#include "favorites/FavoritesFile.h"
+
 #include <QCheckBox>
 #include <QDialogButtonBox>
 #include <QFrame>
@@ -98,10 +100,10 @@ void EditFavoriteDialog::setShowChooserTypes(bool show)
 
 void EditFavoriteDialog::applyTo(Favorite& favorite) const
 {
-    favorite.name = nameEdit->text();
-    favorite.path = folderEdit->text();
-    favorite.iconPath = iconEdit->text();
-    favorite.tooltip = tooltipEdit->text();
+    favorite.name = FavoritesFile::holdableName(nameEdit->text());
+    favorite.path = FavoritesFile::holdable(folderEdit->text());
+    favorite.iconPath = FavoritesFile::holdable(iconEdit->text());
+    favorite.tooltip = FavoritesFile::holdable(tooltipEdit->text());
     favorite.type = FaveAll;
     if (!showChooserTypes)
         return;

@@ -9,7 +9,8 @@ namespace {
 auto record(const Favorite& favorite)
 {
     return std::tie(favorite.path, favorite.name, favorite.keyText, favorite.iconPath, favorite.tooltip,
-                    favorite.type, favorite.requestedFlags, favorite.isDrive, favorite.persistent);
+                    favorite.type, favorite.requestedFlags, favorite.isDrive, favorite.persistent,
+                    favorite.unknownOptions, favorite.unknownFields);
 }
 
 } // namespace

@@ -5,6 +5,7 @@
 #include <QDir>
 #include <QIcon>
 #include <QString>
+#include <QStringList>
 
 namespace Halvern::UI {
 
@@ -56,9 +57,11 @@ struct HVCOREUI_EXPORT Favorite
     QString name;    ///< As it is shown.
     QString keyText; ///< Carried for the host, never shown.
     QString iconPath;
-    QString tooltip;        ///< Empty for the path of the folder.
-    int type = FaveAll;     ///< FaveType bits.
-    int requestedFlags = 0; ///< The flags as FileBrowser::AddFavoriteDir() got them.
+    QString tooltip;            ///< Empty for the path of the folder.
+    int type = FaveAll;         ///< FaveType bits.
+    int requestedFlags = 0;     ///< The flags as FileBrowser::AddFavoriteDir() got them.
+    QStringList unknownOptions; ///< Of its line in the file, which keeps them: those of a later version.
+    QStringList unknownFields;  ///< The same, after the folder.
     QDir dir;
     QIcon icon;
     bool isDrive;

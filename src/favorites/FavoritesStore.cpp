@@ -1,23 +1,26 @@
 #include "favorites/FavoritesStore.h"
 
-#include "base/FileContents.h"
-#include "favorites/FavoritesFile.h"
+#include "base/SharedFile.h"
 
 #include <QFile>
-#include <QFileInfo>
-#include <QGuiApplication>
-#include <QTextStream>
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <utility>
 
 namespace Halvern::UI {
 
 namespace {
 
+std::string fileName(const QString& path)
+{
+    return QFile::encodeName(path).toStdString();
+}
+
 void printError(const char* format, const QString& path, int error)
 {
-    std::fprintf(stderr, format, QFile::encodeName(path).constData(), std::strerror(error));
+    std::fprintf(stderr, format, fileName(path).c_str(), std::strerror(error));
 }
 
 bool hasName(const Favorite& favorite, const std::string& name)
@@ -36,54 +39,70 @@ FavoritesStore& FavoritesStore::instance()
 
 void FavoritesStore::setPreferences(const QString& path, const QString& product)
 {
-    preferencesPath = path;
-    productName = product;
+    if (path != m_preferencesPath) {
+        m_known.reset();
+        m_readDue = false;
+    }
+    m_preferencesPath = path;
+    m_productName = product;
 }
 
 void FavoritesStore::setDefaultFolders(const QString& home, const QString& root, const QString& working,
                                        const QString& product, bool persist)
 {
-    homeFolder = home;
-    rootFolder = root;
-    workingFolder = working;
-    productFolder = product;
-    defaultsPersist = persist;
+    m_homeFolder = home;
+    m_rootFolder = root;
+    m_workingFolder = working;
+    m_productFolder = product;
+    m_defaultsPersist = persist;
 }
 
 void FavoritesStore::setEvaluator(FavoriteExpressionEvaluator* newEvaluator)
 {
-    if (newEvaluator != expressionEvaluator.get())
-        expressionEvaluator.reset(newEvaluator);
+    if (newEvaluator != m_evaluator.get())
+        m_evaluator.reset(newEvaluator);
 }
 
 QList<Favorite>& FavoritesStore::ensureList()
 {
-    if (!list)
-        list = std::make_unique<QList<Favorite>>();
-    return *list;
+    if (!m_list)
+        m_list = std::make_unique<QList<Favorite>>();
+    return *m_list;
+}
+
+void FavoritesStore::ensureInitialized()
+{
+    if (!m_initialized)
+        initialize();
 }
 
 void FavoritesStore::initialize()
 {
-    if (initialized)
+    if (m_initialized && !m_readDue)
         return;
     ensureList();
-    if (!expressionEvaluator)
-        expressionEvaluator = std::make_unique<FavoriteExpressionEvaluator>();
+    if (!m_evaluator)
+        m_evaluator = std::make_unique<FavoriteExpressionEvaluator>();
     // What follows initialises again.
-    initialized = true;
-    if (!QFile::exists(preferencesPath)) {
+    const bool isFirst = !std::exchange(m_initialized, true);
+    QList<Favorite> loaded;
+    const int error = read(loaded);
+    const bool isMissing = error == ENOENT;
+    if (isFirst ? isMissing || !m_defaultsPersist : isMissing && m_defaultsPersist)
         addDefaults();
+    take(error, loaded, isFirst ? Duplicates::Allowed : Duplicates::LeftOut);
+    if (isMissing)
         save();
-        return;
-    }
-    if (!defaultsPersist)
-        addDefaults();
-    load();
+    else if (error != 0)
+        printError("Can't read %s: %s\n", m_preferencesPath, error);
 }
 
 void FavoritesStore::addDefaults()
 {
+    if (!m_initialized) {
+        initialize();
+        return;
+    }
     const auto addDefault = [this](const char* name, const char* keyText, const QString& path,
                                    const char* iconPath, bool persist) {
         if (!path.isEmpty())
@@ -93,64 +112,110 @@ void FavoritesStore::addDefaults()
         const bool given = !folder.isEmpty();
         if (!given)
             folder = fallback;
-        return given && defaultsPersist;
+        return given && m_defaultsPersist;
     };
-    const bool homePersists = orFallback(homeFolder, QDir::homePath());
-    addDefault("Home", "^~", homeFolder, "home_dir", homePersists);
-    addDefault("Root", "^/", rootFolder, "root_dir", defaultsPersist);
-    const bool workingPersists = orFallback(workingFolder, QDir::currentPath());
-    addDefault("Current", "^.", workingFolder, "", workingPersists);
-    if (!productName.isEmpty())
-        addDefault(productName.toUtf8().constData(), "", productFolder, "icon16", defaultsPersist);
+    const bool homePersists = orFallback(m_homeFolder, QDir::homePath());
+    addDefault("Home", "^~", m_homeFolder, "home_dir", homePersists);
+    addDefault("Root", "^/", m_rootFolder, "root_dir", m_defaultsPersist);
+    const bool workingPersists = orFallback(m_workingFolder, QDir::currentPath());
+    addDefault("Current", "^.", m_workingFolder, "", workingPersists);
+    if (!m_productName.isEmpty())
+        addDefault(m_productName.toUtf8().constData(), "", m_productFolder, "icon16", m_defaultsPersist);
 }
 
-void FavoritesStore::load()
+int FavoritesStore::read(QList<Favorite>& loaded) const
 {
-    if (preferencesPath.isEmpty())
-        return;
+    if (m_preferencesPath.isEmpty())
+        return ENOENT;
     std::string text;
-    const int error = Base::readFile(QFile::encodeName(preferencesPath).toStdString(), text);
-    unreadPath = preferencesPath;
-    unreadError = QFile::exists(preferencesPath) ? error : 0;
-    if (unreadError != 0)
-        printError("Can't read %s: %s\n", preferencesPath, error);
+    const int error = Base::SharedFile::read(fileName(m_preferencesPath), text);
     if (error != 0)
+        return error;
+    if (FavoritesFile::hasOverlongLine(text))
+        return EFBIG;
+    loaded = FavoritesFile::parse(text);
+    return 0;
+}
+
+// Adds what read() gave, or notes its error.
+void FavoritesStore::take(int error, QList<Favorite>& loaded, Duplicates duplicates)
+{
+    m_readDue = error != 0 && error != ENOENT;
+    if (m_readDue)
         return;
-    QList<Favorite> loaded = FavoritesFile::parse(text);
+    m_known = FavoritesFile::keys(loaded);
+    if (duplicates == Duplicates::LeftOut) {
+        const FavoritesFile::Keys present = FavoritesFile::keys(ensureList());
+        for (int i = loaded.size() - 1; i >= 0; --i) {
+            if (std::count(present.begin(), present.end(), (*m_known)[static_cast<std::size_t>(i)]) > 0)
+                loaded.removeAt(i);
+        }
+    }
     for (Favorite& favorite : loaded)
         resolve(favorite);
-    // All have one rank, so each belongs behind the one before.
+    // All have one rank, so each belongs after the one before. What came late still goes before what was added.
     QList<Favorite>& favoriteList = ensureList();
-    int position = insertionPoint(Favorite(false, true).favoriteRank());
+    const int rank = Favorite(false, true).favoriteRank();
+    int position = insertionPoint(duplicates == Duplicates::LeftOut ? rank - 1 : rank);
     for (const Favorite& favorite : qAsConst(loaded))
         favoriteList.insert(position++, favorite);
 }
 
+void FavoritesStore::load()
+{
+    QList<Favorite> loaded;
+    const int error = read(loaded);
+    take(error, loaded, Duplicates::Allowed);
+    if (m_readDue)
+        printError("Can't read %s: %s\n", m_preferencesPath, error);
+}
+
 void FavoritesStore::save()
 {
-    if (preferencesPath.isEmpty()) {
+    if (m_preferencesPath.isEmpty()) {
         std::fputs("FileBrowser, Can't write favorites: No preferences path.\n", stderr);
         return;
     }
-    QByteArray bytes;
-    {
-        QTextStream stream(&bytes);
-        stream << FavoritesFile::format(ensureList(), productName);
-    }
-    // A file that could not be read holds favourites that are not in the list.
-    const bool unread = unreadError != 0 && unreadPath == preferencesPath && QFile::exists(preferencesPath);
-    const int error =
-        unread ? unreadError
-               : Base::replaceFile(QFile::encodeName(preferencesPath).toStdString(), bytes.toStdString());
+    int error = write();
     if (error != 0)
-        printError("Can't write %s: %s\n", preferencesPath, error);
+        error = write();
+    m_saveDue = error != 0;
+    if (error != 0)
+        printError("Can't write %s: %s\n", m_preferencesPath, error);
+}
+
+int FavoritesStore::write()
+{
+    if (m_readDue) {
+        QList<Favorite> loaded;
+        const int error = read(loaded);
+        take(error, loaded, Duplicates::LeftOut);
+        if (m_readDue)
+            return error;
+    }
+    const QList<Favorite>& favorites = ensureList();
+    const int failure =
+        Base::SharedFile::change(fileName(m_preferencesPath), [&](int error, std::string& contents) {
+            if (error == 0 && FavoritesFile::hasOverlongLine(contents))
+                error = EFBIG;
+            // What was never read is replaced, but for what can be no favourites file.
+            if (error != 0 && error != ENOENT && (m_known || error == EFBIG))
+                return error;
+            contents = m_known && error == 0
+                           ? FavoritesFile::merge(contents, *m_known, favorites, m_productName)
+                           : FavoritesFile::format(favorites, m_productName);
+            return 0;
+        });
+    if (failure == 0)
+        m_known = FavoritesFile::keys(favorites);
+    return failure;
 }
 
 void FavoritesStore::addFolder(const std::string& name, const std::string& keyText, const std::string& path,
                                const std::string& iconPath, const std::string& tooltip, int flags,
                                bool persist)
 {
-    initialize();
+    ensureInitialized();
     Favorite favorite(false, persist);
     favorite.name = QString::fromStdString(name);
     favorite.keyText = QString::fromStdString(keyText);
@@ -160,10 +225,10 @@ void FavoritesStore::addFolder(const std::string& name, const std::string& keyTe
     favorite.requestedFlags = flags;
     favorite.type = flags >= 0 ? flags : ~flags;
     if (persist) {
-        const auto same = std::find_if(list->begin(), list->end(), [&](const Favorite& other) {
+        const auto same = std::find_if(m_list->begin(), m_list->end(), [&](const Favorite& other) {
             return other.persistent && other.type == favorite.type && hasName(other, name);
         });
-        if (same != list->end()) {
+        if (same != m_list->end()) {
             *same = favorite;
             return;
         }
@@ -173,10 +238,10 @@ void FavoritesStore::addFolder(const std::string& name, const std::string& keyTe
 
 int FavoritesStore::insertionPoint(int rank) const
 {
-    const auto behind = std::find_if(list->cbegin(), list->cend(), [rank](const Favorite& favorite) {
+    const auto behind = std::find_if(m_list->cbegin(), m_list->cend(), [rank](const Favorite& favorite) {
         return favorite.favoriteRank() > rank;
     });
-    return static_cast<int>(behind - list->cbegin());
+    return static_cast<int>(behind - m_list->cbegin());
 }
 
 void FavoritesStore::add(const Favorite& favorite)
@@ -186,63 +251,61 @@ void FavoritesStore::add(const Favorite& favorite)
 
 void FavoritesStore::removeFolder(const std::string& name, int type, bool persistent)
 {
-    initialize();
-    const auto found = std::find_if(list->begin(), list->end(), [&](const Favorite& favorite) {
+    ensureInitialized();
+    const auto found = std::find_if(m_list->begin(), m_list->end(), [&](const Favorite& favorite) {
         return favorite.persistent == persistent && (type == FaveAll || favorite.type == type) &&
                hasName(favorite, name);
     });
-    if (found != list->end())
-        list->erase(found);
+    if (found != m_list->end())
+        m_list->erase(found);
 }
 
 void FavoritesStore::reset()
 {
-    if (initialized) {
-        initialized = false;
-        list->clear();
+    if (m_initialized) {
+        m_initialized = false;
+        m_known.reset();
+        m_list->clear();
     }
     initialize();
 }
 
 void FavoritesStore::resetNonPersistent()
 {
-    initialize();
+    ensureInitialized();
     const auto isTransient = [](const Favorite& favorite) {
         return !favorite.persistent && !favorite.isDrive;
     };
-    list->erase(std::remove_if(list->begin(), list->end(), isTransient), list->end());
+    m_list->erase(std::remove_if(m_list->begin(), m_list->end(), isTransient), m_list->end());
     addDefaults();
 }
 
 void FavoritesStore::resolve(Favorite& favorite)
 {
-    const QString folder = expressionEvaluator ? expressionEvaluator->evaluate(favorite) : favorite.path;
+    const QString folder = m_evaluator ? m_evaluator->evaluate(favorite) : favorite.path;
     favorite.dir = QDir(folder);
     favorite.resolved = !folder.isEmpty();
     favorite.icon = findIcon(favorite);
     if (favorite.icon.isNull())
-        favorite.icon = iconProvider.genericFolderIcon();
+        favorite.icon = m_iconProvider.genericFolderIcon();
 }
 
 QIcon FavoritesStore::findIcon(const Favorite& favorite)
 {
     if (favorite.isDrive)
-        return iconProvider.driveIcon();
-    const bool mayHaveIcons = qobject_cast<QGuiApplication*>(QCoreApplication::instance()) != nullptr;
-    // Asking whether it is a file keeps pipes, whose readers wait, from being opened.
-    if (mayHaveIcons && !favorite.iconPath.isEmpty() && QFileInfo(favorite.iconPath).isFile())
-        return QIcon(favorite.iconPath);
-    return iconProvider.folderIcon(favorite.dir.absolutePath());
+        return m_iconProvider.driveIcon();
+    const QIcon own = CachedFileIconProvider::iconOfFile(favorite.iconPath);
+    return own.isNull() ? m_iconProvider.folderIcon(favorite.dir.absolutePath()) : own;
 }
 
 void FavoritesStore::resolveAll()
 {
     for (int i = 0, count = ensureList().size(); i < count; ++i) {
         // The host's evaluator may change the list.
-        Favorite favorite = list->value(i);
+        Favorite favorite = m_list->value(i);
         resolve(favorite);
-        if (i < list->size() && list->at(i).isSame(favorite))
-            list->replace(i, favorite);
+        if (i < m_list->size() && m_list->at(i).isSame(favorite))
+            m_list->replace(i, favorite);
     }
 }
 

@@ -1,4 +1,5 @@
 #include "browser/BrowserWindow.h"
+#include "favorites/CachedFileIconProvider.h"
 #include "favorites/FavoritesList.h"
 #include "favorites/FavoritesModel.h"
 #include "support/Test.h"
@@ -104,7 +105,7 @@ private slots:
             panel.choose("gone");
             panel.press("editFavoriteButton", Qt::Key_Return, [this](QDialog& dialog) {
                 dialog.findChild<QLineEdit*>("folderEdit")->setText(folder("all"));
-                dialog.findChild<QLineEdit*>("nameEdit")->setText("edited");
+                dialog.findChild<QLineEdit*>("nameEdit")->setText("-\"edited\"\nfurther");
             });
             panel.choose("all");
             panel.press("removeFavoriteButton", Qt::Key_Return, [](QDialog& box) {
@@ -113,9 +114,48 @@ private slots:
         }
         FileBrowser::ResetFavorites();
         const Panel panel(folder("geo"));
-        QCOMPARE(panel.names(), QString("Home Current edited geo"));
-        panel.choose("edited");
+        QCOMPARE(panel.names(), QString("Home Current _-’edited’ geo"));
+        panel.choose("_-’edited’");
         QCOMPARE(panel.place(), QString("all"));
+    }
+
+    void editsTheRowThatWasChosen()
+    {
+        // A host's evaluator that changes the list when it is asked.
+        struct Adding : FavoriteExpressionEvaluator
+        {
+            QString evaluate(const Favorite& favorite) override
+            {
+                if (favorite.name == "new")
+                    FileBrowser::AddFavoriteDir("first", "", "/", "", "", FaveAll, false);
+                return favorite.path;
+            }
+        };
+        FileBrowser::SetFavoriteExpressionEvaluator(new Adding);
+        {
+            Panel panel(folder("geo"));
+            panel.choose("gone");
+            panel.press("editFavoriteButton", Qt::Key_Return,
+                        [](QDialog& dialog) { dialog.findChild<QLineEdit*>("nameEdit")->setText("new"); });
+            QCOMPARE(panel.names(), QString("Home Current first all new"));
+        }
+        FileBrowser::SetFavoriteExpressionEvaluator(nullptr);
+    }
+
+    void readsIconsAtTheirSize()
+    {
+        const auto width = [this](const char* name, const QByteArray& image) {
+            QFile file(folder(name));
+            if (!file.open(QFile::WriteOnly) || file.write(image) != image.size() || !file.flush())
+                return -1;
+            const QIcon icon = CachedFileIconProvider::iconOfFile(file.fileName());
+            return icon.isNull() ? 0 : icon.availableSizes().first().width();
+        };
+        QCOMPARE(width("icon", "P4 8 4\n" + QByteArray(4, 'x')), 8);
+        const int scaled = width("wide", "P4 2000 10\n" + QByteArray(2500, 'x'));
+        QVERIFY2(scaled >= 16 && scaled <= 64, qPrintable(QString::number(scaled)));
+        QCOMPARE(width("huge", "P4 24000 24000\n" + QByteArray(100, 'x')), 0);
+        QCOMPARE(width("text", "text"), 0);
     }
 
     // "&lt;" stands for itself, too.

@@ -6,6 +6,7 @@
 #include <QTextStream>
 #include <array>
 #include <sys/stat.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
 using namespace Halvern::UI;
@@ -13,6 +14,7 @@ using namespace Halvern::UI;
 namespace {
 
 constexpr int SavedFavorites = 500;
+constexpr int SharedSaves = 1000;
 
 // What this program does as a second process: it saves lists of which all names are equal.
 int runAsSaver(const QByteArray& mode, const char* path)
@@ -23,6 +25,17 @@ int runAsSaver(const QByteArray& mode, const char* path)
     FavoritesStore store;
     store.setPreferences(path, "p");
     store.initialize();
+    if (mode.startsWith("share")) {
+        // One favourite stays, others come and go, and the last one stays.
+        const std::string name = mode.right(1).toStdString();
+        store.addFolder(name, "", "/" + name, "", "", 0, true);
+        for (int round = 0; round < SharedSaves; ++round) {
+            store.removeFolder(name + std::to_string(round - 1), 0, true);
+            store.addFolder(name + std::to_string(round), "", "/", "", "", 0, true);
+            store.save();
+        }
+        return 0;
+    }
     for (int round = 0; round == 0 || mode == "forever"; ++round) {
         store.favorites()->clear();
         for (int i = 0; i < SavedFavorites; ++i)
@@ -77,6 +90,12 @@ class FavoritesStoreTest : public Test
     Q_OBJECT
 
 private slots:
+    void init()
+    {
+        for (const QString& name : files())
+            QVERIFY(QFile::remove(folder.filePath(name)));
+    }
+
     void fallbackPersistsAfterReset()
     {
         const QString home = "Home:" + QDir::homePath();
@@ -170,9 +189,109 @@ private slots:
             QCOMPARE(saved.count(':'), SavedFavorites);
             QVERIFY(saved.contains("0:") != saved.contains("1:"));
         }
+        // What the last one left does not stay.
+        QVERIFY(makeFile(folder.filePath(".favorites.new"), 0666) && makeFile(file, 0600));
+        FavoritesStore store;
+        store.setPreferences(file, "p");
+        store.save();
+        QCOMPARE(stored(file), QString());
+        QVERIFY(!QFile::permissions(file).testFlag(QFile::ReadOther));
+        QCOMPARE(files(), QStringList("favorites"));
+    }
+
+    void twoProcessesShareAFile()
+    {
+        QVERIFY(makeFile(file, 0600));
+        QProcess savers[2];
+        for (int i = 0; i < 2; ++i)
+            savers[i].start(QCoreApplication::applicationFilePath(),
+                            {"saver", i == 0 ? "share A" : "share B", file});
+        for (QProcess& saver : savers) {
+            QVERIFY(saver.waitForFinished(60000) && saver.exitCode() == 0);
+            QCOMPARE(saver.readAllStandardError(), QByteArray());
+        }
+        QStringList names = stored(file).split(' ');
+        names.sort();
+        QCOMPARE(names.join(' '), QString("A999:/ A:/A B999:/ B:/B x:/x"));
+    }
+
+    void joinsWhatOthersChanged()
+    {
+        FavoritesStore mine;
+        FavoritesStore theirs;
+        for (FavoritesStore* store : {&mine, &theirs}) {
+            store->setPreferences(file, "p");
+            store->initialize(); // when there is no file, and when it holds nothing
+        }
+        for (FavoritesStore* store : {&theirs, &mine, &theirs, &mine}) {
+            store->addFolder(store == &mine ? "m" : "t", "", "/", "", "", store->favorites()->size(), true);
+            store->save();
+        }
+        QCOMPARE(stored(file), QString("t:/ m:/ t:/ m:/"));
+        // A list that is not the file's, and a file that is gone, are no changes of others.
+        QVERIFY(QFile::remove(file));
+        mine.save();
+        QCOMPARE(stored(file), QString("m:/ m:/"));
+        FavoritesStore fresh;
+        fresh.setPreferences(file, "p");
+        fresh.addFolder("n", "", "/", "", "", 0, true);
+        fresh.setPreferences(folder.filePath("favorites2"), "p");
+        QVERIFY(makeFile(folder.filePath("favorites2"), 0600));
+        fresh.save();
+        QCOMPARE(stored(folder.filePath("favorites2")), QString("m:/ m:/ n:/"));
+    }
+
+    void keepsPermissionsAndAccessList()
+    {
+        QVERIFY(makeFile(file, 0600));
+        // Version 2; the owner, user 7, the group, the mask and others, each with its rights.
+        const unsigned short list[][4] = {{1, 6, 0xffff, 0xffff},
+                                          {2, 4, 7, 0},
+                                          {4, 0, 0xffff, 0xffff},
+                                          {16, 4, 0xffff, 0xffff},
+                                          {32, 0, 0xffff, 0xffff}};
+        const QByteArray acl =
+            QByteArray("\2\0\0\0", 4) + QByteArray(reinterpret_cast<const char*>(list), sizeof list);
+        const bool hasLists = ::setxattr(qPrintable(file), "system.posix_acl_access", acl.constData(),
+                                         static_cast<std::size_t>(acl.size()), 0) == 0;
+        FavoritesStore store;
+        store.setPreferences(file, "p");
+        store.save();
+        char kept[256] = "";
+        const ssize_t size = ::getxattr(qPrintable(file), "system.posix_acl_access", kept, sizeof kept);
+        QCOMPARE(QByteArray(kept, size > 0 ? int(size) : 0), hasLists ? acl : QByteArray());
+        QVERIFY(stored(file).isEmpty() && !QFile::permissions(file).testFlag(QFile::ReadOther));
+    }
+
+    void refusesWhatIsNoFavoritesFile()
+    {
+        const QByteArray line = "add_favorite_dir a a a /a\n";
+        for (const QByteArray& text : {line + QByteArray(1 << 17, 'x'), line.repeated(1 << 20)}) {
+            QFile huge(file);
+            QVERIFY(huge.open(QFile::WriteOnly) && huge.write(text) == text.size());
+            huge.close();
+            QCOMPARE(messagesOfSaver("plain", file),
+                     QString("Can't read %1: File too large\nCan't write %1: File too large\n").arg(file));
+            QVERIFY(huge.size() == text.size() && files() == QStringList("favorites"));
+        }
+    }
+
+    void initializesDefaultsOnce()
+    {
+        for (const bool persist : {false, true}) {
+            QFile::remove(file);
+            FavoritesStore store;
+            store.setPreferences(file, "p");
+            store.setDefaultFolders("/h", "/r", "/w", QString(), persist);
+            store.addDefaults();
+            QCOMPARE(shown(store),
+                     QString(persist ? "Home:/h Root:/r Current:/w" : "(Home:/h) (Root:/r) (Current:/w)"));
+        }
     }
 
 private:
+    QStringList files() const { return QDir(folder.path()).entryList(QDir::Files | QDir::Hidden); }
+
     QTemporaryDir folder;
     QString file = folder.filePath("favorites");
 };

@@ -26,7 +26,13 @@ namespace {
 [[maybe_unused]] void favorites(const QByteArray& text)
 {
     const QList<Favorite> read = FavoritesFile::parse(text.toStdString());
-    REQUIRE(FavoritesFile::parse(FavoritesFile::format(read, "p").toStdString()).size() == read.size());
+    REQUIRE(FavoritesFile::parse(FavoritesFile::format(read, "p")).size() == read.size());
+    const FavoritesFile::Keys keys = FavoritesFile::keys(read);
+    for (const auto& [known, mine] :
+         {std::pair(keys, read), std::pair(FavoritesFile::Keys(), QList<Favorite>())}) {
+        const std::string merged = FavoritesFile::merge(text.toStdString(), known, mine, "p");
+        REQUIRE(FavoritesFile::keys(FavoritesFile::parse(merged)) == keys);
+    }
 }
 
 // The two readers agree about names; every name gets a row, in a sequence or alone.

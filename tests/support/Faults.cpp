@@ -5,11 +5,15 @@
 #include <dirent.h>
 #include <dlfcn.h>
 #include <fcntl.h>
+#include <limits.h>
+#include <string>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
 std::atomic<int> faults[FaultCount];
 std::atomic<const char*> faultyCall;
+std::atomic<const char*> faultyFolder;
 
 namespace {
 
@@ -29,9 +33,26 @@ void delay()
     --faults[NowDelayed];
 }
 
+bool isFaulty(const char* name, const char* path, int file)
+{
+    const char* faulty = faultyCall;
+    if (!faulty || (std::strcmp(name, faulty) != 0 && std::strcmp("*", faulty) != 0))
+        return false;
+    const char* const folder = faultyFolder;
+    if (!folder)
+        return true;
+    char opened[PATH_MAX] = "";
+    if (file >= 0) {
+        const std::string link = "/proc/self/fd/" + std::to_string(file);
+        ::syscall(SYS_readlinkat, AT_FDCWD, link.c_str(), opened, sizeof opened - 1);
+        path = opened;
+    }
+    return path && std::strncmp(path, folder, std::strlen(folder)) == 0;
+}
+
 // Whether the call is to fail, with errno set. Calls without a path are not counted: they are no round trip,
 // or the thread's own business.
-bool fails(const char* name, const char* path)
+bool fails(const char* name, const char* path, int file = -1)
 {
     const bool onWorker = ::gettid() != ::getpid();
     const bool counts = path && *path;
@@ -39,19 +60,25 @@ bool fails(const char* name, const char* path)
         ++faults[Calls];
     else if (counts && calls)
         calls->append(QString::fromLatin1(name) + QLatin1Char(' ') + QString::fromLocal8Bit(path));
-    const char* faulty = faultyCall;
-    if (!faulty || std::strcmp(name, faulty) != 0)
+    if (!isFaulty(name, path, file))
         return false;
     if (onWorker && faults[CallDelay] != 0)
         delay();
+    if (faults[CallError] == 0 || faults[CallPlace] < 0)
+        return false;
+    if (faults[CallPlace] > 0) {
+        if (faults[CallPlace]-- > 1)
+            return false;
+        faults[CallPlace] = -1;
+    }
     errno = faults[CallError];
-    return errno != 0;
+    return true;
 }
 
 template <class Entry>
 Entry* readName(const char* name, DIR* stream, Entry* (*next)(DIR*))
 {
-    if (fails(name, Opened))
+    if (fails(name, Opened, ::dirfd(stream)))
         return nullptr;
     if (faults[MostNames] != 0 && --faults[MostNames] == 0) {
         faults[MostNames] = 1;
@@ -69,6 +96,7 @@ Entry* readName(const char* name, DIR* stream, Entry* (*next)(DIR*))
 void endFaults()
 {
     faultyCall = nullptr;
+    faultyFolder = nullptr;
     for (auto& fault : faults)
         fault = 0;
 }
@@ -109,11 +137,20 @@ CALL(char*, realpath, path, (const char* path, char* to), (path, to), nullptr)
 CALL(int, rename, path, (const char* path, const char* to), (path, to), -1)
 CALL(int, mkdir, path, (const char* path, mode_t mode), (path, mode), -1)
 CALL(int, unlink, path, (const char* path), (path), -1)
-CALL(int, fsync, nullptr, (int file), (file), -1)
+#define FILE_CALL(Result, name, parameters, arguments) \
+    HOOK(Result, name, parameters, return fails(#name, nullptr, file) ? -1 : next arguments;)
+FILE_CALL(ssize_t, read, (int file, void* to, size_t size), (file, to, size))
+FILE_CALL(int, fsync, (int file), (file))
+FILE_CALL(int, fchmod, (int file, mode_t mode), (file, mode))
+FILE_CALL(int, fstat, (int file, struct stat* to), (file, to))
+HOOK(int, close, (int file), const bool failed = fails("close", nullptr, file); const int error = errno;
+     const int result = next(file);
+     if (failed) errno = error;
+     return failed ? -1 : result;)
 HOOK(ssize_t, write, (int file, const void* bytes, size_t size),
      const auto left = static_cast<size_t>(faults[ShortWrites]);
      if (left != 0 && left < size)
          return next(file, bytes, size - left);
-     return fails("write", nullptr) ? -1 : next(file, bytes, size);)
+     return fails("write", nullptr, file) ? -1 : next(file, bytes, size);)
 // NOLINTEND(bugprone-macro-parentheses)
 // clang-format on

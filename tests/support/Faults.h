@@ -11,6 +11,7 @@ enum Fault
 {
     CallDelay,    ///< Microseconds that each faultyCall of a worker takes.
     CallError,    ///< What faultyCall fails with, on each thread.
+    CallPlace,    ///< Which one fails, from 1, and then no other: it is -1 afterwards. 0 for each.
     ShortWrites,  ///< Bytes that each `write` leaves undone; only one of no more bytes can be the faultyCall.
     MostNames,    ///< How many names directories give, from then on, before they fail with EIO.
     NoTypes,      ///< Names come without their type.
@@ -21,7 +22,9 @@ enum Fault
     FaultCount
 };
 extern std::atomic<int> faults[FaultCount];
-extern std::atomic<const char*> faultyCall; ///< "write" or another call; null for none.
+extern std::atomic<const char*> faultyCall; ///< "write" or another call, "*" for any; null for none.
+/// Only calls about files below it fail; null for any file. Descriptors are those of plain files.
+extern std::atomic<const char*> faultyFolder;
 void endFaults();
 
 /// What the first thread asked the file system for since this was called last, "statx /tmp" and the like. The

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <string>
+
+/// Small files that several programs, on several machines, read and write. Calls that a signal interrupts are
+/// made again.
+namespace Halvern::Base::SharedFile {
+
+/// What is larger is refused.
+inline constexpr std::size_t MostBytes = 16 << 20;
+
+/// Reads a whole file into @p contents. Returns 0, or the system's error number with @p contents empty:
+/// ENOENT only if there is no such file, EFBIG if it has more than MostBytes. A device or pipe reads as
+/// empty.
+int read(const std::string& path, std::string& contents);
+
+/// Turns the old contents of a file into the new ones. @p error is what read() returned; @p contents holds
+/// what it read, and takes what is to be written. Returns 0, or an error number to leave the file as it is.
+using Edit = std::function<int(int error, std::string& contents)>;
+
+/// Changes the file @p path, or makes it. Other programs that call change() for the same file wait from
+/// before @p edit is called until the new contents are in place. The lock ends with the process.
+///
+/// Whatever interrupts the change, the file holds either all of the old or all of the new contents: a new
+/// file, ".NAME.new", is written beside the old one, brought to the disk, and then renamed. What a process
+/// that was killed leaves of it is removed by the next change. A symbolic link stays: the file that it leads
+/// to is replaced. A device or pipe is written to.
+///
+/// The new file gets the permissions, the access list and the other attributes of the old one and, if the
+/// system allows it, its owner and group. What cannot be kept makes it less accessible, never more.
+///
+/// If the system lets no other file take its place (its folder may not be written, it is mounted by itself),
+/// an old file that may be written is written over instead. Only an interruption of that can leave it in
+/// part.
+///
+/// Returns 0, or the error number of what failed: EACCES if the file may not be written, ENOSPC if the disk
+/// is full, ETIMEDOUT if another program kept it locked for several seconds.
+int change(const std::string& path, const Edit& edit);
+
+} // namespace Halvern::Base::SharedFile
