@@ -92,9 +92,8 @@ FileBrowser::~FileBrowser()
 {
     if (favoritesChanged || FavoritesStore::instance().isSaveDue())
         SaveFavorites();
-    AppSettings settings;
-    settings.setValue(_directoryIdentifier, currentDirectory.absolutePath());
-    settings.setValue(_previewIdentifier, previewButton->checkState() == Qt::Checked);
+    AppSettings::Store(_directoryIdentifier, currentDirectory.absolutePath());
+    AppSettings::Store(_previewIdentifier, previewButton->checkState() == Qt::Checked);
     // What points back to the browser goes before the browser does, and without calling it.
     filesMenu->disconnect(this);
     delete filesMenu;
@@ -355,9 +354,8 @@ void FileBrowser::setPreviewWidget(QWidget* widget)
     }
     mainLayout->addWidget(widget, mainLayout->rowCount(), 0, 1, mainLayout->columnCount());
     previewButton->setVisible(true);
-    const QVariant open = AppSettings().value(_previewIdentifier);
-    if (open.isValid())
-        previewButton->setChecked(open.toBool());
+    if (const std::optional<bool> open = AppSettings::Flag(_previewIdentifier))
+        previewButton->setChecked(*open);
     // A layout shows what is added to it; the button says otherwise.
     if (!previewButton->isChecked())
         widget->hide();

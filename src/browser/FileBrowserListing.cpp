@@ -81,7 +81,7 @@ void FileBrowser::showSequences(bool state)
     splitCheck->setEnabled(state);
     const SequenceMode mode = state ? SequenceMode::Collapsed : SequenceMode::Expanded;
     if (sequencesEnabled)
-        AppSettings().setValue(_sequencesIdentifier, static_cast<int>(mode));
+        AppSettings::Store(_sequencesIdentifier, static_cast<int>(mode));
     directoryModel->setSequenceMode(mode);
     buildRowsAfterClick();
 }
@@ -99,7 +99,7 @@ void FileBrowser::setSequencesEnabled(bool enabled)
 void FileBrowser::splitIncompleteSequences(bool state)
 {
     if (sequencesEnabled)
-        AppSettings().setValue(_splitSequencesIdentifier, state);
+        AppSettings::Store(_splitSequencesIdentifier, state);
     directoryModel->setSplitSequences(state);
     buildRowsAfterClick();
 }

@@ -35,9 +35,8 @@ void FileBrowser::buildSettingsNamespace(const QString& ns)
 void FileBrowser::updateFromPreferences()
 {
     if (sequencesEnabled) {
-        const AppSettings settings;
-        const int mode = settings.value(_sequencesIdentifier, 0).toInt();
-        const bool split = settings.value(_splitSequencesIdentifier, false).toBool();
+        const int mode = AppSettings::Number(_sequencesIdentifier).value_or(0);
+        const bool split = AppSettings::Flag(_splitSequencesIdentifier).value_or(false);
         directoryModel->setSplitSequences(split);
         if (!buildRows())
             return;
@@ -54,9 +53,8 @@ void FileBrowser::updateFromPreferences()
 
 void FileBrowser::loadSortOrder()
 {
-    const AppSettings settings;
-    const int column = settings.value(_orderLogicalIndexIdentifier, 0).toInt();
-    const int order = settings.value(_sortOrderIdentifier, 0).toInt();
+    const int column = AppSettings::Number(_orderLogicalIndexIdentifier).value_or(0);
+    const int order = AppSettings::Number(_sortOrderIdentifier).value_or(0);
     // A column that the list does not have would leave it in the order of the disk.
     const bool known = column >= 0 && column < DirectoryModel::ColumnCount;
     filesList->header()->setSortIndicator(
@@ -65,15 +63,14 @@ void FileBrowser::loadSortOrder()
 
 void FileBrowser::sortingChanged(int region, Qt::SortOrder sort)
 {
-    AppSettings settings;
-    settings.setValue(_orderLogicalIndexIdentifier, region);
-    settings.setValue(_sortOrderIdentifier, static_cast<int>(sort));
+    AppSettings::Store(_orderLogicalIndexIdentifier, region);
+    AppSettings::Store(_sortOrderIdentifier, static_cast<int>(sort));
 }
 
 void FileBrowser::loadDirectorySettings()
 {
-    const QVariant stored = AppSettings().value(_directoryIdentifier);
-    const QDir candidate(_useLastSavedDir && stored.isValid() ? stored.toString() : QDir::currentPath());
+    const std::optional<QString> stored = AppSettings::Text(_directoryIdentifier);
+    const QDir candidate(_useLastSavedDir && stored ? *stored : QDir::currentPath());
     setDirectory(candidate, false, false);
     if (!isOnDisk(candidate))
         navigateUp();

@@ -8,9 +8,11 @@
 
 #include <QComboBox>
 #include <QDragEnterEvent>
+#include <QGuiApplication>
 #include <QLineEdit>
 #include <QMimeData>
 #include <QPointer>
+#include <QScreen>
 #include <QUrl>
 #include <QVBoxLayout>
 #include <algorithm>
@@ -48,16 +50,15 @@ FileDialog::FileDialog(QWidget* parent, const char* acceptText, const char* acce
     connect(browser, SIGNAL(previewClosed()), this, SLOT(onPreviewClosed()), Qt::QueuedConnection);
     connect(browser, SIGNAL(previewOpening()), this, SLOT(onPreviewOpening()));
 
-    const QSize stored = AppSettings().value(FileBrowser::_sizeIdentifier).toSize();
-    if (!stored.isEmpty())
-        resize(stored);
+    if (const std::optional<QSize> stored = AppSettings::Size(FileBrowser::_sizeIdentifier))
+        resize(stored->boundedTo(QGuiApplication::primaryScreen()->availableVirtualSize()));
     setAcceptDrops(true);
     decidedOn = grounds();
 }
 
 FileDialog::~FileDialog()
 {
-    AppSettings().setValue(FileBrowser::_sizeIdentifier, size());
+    AppSettings::Store(FileBrowser::_sizeIdentifier, size());
     // Before the rest of the dialog goes, to which its last signals are connected.
     delete browser;
 }

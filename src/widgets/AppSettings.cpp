@@ -1,5 +1,14 @@
 #include "widgets/AppSettings.h"
 
+#include "base/SharedFile.h"
+#include "widgets/IniText.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QLockFile>
+#include <cerrno>
+#include <cstdio>
 #include <utility>
 
 namespace Halvern::UI {
@@ -7,6 +16,20 @@ namespace Halvern::UI {
 namespace {
 
 constexpr const char* defaultName = "HvMirefoldCoreUI";
+constexpr int LockPatience = 200; // milliseconds
+
+std::string encodedPath(const QString& path)
+{
+    return QFile::encodeName(path).toStdString();
+}
+
+std::optional<QByteArray> stored(const QString& key)
+{
+    std::string text;
+    if (Base::SharedFile::read(encodedPath(AppSettings::FilePath()), text) != 0)
+        return std::nullopt;
+    return IniText::find(QByteArray::fromStdString(text), key);
+}
 
 } // namespace
 
@@ -16,6 +39,87 @@ AppSettings::AppSettings()
     : QSettings(QSettings::IniFormat, QSettings::UserScope, QString::fromStdString(_name), QString(), nullptr)
 {
     setFallbacksEnabled(false);
+}
+
+// Of a name that no file has, so that none is read.
+QString AppSettings::FilePath()
+{
+    const QSettings probe(QSettings::IniFormat, QSettings::UserScope, QStringLiteral("-"));
+    return QFileInfo(probe.fileName()).path() + QLatin1Char('/') + QString::fromStdString(_name) +
+           QLatin1String(".ini");
+}
+
+std::optional<QString> AppSettings::Text(const QString& key)
+{
+    constexpr int MostCharacters = 4096;
+    const std::optional<QByteArray> value = stored(key);
+    const std::optional<QString> text = value ? IniText::decoded(*value) : std::nullopt;
+    return text && text->size() <= MostCharacters ? text : std::nullopt;
+}
+
+std::optional<int> AppSettings::Number(const QString& key)
+{
+    bool valid = false;
+    const int number = Text(key).value_or(QString()).toInt(&valid);
+    return valid ? std::optional<int>(number) : std::nullopt;
+}
+
+std::optional<bool> AppSettings::Flag(const QString& key)
+{
+    const std::optional<QString> text = Text(key);
+    return text ? std::optional<bool>(QVariant(*text).toBool()) : std::nullopt;
+}
+
+std::optional<QSize> AppSettings::Size(const QString& key)
+{
+    constexpr int MostPixels = 32767;
+    int width = 0;
+    int height = 0;
+    char end = '\0';
+    const QByteArray value = stored(key).value_or(QByteArray());
+    if (std::sscanf(value.constData(), "@Size(%5d %5d%c", &width, &height, &end) != 3 || end != ')')
+        return std::nullopt;
+    const bool valid = width > 0 && height > 0 && width <= MostPixels && height <= MostPixels;
+    return valid ? std::optional<QSize>(QSize(width, height)) : std::nullopt;
+}
+
+bool AppSettings::Store(const QString& key, const QString& text)
+{
+    return write(key, IniText::encoded(text));
+}
+
+bool AppSettings::Store(const QString& key, int number)
+{
+    return write(key, QByteArray::number(number));
+}
+
+bool AppSettings::Store(const QString& key, bool flag)
+{
+    return write(key, flag ? "true" : "false");
+}
+
+bool AppSettings::Store(const QString& key, const QSize& size)
+{
+    return write(key,
+                 "@Size(" + QByteArray::number(size.width()) + ' ' + QByteArray::number(size.height()) + ')');
+}
+
+bool AppSettings::write(const QString& key, const QByteArray& value)
+{
+    const QString path = FilePath();
+    QDir().mkpath(QFileInfo(path).path());
+    // The lock that QSettings takes, for hosts that use it. Some process may have left it.
+    QLockFile lock(path + QLatin1String(".lock"));
+    lock.tryLock(LockPatience);
+    const auto replaceValue = [&](int error, std::string& text) {
+        if (error == 0 || error == ENOENT)
+            text = IniText::replaced(QByteArray::fromStdString(text), key, value).toStdString();
+        return error == ENOENT ? 0 : error;
+    };
+    // What failed once may pass.
+    const std::string file = encodedPath(path);
+    return Base::SharedFile::change(file, replaceValue) == 0 ||
+           Base::SharedFile::change(file, replaceValue) == 0;
 }
 
 void AppSettings::SetName(std::string name)

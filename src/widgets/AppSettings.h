@@ -3,6 +3,8 @@
 #include "base/Export.h"
 
 #include <QSettings>
+#include <QSize>
+#include <optional>
 #include <string>
 
 namespace Halvern::UI {
@@ -10,9 +12,10 @@ namespace Halvern::UI {
 /// The application's settings store: an INI file of the user's, named after the organisation that the host
 /// sets once with SetName().
 ///
-/// Objects are cheap and short-lived: make one for each read or write and let it go, and what it wrote is on
-/// disk. All objects of a process share the organisation name; an object keeps the one it was made with.
-/// Example: under Linux the name "Studio" gives the file "~/.config/Studio.ini".
+/// The library keeps its own values with the static functions. A host may use the objects, which are as
+/// QSettings has them. They are cheap and short-lived: make one for each read or write and let it go, and
+/// what it wrote is on disk. All objects of a process share the organisation name; an object keeps the one it
+/// was made with. Example: under Linux the name "Studio" gives the file "~/.config/Studio.ini".
 class HVCOREUI_EXPORT AppSettings : public QSettings
 {
     Q_OBJECT
@@ -28,7 +31,27 @@ public:
     /// "HvMirefoldCoreUI".
     static void SetName(std::string name);
 
+    /// The file of settings that are made now. The file is not opened.
+    static QString FilePath();
+
+    /// One value of that file, as what it should be. Other values of the file are not decoded, so that none
+    /// of them can do harm. What is missing, damaged or out of range gives nothing: texts of more than 4096
+    /// characters, sizes below 1 or above 32767 pixels, and everything in a file of more than 16 MB.
+    static std::optional<QString> Text(const QString& key);
+    static std::optional<int> Number(const QString& key);
+    static std::optional<bool> Flag(const QString& key);
+    static std::optional<QSize> Size(const QString& key);
+
+    /// Writes one value: it is in the file afterwards, and everything else in the file is as it was. False if
+    /// it could not be written, and then the file is as it was. A file that cannot be read is not written.
+    static bool Store(const QString& key, const QString& text);
+    static bool Store(const QString& key, int number);
+    static bool Store(const QString& key, bool flag);
+    static bool Store(const QString& key, const QSize& size);
+
 private:
+    static bool write(const QString& key, const QByteArray& value);
+
     static std::string _name;
 };
 

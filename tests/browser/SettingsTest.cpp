@@ -1,9 +1,11 @@
 #include "browser/BrowserWindow.h"
+#include "dialog/FileDialog.h"
 #include "support/SampleFiles.h"
 #include "support/Test.h"
 #include "widgets/AppSettings.h"
 
 #include <QHeaderView>
+#include <QScreen>
 
 using namespace Halvern::UI;
 
@@ -52,6 +54,33 @@ private slots:
         QCOMPARE(describe(browser), parent + " 0 0 1 0");
         browser.buildSettingsNamespace(QStringLiteral("resources"));
         QCOMPARE(describe(browser), QFileInfo(parent).path() + " 0 0 1 0");
+    }
+
+    void hostileValuesDoNoHarm()
+    {
+        QFile settings(AppSettings::FilePath());
+        // A list of 2^31 elements, and lists in lists.
+        const QByteArray list = "@Variant(\\0\\0\\0\\t\\x7f\\xff\\xff\\xff)";
+        const QByteArray nested =
+            "@Variant(" + QByteArray("\\0\\0\\0\\t\\0\\0\\0\\0\\x1").repeated(200000) + ")";
+        for (const QByteArray& value : {list, nested}) {
+            QVERIFY(settings.open(QIODevice::WriteOnly));
+            settings.write("[FileBrowser]\norderlogicalindex=" + value + "\ndirectory=" + value +
+                           "\npreview=" + value + "\nsize=@Size(30000 30000)\n[Other]\nkey=" + value + '\n');
+            settings.close();
+            {
+                FileDialog dialog;
+                dialog.show();
+                QVERIFY(QTest::qWaitForWindowExposed(&dialog));
+                QCOMPARE(describe(*dialog.fileBrowser()), QDir::currentPath() + " 0 0 1 0");
+                const QSize screen = QGuiApplication::primaryScreen()->availableVirtualSize();
+                QVERIFY(dialog.size().boundedTo(screen) == dialog.size());
+            }
+            QVERIFY(settings.open(QIODevice::ReadOnly) &&
+                    settings.readAll().contains("\nkey=" + value + '\n'));
+            settings.close();
+            QVERIFY(settings.remove());
+        }
     }
 
     void remembers()

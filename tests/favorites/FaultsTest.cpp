@@ -1,6 +1,7 @@
 #include "support/Faults.h"
 #include "favorites/FavoritesStore.h"
 #include "support/Test.h"
+#include "widgets/AppSettings.h"
 
 using namespace Halvern::UI;
 
@@ -20,7 +21,7 @@ QByteArray text(const QByteArrayList& names)
 
 } // namespace
 
-/// What a failing disk does to the favourites file.
+/// What a failing disk does to the favourites file and to the settings.
 class FaultsTest : public Test
 {
     Q_OBJECT
@@ -91,6 +92,31 @@ private slots:
                 QCOMPARE(read(),
                          text({"stays", "other"})
                              .replace(footer, "add_favorite_dir new new \"\" /new/\n" + QByteArray(footer)));
+            }
+        }
+    }
+
+    // A setting that is stored leaves the others, whatever fails, and is there unless the caller was told.
+    void losesNoSetting()
+    {
+        const QString settings = AppSettings::FilePath();
+        const QByteArray settingsFolder = QFile::encodeName(QFileInfo(settings).path());
+        for (const char* call :
+             {"access", "stat", "open", "read", "write", "fsync", "fchmod", "rename", "close"}) {
+            for (const int error : {EIO, ENOSPC, ESTALE, EACCES, EINTR}) {
+                for (int place = 1, hit = -1; hit == -1; ++place) {
+                    QVERIFY(AppSettings::Store("key", QString("old")) &&
+                            AppSettings::Store("other", QString("kept")));
+                    fail(call, error, place);
+                    faultyFolder = settingsFolder.constData();
+                    const bool isStored = AppSettings::Store("key", QString("new"));
+                    hit = faults[CallPlace];
+                    endFaults();
+                    const QString what = QString("%1 %2 %3").arg(call).arg(error).arg(place);
+                    QVERIFY2(AppSettings::Text("key") == QString(isStored ? "new" : "old"), qPrintable(what));
+                    QVERIFY2(AppSettings::Text("other") == QString("kept"), qPrintable(what));
+                    QCOMPARE(QFileInfo(settings).dir().entryList(QDir::Files | QDir::Hidden).size(), 1);
+                }
             }
         }
     }

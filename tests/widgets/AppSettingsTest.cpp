@@ -20,6 +20,48 @@ private slots:
         QCOMPARE(settings.value("key"), QVariant(7));
     }
 
+    // What QSettings writes is read, and what is written is what QSettings reads.
+    void readsAndWritesWhatQSettingsDoes()
+    {
+        AppSettings::SetName("Studio B");
+        QCOMPARE(AppSettings::FilePath(), AppSettings().fileName());
+        for (const QString text :
+             {"", "/a/b", " x ", "a;b,c=d", "\"'\\\n\r\t\a\b\f\v\x01?", "ü1Möbel€x", "@x", "@@x", "%20[a]"}) {
+            for (const QString key : {"key", "sub/key", "s%/ä 中/\\=[]", "b"}) {
+                AppSettings().setValue("G r/" + key, text);
+                QCOMPARE(AppSettings::Text("G r/" + key).value_or("none"), text);
+                AppSettings().setValue("G r/" + key, "of a size of its own");
+                QVERIFY(AppSettings::Store("G r/" + key, text));
+                QCOMPARE(AppSettings().value("G r/" + key).toString(), text);
+            }
+        }
+        QVERIFY(AppSettings::Store("New/size", QSize(7, 8)) && AppSettings::Store("New/flag", true) &&
+                AppSettings::Store("New/number", -7));
+        QCOMPARE(AppSettings().value("New/size").toSize(), QSize(7, 8));
+        QCOMPARE(AppSettings::Size("New/size").value_or(QSize()), QSize(7, 8));
+        QVERIFY(AppSettings().value("New/flag").toBool() && AppSettings::Flag("New/flag").value_or(false));
+        QVERIFY(AppSettings().value("New/number") == -7 && AppSettings::Number("New/number") == -7);
+        QCOMPARE(AppSettings().allKeys().size(), 7);
+    }
+
+    void leavesAloneWhatItWasNotAskedFor()
+    {
+        AppSettings::SetName("Studio C");
+        const QByteArray bombs =
+            "; note\n[A]\nlist=@Variant(\\0\\0\\0\\t\\x7f\\xff\\xff\\xff)\nlong=" + QByteArray(5000, 'x') +
+            "\nwide=@Size(40000 40000)\nminus=@Size(-1 5)\nhuge=99999999999\n";
+        QFile file(AppSettings::FilePath());
+        QVERIFY(file.open(QFile::WriteOnly) && file.write(bombs + "[B]\nx=1\n") > 0);
+        file.close();
+        for (const char* key : {"A/list", "A/long", "A/missing", "x", "C/x"})
+            QVERIFY2(!AppSettings::Text(key) && !AppSettings::Number(key) && !AppSettings::Size(key), key);
+        QVERIFY(!AppSettings::Size("A/wide") && !AppSettings::Size("A/minus") &&
+                !AppSettings::Number("A/huge"));
+        QVERIFY(AppSettings::Store("A/new", 7) && AppSettings::Store("B/x", QString("a")));
+        QVERIFY(file.open(QFile::ReadOnly));
+        QCOMPARE(file.readAll(), bombs + "new=7\n[B]\nx=a\n");
+    }
+
     void takesSmallColoursForGrey()
     {
         QVERIFY(rgb0toQColor(255) == QColor(Qt::white) && rgb0toQColor(256) == QColor(0, 0, 1));
