@@ -357,10 +357,14 @@ int read(const std::string& path, std::string& contents)
 
 int change(const std::string& path, const Edit& edit)
 {
-    std::string target = path;
-    if (const int error = followLinks(target))
-        return error;
-    return Change(target).run(edit);
+    const auto attempt = [&] {
+        std::string target = path;
+        const int error = followLinks(target);
+        return error == 0 ? Change(target).run(edit) : error;
+    };
+    // What failed once may pass. Whoever waited for long has waited enough.
+    const int error = attempt();
+    return error == 0 || error == ETIMEDOUT ? error : attempt();
 }
 
 } // namespace Halvern::Base::SharedFile

@@ -35,6 +35,8 @@ using Edit = std::function<int(int error, std::string& contents)>;
 /// an old file that may be written is written over instead. Only an interruption of that can leave it in
 /// part.
 ///
+/// A change that fails is tried once more, with another call of @p edit.
+///
 /// Returns 0, or the error number of what failed: EACCES if the file may not be written, ENOSPC if the disk
 /// is full, ETIMEDOUT if another program kept it locked for several seconds.
 int change(const std::string& path, const Edit& edit);

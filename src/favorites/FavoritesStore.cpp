@@ -41,7 +41,7 @@ void FavoritesStore::setPreferences(const QString& path, const QString& product)
 {
     if (path != m_preferencesPath) {
         m_known.reset();
-        m_readDue = false;
+        m_readDue = m_saveDue = false;
     }
     m_preferencesPath = path;
     m_productName = product;
@@ -153,7 +153,8 @@ void FavoritesStore::take(int error, QList<Favorite>& loaded, Duplicates duplica
     }
     for (Favorite& favorite : loaded)
         resolve(favorite);
-    // All have one rank, so each belongs after the one before. What came late still goes before what was added.
+    // All have one rank, so each belongs after the one before. What came late still goes before what was
+    // added.
     QList<Favorite>& favoriteList = ensureList();
     const int rank = Favorite(false, true).favoriteRank();
     int position = insertionPoint(duplicates == Duplicates::LeftOut ? rank - 1 : rank);
@@ -176,9 +177,7 @@ void FavoritesStore::save()
         std::fputs("FileBrowser, Can't write favorites: No preferences path.\n", stderr);
         return;
     }
-    int error = write();
-    if (error != 0)
-        error = write();
+    const int error = write();
     m_saveDue = error != 0;
     if (error != 0)
         printError("Can't write %s: %s\n", m_preferencesPath, error);

@@ -54,7 +54,7 @@ public:
     /// Writes the file, as Base::SharedFile::change() does. If it was read before, what other programs
     /// changed since stays (FavoritesFile::merge()), and the list does not change. If it was never read, it
     /// is replaced by the list. If load() could not read it, it is tried again before; what can't be read is
-    /// not written. A failed attempt is made once more.
+    /// not written.
     void save();
     /// Whether the last save() failed, so that the file lacks changes.
     bool isSaveDue() const { return m_saveDue; }

@@ -116,10 +116,7 @@ bool AppSettings::write(const QString& key, const QByteArray& value)
             text = IniText::replaced(QByteArray::fromStdString(text), key, value).toStdString();
         return error == ENOENT ? 0 : error;
     };
-    // What failed once may pass.
-    const std::string file = encodedPath(path);
-    return Base::SharedFile::change(file, replaceValue) == 0 ||
-           Base::SharedFile::change(file, replaceValue) == 0;
+    return Base::SharedFile::change(encodedPath(path), replaceValue) == 0;
 }
 
 void AppSettings::SetName(std::string name)
