@@ -1,21 +1,15 @@
 #include "widgets/FrameSlider.h"
 
 #include "widgets/Rounding.h"
+#include "widgets/TickSpacing.h"
 
 #include <algorithm>
 
 namespace {
 
 constexpr int Height = 31;
-constexpr int EndMargin = 10;
 
 } // namespace
-
-quint32 FrameSlider::_headColour = 0;
-quint32 FrameSlider::_inOutColour = 0xd3431dff;
-quint32 FrameSlider::_keyframeColour = 0x276ad1ff;
-quint32 FrameSlider::_cacheframeColour = 0x436043ff;
-std::set<int> FrameSlider::_keys;
 
 FrameSlider::FrameSlider(bool showGlobalKeys, QWidget* parent)
     : QWidget(parent)
@@ -30,10 +24,8 @@ FrameSlider::FrameSlider(bool showGlobalKeys, QWidget* parent)
 
 FrameSlider::~FrameSlider()
 {
-    if (dragged == this) {
-        dragMode = DragMode::Idle;
-        dragged = nullptr;
-    }
+    if (dragged == this)
+        giveMouse();
 }
 
 bool FrameSlider::setValue(FrameNumber v)

@@ -30,8 +30,8 @@ using FrameNumber = qint32;
 ///
 /// All frames are whole numbers. "The view" is what is visible, "the play range" lies from the in to the out
 /// point, "the frame range" is all that there is. What a host sets emits nothing; signals tell what the user
-/// did. The drag in progress is kept once for all sliders, as are the colours and the key frames. GUI thread
-/// only; 31 pixels high.
+/// did. A slot of any of them may delete the slider. The drag in progress is kept once for all sliders, as
+/// are the colours and the key frames. GUI thread only; 31 pixels high.
 class HVCOREUI_EXPORT FrameSlider : public QWidget
 {
     Q_OBJECT
@@ -121,12 +121,13 @@ signals:
     void sliderInOutChanged();
     /// The user clicked with the right or middle button: the host may set the view that it likes.
     void sliderRangeReset();
-    /// The user took hold of the head (true) or let go of it (false). Who hides or disables the slider
-    /// meanwhile, or opens a modal box, ends the drag too.
+    /// The user took hold of the head (true) or let go of it (false). Hiding or disabling the slider, a modal
+    /// box and a popup end the drag too; this signal then comes with the next turn of the event loop.
     void scrubbingChanged(bool scrubbing);
 
 protected:
     bool event(QEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
@@ -147,7 +148,7 @@ protected:
                        const std::set<int>& frames) const;
 
     std::set<int> cacheFrames;
-    static std::set<int> _keys;
+    static inline std::set<int> _keys;
     /// What keeps the settings of this slider elsewhere, null (the default) for nothing; borrowed, and never
     /// followed. While set, the scale outside the frame range is blackened.
     const QObject* settingsOwner = nullptr;
@@ -184,9 +185,10 @@ private:
     void moveOutPoint(int x);
     int hoverMark() const;
     void hover(int x);
-    void endHover();
+    void takeMouse(DragMode mode);
+    static DragMode giveMouse();
+    void loseMouse();
     void endSelection(int x, int y);
-    void abandonDrag();
     void updateBand(int left, int right);
     void setView(qint64 start, qint64 end);
     void initAccessibility();
@@ -210,24 +212,24 @@ private:
     FrameNumber m_viewEnd = 100;
     FrameNumber m_value = 0;
 
-    static quint32 _headColour;
-    static quint32 _inOutColour;
-    static quint32 _keyframeColour;
-    static quint32 _cacheframeColour;
+    static inline quint32 _headColour = 0;
+    static inline quint32 _inOutColour = 0xd3431dff;
+    static inline quint32 _keyframeColour = 0x276ad1ff;
+    static inline quint32 _cacheframeColour = 0x436043ff;
 
     // One mouse drags one slider at a time.
-    static DragMode dragMode;
-    static const FrameSlider* dragged; // the slider of dragMode, null while idle
-    static int pressX;
-    static int pressY;
-    static int hoverX;
-    static int hoverHalfWidth;
-    static FrameNumber selectAnchor;
-    static FrameNumber selectEnd;
-    static FrameNumber panFrame;
-    static double zoomAnchor;
-    static FrameNumber zoomStartView;
-    static FrameNumber zoomEndView;
-    static int zoomPressX;
-    static int zoomPressY;
+    static inline DragMode dragMode = DragMode::Idle;
+    static inline FrameSlider* dragged = nullptr; // the slider of dragMode, null while idle
+    static inline int pressX = 0;
+    static inline int pressY = 0;
+    static inline int hoverX = 0;
+    static inline int hoverHalfWidth = 17;
+    static inline FrameNumber selectAnchor = 0;
+    static inline FrameNumber selectEnd = 0;
+    static inline FrameNumber panFrame = 0;
+    static inline double zoomAnchor = 0;
+    static inline FrameNumber zoomStartView = 0;
+    static inline FrameNumber zoomEndView = 0;
+    static inline int zoomPressX = 0;
+    static inline int zoomPressY = 0;
 };

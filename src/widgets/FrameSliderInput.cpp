@@ -5,25 +5,12 @@
 
 #include <QApplication>
 #include <QMouseEvent>
+#include <QPointer>
 #include <QWheelEvent>
 #include <algorithm>
 #include <cmath>
 #include <limits>
-
-FrameSlider::DragMode FrameSlider::dragMode = DragMode::Idle;
-const FrameSlider* FrameSlider::dragged = nullptr;
-int FrameSlider::pressX = 0;
-int FrameSlider::pressY = 0;
-int FrameSlider::hoverX = 0;
-int FrameSlider::hoverHalfWidth = 17;
-FrameNumber FrameSlider::selectAnchor = 0;
-FrameNumber FrameSlider::selectEnd = 0;
-FrameNumber FrameSlider::panFrame = 0;
-double FrameSlider::zoomAnchor = 0;
-FrameNumber FrameSlider::zoomStartView = 0;
-FrameNumber FrameSlider::zoomEndView = 0;
-int FrameSlider::zoomPressX = 0;
-int FrameSlider::zoomPressY = 0;
+#include <utility>
 
 namespace {
 
@@ -69,12 +56,12 @@ void FrameSlider::mousePressEvent(QMouseEvent* event)
         event->ignore();
         return;
     }
-    endHover();
+    if (dragged && (dragged != this || dragMode == DragMode::Hovering))
+        dragged->loseMouse();
     const QPoint position = wholePixels(event->localPos());
     pressX = position.x();
     pressY = position.y();
-    dragMode = mode;
-    dragged = this;
+    takeMouse(mode);
     switch (mode) {
     case DragMode::Zooming:
         beginZoom();
@@ -87,7 +74,7 @@ void FrameSlider::mousePressEvent(QMouseEvent* event)
         break;
     case DragMode::Scrubbing:
         setScrubbing(true);
-        // Whoever listens may have ended the drag already, or thrown the slider away.
+        // A listener may have ended the drag or deleted the slider.
         if (dragged == this)
             drag(pressX, pressY);
         break;
@@ -138,6 +125,9 @@ void FrameSlider::beginZoom()
 
 void FrameSlider::mouseMoveEvent(QMouseEvent* event)
 {
+    const bool dragging = dragMode > DragMode::Hovering;
+    if (dragged && (dragged != this || (dragging && event->buttons() == Qt::NoButton)))
+        dragged->loseMouse();
     const QPoint position = wholePixels(event->localPos());
     drag(position.x(), position.y());
 }
@@ -236,8 +226,7 @@ void FrameSlider::hover(int x)
     const int hovered = valueToMouse(nearestFrame(x));
     const int previous = entered ? hovered : hoverMark();
     const bool moved = entered || hovered != hoverX;
-    dragMode = DragMode::Hovering;
-    dragged = this;
+    takeMouse(DragMode::Hovering);
     hoverX = hovered;
     if (moved)
         updateBand(std::min(previous, hovered), std::max(previous, hovered));
@@ -248,25 +237,50 @@ void FrameSlider::updateBand(int left, int right)
     update(left - hoverHalfWidth, 0, right - left + 2 * hoverHalfWidth, height());
 }
 
-void FrameSlider::endHover()
+// A drag watches the application, since a popup that opens gets the release.
+void FrameSlider::takeMouse(DragMode mode)
 {
-    if (dragMode != DragMode::Hovering)
-        return;
-    dragMode = DragMode::Idle;
+    dragMode = mode;
+    dragged = this;
+    if (mode != DragMode::Hovering)
+        QCoreApplication::instance()->installEventFilter(this);
+}
+
+// Ends what the mouse does with a slider, and returns what it did.
+FrameSlider::DragMode FrameSlider::giveMouse()
+{
+    if (dragged && QCoreApplication::instance())
+        QCoreApplication::instance()->removeEventFilter(dragged);
     dragged = nullptr;
-    updateBand(hoverMark(), hoverMark());
+    return std::exchange(dragMode, DragMode::Idle);
+}
+
+// Ends a hover, or a drag that gets no release. Qt is in the middle of hiding or disabling the slider here
+// and goes on with it, so listeners, who may delete it, are called later.
+void FrameSlider::loseMouse()
+{
+    if (giveMouse() == DragMode::Hovering) {
+        updateBand(hoverMark(), hoverMark());
+        return;
+    }
+    update();
+    const auto endScrub = [this] {
+        if (dragged != this || dragMode != DragMode::Scrubbing)
+            setScrubbing(false);
+    };
+    QMetaObject::invokeMethod(this, endScrub, Qt::QueuedConnection);
 }
 
 void FrameSlider::mouseReleaseEvent(QMouseEvent* event)
 {
     const QPoint position = wholePixels(event->localPos());
-    const DragMode mode = dragMode;
-    // Whoever listens may look at the slider again, or throw it away.
-    dragMode = DragMode::Idle;
-    dragged = nullptr;
+    const DragMode mode = giveMouse();
+    const QPointer<FrameSlider> existing(this);
     // Another button may have taken over the drag in the middle of a scrub.
     if (mode == DragMode::Scrubbing || event->button() == Qt::LeftButton)
         setScrubbing(false);
+    if (!existing)
+        return;
     if (mode == DragMode::Selecting)
         endSelection(position.x(), position.y());
     else if (mode == DragMode::Scrubbing)
@@ -287,29 +301,27 @@ void FrameSlider::enterEvent(QEvent* /*event*/) {}
 
 void FrameSlider::leaveEvent(QEvent* /*event*/)
 {
-    endHover();
+    if (dragged == this && dragMode == DragMode::Hovering)
+        loseMouse();
 }
 
-// A slider that is hidden, disabled or blocked by a modal box in the middle of a drag gets no release; the
-// next slider would go on dragging.
+// A slider that is hidden, disabled or blocked by a modal box in the middle of a drag gets no release.
 bool FrameSlider::event(QEvent* event)
 {
     const QEvent::Type type = event->type();
     const bool lost = type == QEvent::Hide || type == QEvent::WindowBlocked ||
                       (type == QEvent::EnabledChange && !isEnabled());
-    const bool handled = QWidget::event(event);
-    // Whoever listens may throw the slider away: nothing of it is touched afterwards.
     if (lost && dragged == this)
-        abandonDrag();
-    return handled;
+        loseMouse();
+    return QWidget::event(event);
 }
 
-void FrameSlider::abandonDrag()
+bool FrameSlider::eventFilter(QObject* watched, QEvent* event)
 {
-    dragMode = DragMode::Idle;
-    dragged = nullptr;
-    update();
-    setScrubbing(false);
+    const bool opens = event->type() == QEvent::Show && watched->isWidgetType();
+    if (opens && dragged == this && static_cast<QWidget*>(watched)->windowType() == Qt::Popup)
+        loseMouse();
+    return QWidget::eventFilter(watched, event);
 }
 
 void FrameSlider::wheelEvent(QWheelEvent* event)

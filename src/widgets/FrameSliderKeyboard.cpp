@@ -20,7 +20,7 @@ class FrameSlider::Accessible : public QAccessibleWidget, public QAccessibleValu
 public:
     explicit Accessible(FrameSlider* owner)
         : QAccessibleWidget(owner, QAccessible::Slider)
-        , slider(*owner)
+        , m_slider(*owner)
     {
     }
 
@@ -37,17 +37,17 @@ public:
     }
     QString text(QAccessible::Text kind) const override
     {
-        return kind == QAccessible::Value ? QString::number(slider.m_value) : QAccessibleWidget::text(kind);
+        return kind == QAccessible::Value ? QString::number(m_slider.m_value) : QAccessibleWidget::text(kind);
     }
 
-    QVariant currentValue() const override { return slider.m_value; }
-    QVariant minimumValue() const override { return slider.m_viewStart; }
-    QVariant maximumValue() const override { return slider.m_viewEnd; }
+    QVariant currentValue() const override { return m_slider.m_value; }
+    QVariant minimumValue() const override { return m_slider.m_viewStart; }
+    QVariant maximumValue() const override { return m_slider.m_viewEnd; }
     QVariant minimumStepSize() const override { return 1; }
-    void setCurrentValue(const QVariant& value) override { slider.moveHead(value.toLongLong()); }
+    void setCurrentValue(const QVariant& value) override { m_slider.moveHead(value.toLongLong()); }
 
 private:
-    FrameSlider& slider;
+    FrameSlider& m_slider;
 };
 
 void FrameSlider::initAccessibility()

@@ -3,6 +3,7 @@
 
 #include "widgets/FrameSlider.h"
 #include "widgets/Rounding.h"
+#include "widgets/TickSpacing.h"
 
 #include <QPainter>
 #include <algorithm>
@@ -11,7 +12,6 @@
 
 namespace {
 
-constexpr int EndMargin = 10;
 constexpr int KeyHeight = 2;
 
 } // namespace

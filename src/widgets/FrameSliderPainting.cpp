@@ -16,7 +16,6 @@ using Halvern::UI::rgb0toQColor;
 
 namespace {
 
-constexpr int EndMargin = 10;
 constexpr int FontSize = 9;
 constexpr int TickBottom = 16;
 constexpr int NumberRow = 7; // the baseline of the numbers above the head and the marks
@@ -45,19 +44,12 @@ public:
     void drawFocus();
 
 private:
-    /// A number below the scale.
-    struct Label
-    {
-        QString text;
-        int left = 0;
-        int right = 0; // behind the last pixel
-    };
-
-    bool inBand(int x) const { return x >= bandLeft && x <= bandRight; }
-    bool inWidget(int x) const { return x >= -BandReach && x < width + BandReach; }
+    bool inBand(int x) const { return x >= m_bandLeft && x <= m_bandRight; }
+    bool inWidget(int x) const { return x >= -BandReach && x < m_width + BandReach; }
     QColor headColour(FrameNumber frame) const;
-    Label label(qint64 frame, int x) const;
-    void drawLabel(const Label& label, int baseline);
+    int widthOf(qint64 frame) const { return m_metrics.horizontalAdvance(QString::number(frame)); }
+    void drawNumber(const ScaleNumber& number, int baseline);
+    int drawCentred(qint64 frame, int x);
     void drawTriangle(std::initializer_list<QPointF> corners, const QColor& colour);
     int drawHeadAt(FrameNumber frame, int x, const QColor& colour);
     void drawMark(int frame, int x, std::initializer_list<QPointF> corners);
@@ -65,39 +57,39 @@ private:
     int tickTop(qint64 frame, const TickSpacing& spacing) const;
     void drawNumbers(const TickSpacing& spacing);
 
-    FrameSlider& slider;
-    QPainter painter;
-    QFontMetrics metrics;
-    QVector<QLine> ticks;
-    int width;
-    int height;
-    int bandLeft;
-    int bandRight;
+    FrameSlider& m_slider;
+    QPainter m_painter;
+    QFontMetrics m_metrics;
+    QVector<QLine> m_ticks;
+    int m_width;
+    int m_height;
+    int m_bandLeft;
+    int m_bandRight;
 };
 
 FrameSlider::Painting::Painting(FrameSlider& owner, const QRect& painted)
-    : slider(owner)
-    , painter(&owner)
-    , metrics(painter.font())
-    , width(owner.width())
-    , height(owner.height())
-    , bandLeft(painted.left() - BandReach)
-    , bandRight(painted.right() + BandReach)
+    : m_slider(owner)
+    , m_painter(&owner)
+    , m_metrics(m_painter.font())
+    , m_width(owner.width())
+    , m_height(owner.height())
+    , m_bandLeft(painted.left() - BandReach)
+    , m_bandRight(painted.right() + BandReach)
 {
-    QFont font = painter.font();
+    QFont font = m_painter.font();
     font.setPixelSize(FontSize);
     font.setStyleStrategy(QFont::PreferDefault);
-    painter.setFont(font);
-    metrics = painter.fontMetrics();
-    painter.setClipRect(painted);
+    m_painter.setFont(font);
+    m_metrics = m_painter.fontMetrics();
+    m_painter.setClipRect(painted);
 }
 
 void FrameSlider::Painting::drawRows()
 {
     const auto draw = [&](QPalette::ColorRole role, std::initializer_list<int> rows) {
-        painter.setPen(slider.palette().color(role));
+        m_painter.setPen(m_slider.palette().color(role));
         for (const int y : rows)
-            painter.drawLine(0, y, width - 1, y);
+            m_painter.drawLine(0, y, m_width - 1, y);
     };
     draw(QPalette::Text, {16, 19, 22});
     draw(QPalette::Base, {17, 20});
@@ -105,23 +97,24 @@ void FrameSlider::Painting::drawRows()
 
 void FrameSlider::Painting::drawScale()
 {
-    painter.setPen(slider.palette().color(QPalette::Text));
-    const TickSpacing spacing(width, slider.m_viewStart, slider.m_viewEnd);
+    m_painter.setPen(m_slider.palette().color(QPalette::Text));
+    const TickSpacing spacing(m_width, m_slider.m_viewStart, m_slider.m_viewEnd);
     // Ticks outside the band are not looked at, however long the view is.
-    const qint64 first = std::max<qint64>(slider.m_viewStart, Rounding::floor(slider.mouseToValue(bandLeft)));
+    const qint64 first =
+        std::max<qint64>(m_slider.m_viewStart, Rounding::floor(m_slider.mouseToValue(m_bandLeft)));
     const qint64 last =
-        std::min<qint64>(slider.m_viewEnd, Rounding::floor(slider.mouseToValue(bandRight)) + 1);
+        std::min<qint64>(m_slider.m_viewEnd, Rounding::floor(m_slider.mouseToValue(m_bandRight)) + 1);
     for (qint64 f = floorToMultiple(first, spacing.minorStep); f <= last; f += spacing.minorStep) {
-        if (f <= slider.m_viewStart)
+        if (f <= m_slider.m_viewStart)
             continue;
         const int top = tickTop(f, spacing);
         if (top < TickBottom)
-            addTick(slider.valueToMouse(static_cast<double>(f)), top, TickBottom);
+            addTick(m_slider.valueToMouse(static_cast<double>(f)), top, TickBottom);
     }
-    if (slider.m_viewStart <= slider.m_viewEnd)
-        addTick(std::max(slider.valueToMouse(slider.m_viewStart), 0), 0, height - 1);
-    addTick(slider.valuePlusOneToMouse(slider.m_viewEnd), 0, height - 1);
-    painter.drawLines(ticks);
+    if (m_slider.m_viewStart <= m_slider.m_viewEnd)
+        addTick(std::max(m_slider.valueToMouse(m_slider.m_viewStart), 0), 0, m_height - 1);
+    addTick(m_slider.valuePlusOneToMouse(m_slider.m_viewEnd), 0, m_height - 1);
+    m_painter.drawLines(m_ticks);
     drawNumbers(spacing);
 }
 
@@ -140,60 +133,49 @@ int FrameSlider::Painting::tickTop(qint64 frame, const TickSpacing& spacing) con
 void FrameSlider::Painting::addTick(int x, int top, int bottom)
 {
     if (inBand(x))
-        ticks.append(QLine(x, top, x, bottom));
+        m_ticks.append(QLine(x, top, x, bottom));
 }
 
-FrameSlider::Painting::Label FrameSlider::Painting::label(qint64 frame, int x) const
-{
-    const QString text = QString::number(frame);
-    const int wide = metrics.horizontalAdvance(text);
-    return {text, x - wide / 2, x - wide / 2 + wide};
-}
-
-void FrameSlider::Painting::drawLabel(const Label& label, int baseline)
+void FrameSlider::Painting::drawNumber(const ScaleNumber& number, int baseline)
 {
     // A wide number reaches farther into the band than a mark does.
-    if (label.right > bandLeft && label.left <= bandRight)
-        painter.drawText(label.left, baseline, label.text);
+    if (number.right > m_bandLeft && number.left <= m_bandRight)
+        m_painter.drawText(number.left, baseline, QString::number(number.frame));
+}
+
+// A number above the scale. Returns its m_width.
+int FrameSlider::Painting::drawCentred(qint64 frame, int x)
+{
+    const int wide = widthOf(frame);
+    drawNumber({frame, x - wide / 2, x - wide / 2 + wide}, NumberRow);
+    return wide;
 }
 
 // Which numbers there is room for is settled over the whole view, so that a band that is repainted alone
-// shows what stood there before. In a narrow slider the spacing alone does not keep long numbers apart.
+// shows what it showed before.
 void FrameSlider::Painting::drawNumbers(const TickSpacing& spacing)
 {
-    const qint64 start = slider.m_viewStart;
-    const qint64 end = slider.m_viewEnd;
-    const Label last = label(end, slider.valuePlusOneToMouse(slider.m_viewEnd));
-    int taken = last.left - 1; // the last pixel that carries a number already
-    if (start <= end) {
-        const Label first = label(start, std::max(slider.valueToMouse(slider.m_viewStart), 0));
-        drawLabel(first, height);
-        taken = first.right;
-        for (qint64 f = floorToMultiple(start, spacing.labelStep) + spacing.labelStep; f < end;
-             f += spacing.labelStep) {
-            const int x = slider.valueToMouse(static_cast<double>(f));
-            const Label number = label(f, x);
-            const int wide = number.right - number.left;
-            const bool crowdsEnds = x <= wide + EndMargin || x >= width - EndMargin - 2 * wide;
-            if (crowdsEnds || number.left <= taken || number.right >= last.left)
-                continue;
-            drawLabel(number, height - 1);
-            taken = number.right;
-        }
+    const QVector<ScaleNumber> numbers = scaleNumbers(
+        spacing, m_width, m_slider.m_viewStart, m_slider.m_viewEnd,
+        std::max(m_slider.valueToMouse(m_slider.m_viewStart), 0),
+        m_slider.valuePlusOneToMouse(m_slider.m_viewEnd),
+        [this](qint64 frame) { return m_slider.valueToMouse(static_cast<double>(frame)); },
+        [this](qint64 frame) { return widthOf(frame); });
+    for (const ScaleNumber& number : numbers) {
+        const bool atEnd = number.frame == m_slider.m_viewStart || number.frame == m_slider.m_viewEnd;
+        drawNumber(number, atEnd ? m_height : m_height - 1);
     }
-    if (last.left > taken)
-        drawLabel(last, height);
 }
 
 void FrameSlider::Painting::drawKeys()
 {
-    slider.prepareKeys();
+    m_slider.prepareKeys();
     const auto draw = [&](int row, quint32 colour, const std::set<int>& frames) {
-        slider.drawKeyframes(slider.m_viewStart, slider.m_viewEnd, row, painter, rgb0toQColor(colour),
-                             frames);
+        m_slider.drawKeyframes(m_slider.m_viewStart, m_slider.m_viewEnd, row, m_painter, rgb0toQColor(colour),
+                               frames);
     };
-    draw(CacheRow, _cacheframeColour, slider.cacheFrames);
-    if (slider.m_showGlobalKeys)
+    draw(CacheRow, _cacheframeColour, m_slider.cacheFrames);
+    if (m_slider.m_showGlobalKeys)
         draw(KeyRow, _keyframeColour, _keys);
 }
 
@@ -204,38 +186,36 @@ QColor FrameSlider::Painting::headColour(FrameNumber frame) const
 
 void FrameSlider::Painting::drawTriangle(std::initializer_list<QPointF> corners, const QColor& colour)
 {
-    painter.setRenderHint(QPainter::Antialiasing, true);
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(colour);
-    painter.drawConvexPolygon(corners.begin(), static_cast<int>(corners.size()));
-    painter.setBrush(Qt::NoBrush);
-    painter.setRenderHint(QPainter::Antialiasing, false);
+    m_painter.setRenderHint(QPainter::Antialiasing, true);
+    m_painter.setPen(Qt::NoPen);
+    m_painter.setBrush(colour);
+    m_painter.drawConvexPolygon(corners.begin(), static_cast<int>(corners.size()));
+    m_painter.setBrush(Qt::NoBrush);
+    m_painter.setRenderHint(QPainter::Antialiasing, false);
 }
 
-// Returns the width of the number.
+// Returns the m_width of the number.
 int FrameSlider::Painting::drawHeadAt(FrameNumber frame, int x, const QColor& colour)
 {
     if (inBand(x))
         drawTriangle({QPointF(x - 6, 8), QPointF(x + 7, 8), QPointF(x + 0.5, 15)}, colour);
-    const Label number = label(frame, x + 1);
-    painter.setPen(colour);
-    drawLabel(number, NumberRow);
-    return number.right - number.left;
+    m_painter.setPen(colour);
+    return drawCentred(frame, x + 1);
 }
 
 void FrameSlider::Painting::drawHead()
 {
-    drawHeadAt(slider.m_value, slider.valueToMouse(slider.m_value), headColour(slider.m_value));
+    drawHeadAt(m_slider.m_value, m_slider.valueToMouse(m_slider.m_value), headColour(m_slider.m_value));
 }
 
 void FrameSlider::Painting::drawInOut()
 {
-    if (slider.m_hideInOut)
+    if (m_slider.m_hideInOut)
         return;
-    const int in = slider.first_frame();
-    const int out = slider.last_frame();
-    const int xi = slider.valueToMouse(in);
-    const int xo = slider.valueToMouse(out);
+    const int in = m_slider.first_frame();
+    const int out = m_slider.last_frame();
+    const int xi = m_slider.valueToMouse(in);
+    const int xo = m_slider.valueToMouse(out);
     drawMark(in, xi, {QPointF(xi, 16), QPointF(std::max(xi, 0) + 9, 16), QPointF(xi, 8)});
     drawMark(out, xo, {QPointF(xo, 16), QPointF(xo - 8, 16), QPointF(xo, 8)});
 }
@@ -245,54 +225,56 @@ void FrameSlider::Painting::drawMark(int frame, int x, std::initializer_list<QPo
     const QColor colour = rgb0toQColor(_inOutColour);
     if (inBand(x))
         drawTriangle(corners, colour);
-    painter.setPen(colour);
-    if (inWidget(x) && frame != slider.m_value)
-        drawLabel(label(frame, x), NumberRow);
+    m_painter.setPen(colour);
+    if (inWidget(x) && frame != m_slider.m_value)
+        drawCentred(frame, x);
 }
 
 void FrameSlider::Painting::drawSelection()
 {
-    if (dragMode != DragMode::Selecting)
+    if (dragged != &m_slider || dragMode != DragMode::Selecting)
         return;
     const auto [from, to] = std::minmax(selectAnchor, selectEnd);
-    const int left = std::max(slider.valueToMouse(from), -BandReach);
-    const int right = std::min(slider.valuePlusOneToMouse(to), width + BandReach);
-    painter.setPen(Qt::white);
-    painter.setBrush(QColor(255, 255, 255, 25));
-    painter.drawRect(left, 0, right - left, TickBottom - 1);
-    painter.setBrush(Qt::NoBrush);
+    const int left = std::max(m_slider.valueToMouse(from), -BandReach);
+    const int right = std::min(m_slider.valuePlusOneToMouse(to), m_width + BandReach);
+    m_painter.setPen(Qt::white);
+    m_painter.setBrush(QColor(255, 255, 255, 25));
+    m_painter.drawRect(left, 0, right - left, TickBottom - 1);
+    m_painter.setBrush(Qt::NoBrush);
 }
 
 void FrameSlider::Painting::drawHover()
 {
-    const FrameNumber frame = slider.nearestFrame(hoverX);
-    if (dragMode != DragMode::Hovering || !inBand(hoverX) || frame == slider.m_value)
+    const FrameNumber frame = m_slider.nearestFrame(hoverX);
+    const bool hovered = dragged == &m_slider && dragMode == DragMode::Hovering;
+    if (!hovered || !inBand(hoverX) || frame == m_slider.m_value)
         return;
     QColor colour = headColour(frame);
     colour.setAlphaF(0.5);
-    const int half = drawHeadAt(frame, slider.valueToMouse(frame), colour) / 2;
+    const int half = drawHeadAt(frame, m_slider.valueToMouse(frame), colour) / 2;
     hoverHalfWidth = half < 7 ? 9 : half + 2;
 }
 
 void FrameSlider::Painting::shadeOutside()
 {
-    if (!slider.settingsOwner)
+    if (!m_slider.settingsOwner)
         return;
-    const int start = EndMargin + slider.m_margin;
-    const int end = width - EndMargin - slider.m_margin;
-    const int first = std::clamp(slider.valueToMouse(slider.m_frameFirst), start, std::max(start, end));
-    const int last = std::clamp(slider.valuePlusOneToMouse(slider.m_frameLast), start, std::max(start, end));
-    painter.fillRect(start, 0, first - start, TickBottom, Qt::black);
-    painter.fillRect(last, 0, end - last, TickBottom, Qt::black);
+    const int start = EndMargin + m_slider.m_margin;
+    const int end = m_width - EndMargin - m_slider.m_margin;
+    const int first = std::clamp(m_slider.valueToMouse(m_slider.m_frameFirst), start, std::max(start, end));
+    const int last =
+        std::clamp(m_slider.valuePlusOneToMouse(m_slider.m_frameLast), start, std::max(start, end));
+    m_painter.fillRect(start, 0, first - start, TickBottom, Qt::black);
+    m_painter.fillRect(last, 0, end - last, TickBottom, Qt::black);
 }
 
 void FrameSlider::Painting::drawFocus()
 {
-    if (!slider.hasFocus())
+    if (!m_slider.hasFocus())
         return;
     QStyleOptionFocusRect option;
-    option.initFrom(&slider);
-    slider.style()->drawPrimitive(QStyle::PE_FrameFocusRect, &option, &painter, &slider);
+    option.initFrom(&m_slider);
+    m_slider.style()->drawPrimitive(QStyle::PE_FrameFocusRect, &option, &m_painter, &m_slider);
 }
 
 void FrameSlider::paintEvent(QPaintEvent* event)

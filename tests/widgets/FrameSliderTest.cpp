@@ -3,6 +3,8 @@
 
 #include <QAccessible>
 #include <QDialog>
+#include <QMenu>
+#include <QPointer>
 #include <climits>
 #include <functional>
 
@@ -217,17 +219,87 @@ private slots:
             slider.mouse(QEvent::MouseButtonPress, {150, 5}, Qt::LeftButton);
             lose(slider);
             other.mouse(QEvent::MouseMove, {150, 5}, Qt::NoButton);
+            QCoreApplication::processEvents();
             QVERIFY2(slider.events + other.events == " scrub 50 reset free scrub 70 free", name);
         }
-        for (const bool pressed : {true, false}) {
-            auto* slider = new Slider; // for its listener to throw away
-            const auto listener = [=](bool scrubbing) { scrubbing == pressed ? delete slider : void(); };
-            connect(slider, &FrameSlider::scrubbingChanged, this, listener);
-            slider->mouse(QEvent::MouseButtonPress, {110, 5}, Qt::LeftButton);
-            if (!pressed)
-                slider->setEnabled(false);
-            other.mouse(QEvent::MouseMove, {150, 5}, Qt::NoButton);
-            QCOMPARE(other.events, QString());
+    }
+
+    // A popup gets the release of the button that was pressed on the slider.
+    void popupEndsTheDrag()
+    {
+        Slider slider;
+        slider.show();
+        slider.mouse(QEvent::MouseButtonPress, {110, 5}, Qt::LeftButton);
+        QMenu menu;
+        menu.addAction(QStringLiteral("one"));
+        menu.popup({300, 300});
+        QTRY_COMPARE(slider.events, QStringLiteral(" scrub 50 free"));
+        menu.close();
+        slider.mouse(QEvent::MouseButtonPress, {110, 5}, Qt::LeftButton);
+        Slider other; // the release was lost without a popup
+        for (Slider* one : {&other, &slider})
+            one->mouse(QEvent::MouseMove, {150, 5}, Qt::NoButton);
+        QTRY_COMPARE(slider.events, QStringLiteral(" scrub 50 free scrub 50 free"));
+        QCOMPARE(other.events, QString());
+    }
+
+    // Every gesture is done until its first, its second, … signal has deleted the slider.
+    void maySafelyBeDeletedByAnySignal()
+    {
+        using Do = std::function<void(Slider&)>;
+        const auto mouse = [](QEvent::Type type, Qt::MouseButton button, Qt::KeyboardModifiers keys = {}) {
+            return [=](Slider& slider) { slider.mouse(type, {130, 5}, button, keys); };
+        };
+        const auto press = QEvent::MouseButtonPress;
+        const auto release = QEvent::MouseButtonRelease;
+        const auto left = Qt::LeftButton;
+        const auto right = Qt::RightButton;
+        const Do move = mouse(QEvent::MouseMove, left);
+        const Do lost = mouse(QEvent::MouseMove, Qt::NoButton);
+        const Do scrub = mouse(press, left);
+        std::vector<std::vector<Do>> gestures = {
+            {scrub, move, mouse(release, left), mouse(QEvent::MouseButtonDblClick, left)},
+            {mouse(press, left, Qt::ControlModifier), move, mouse(release, left)},
+            {mouse(press, left, Qt::AltModifier), move, mouse(release, left)},
+            {mouse(press, right, Qt::AltModifier), move, mouse(release, right)},
+            {mouse(press, right), move, mouse(release, right)},
+            {scrub, mouse(press, right), mouse(release, left)},
+            {scrub, lost,
+             [](Slider& slider) {
+                 slider.wheel({110, 5}, {0, 120});
+             }},
+            {scrub, [](Slider& slider) { slider.hide(); }},
+            {scrub, [](Slider& slider) { slider.setEnabled(false); }},
+            {scrub, [](Slider& slider) { slider.parentWidget()->hide(); }},
+        };
+        for (const Qt::Key key : {Qt::Key_Right, Qt::Key_I, Qt::Key_O, Qt::Key_Plus, Qt::Key_F})
+            gestures.push_back({[key](Slider& slider) { QTest::keyClick(&slider, key); }});
+        Slider other;
+        for (const std::vector<Do>& gesture : gestures) {
+            int fatal = 1;
+            for (bool deleted = true; deleted; ++fatal) {
+                QWidget parent;
+                const QPointer<Slider> slider = new Slider;
+                slider->setParent(&parent);
+                slider->setValue(30);
+                parent.show();
+                int emitted = 0;
+                const auto count = [&] { ++emitted == fatal ? delete slider.data() : void(); };
+                connect(slider, &FrameSlider::sliderMoved, count);
+                connect(slider, &FrameSlider::sliderRangeChanged, count);
+                connect(slider, &FrameSlider::sliderInOutChanged, count);
+                connect(slider, &FrameSlider::sliderRangeReset, count);
+                connect(slider, &FrameSlider::scrubbingChanged, count);
+                for (const Do& step : gesture) {
+                    if (slider)
+                        step(*slider);
+                    QCoreApplication::processEvents();
+                }
+                deleted = !slider;
+                other.mouse(QEvent::MouseMove, {150, 5}, left);
+                QCOMPARE(other.events, QString());
+            }
+            QVERIFY(fatal > 2);
         }
     }
 };
