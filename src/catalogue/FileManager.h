@@ -95,6 +95,9 @@ public:
 
     /// A fresh entry, owned by the manager like all others; it stands in no list.
     FileInfo* createEntry();
+    /// Keeps the memory of all entries while it is held, also after the manager is destroyed. It does not
+    /// keep the entries from being used again by the next read.
+    std::shared_ptr<const void> entryStorage() const { return m_pool; }
     /// Keeps an entry from createEntry() in step with its members as attributes arrive.
     void followMembers(FileInfo* sequence);
     /// Ends the following of everything that followMembers() was called for.
@@ -169,7 +172,8 @@ private:
     void appendSequence(std::vector<FileInfo*>& out, FileInfo* sequence, bool split, bool registeredOnly);
 
     std::string currentDirectory;
-    EntryPool pool; // every entry below
+    const std::shared_ptr<EntryPool> m_pool = std::make_shared<EntryPool>();
+    EntryPool& pool = *m_pool; // every entry below
     std::unique_ptr<FileGatherer> gatherer;
     QTimer* arrivalsTimer; // its timeout begins the next turn
     QElapsedTimer turn;

@@ -8,12 +8,14 @@ namespace Halvern::UI {
 
 FileSequenceEvaluator::FileSequenceEvaluator()
     : m_ownEntries(std::make_shared<EntryPool>())
+    , m_lifetime(std::make_shared<bool>())
 {
 }
 
 FileSequenceEvaluator::FileSequenceEvaluator(const FileSequenceEvaluator& other)
     : m_manager(other.m_manager)
     , m_ownEntries(std::make_shared<EntryPool>())
+    , m_lifetime(std::make_shared<bool>())
 {
 }
 
@@ -29,6 +31,13 @@ FileSequenceEvaluator::~FileSequenceEvaluator() = default;
 void FileSequenceEvaluator::setManager(FileManager* manager)
 {
     m_manager = manager;
+}
+
+std::shared_ptr<const void> FileSequenceEvaluator::entryStorage() const
+{
+    if (m_manager)
+        return m_manager->entryStorage();
+    return m_ownEntries;
 }
 
 FileInfo* FileSequenceEvaluator::buildFileSequence(const std::string& name, const std::vector<int>& frames,

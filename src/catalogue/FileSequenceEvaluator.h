@@ -19,7 +19,7 @@ class FileManager;
 /// The host owns the evaluator. It may destroy it at any time, from within evaluateFiles() too: a browser
 /// that held it goes on with the built-in rules, and an answer that came with its end is not looked at.
 /// Entries that buildFileSequence() makes belong to the manager of the browser that asked last, and die with
-/// that manager's next read; they belong to the evaluator itself while it has no manager.
+/// that manager's next read. While the evaluator has no manager they belong to the evaluator itself.
 class HVCOREUI_EXPORT FileSequenceEvaluator
 {
 public:
@@ -46,11 +46,15 @@ public:
     /// Says whose entries are being grouped; the manager may die before the evaluator does.
     void setManager(FileManager* manager);
     /// Expires with the evaluator, for those who hold it without owning it.
-    std::weak_ptr<const void> lifetime() const { return m_ownEntries; }
+    std::weak_ptr<const void> lifetime() const { return m_lifetime; }
+    /// Keeps the memory of the entries that buildFileSequence() makes now while it is held, whoever goes. It
+    /// does not keep the entries from being used again by the manager's next read.
+    std::shared_ptr<const void> entryStorage() const;
 
 private:
     QPointer<FileManager> m_manager;
-    std::shared_ptr<EntryPool> m_ownEntries; // never shared: it lives as long as the evaluator
+    std::shared_ptr<EntryPool> m_ownEntries;
+    std::shared_ptr<const bool> m_lifetime; // never shared: it lives as long as the evaluator
 };
 
 } // namespace Halvern::UI

@@ -35,6 +35,11 @@ bool toNumber(PyObject* item, int& number)
     return value != -1 || !PyErr_Occurred();
 }
 
+void releaseStorage(PyObject* capsule)
+{
+    delete static_cast<std::shared_ptr<const void>*>(PyCapsule_GetPointer(capsule, nullptr));
+}
+
 } // namespace
 
 void printError()
@@ -130,6 +135,15 @@ bool toNumbers(PyObject* iterable, std::vector<int>& numbers)
         PyErr_NoMemory();
     }
     return !PyErr_Occurred();
+}
+
+PyObject* keeper(std::shared_ptr<const void> storage)
+{
+    auto held = std::make_unique<std::shared_ptr<const void>>(std::move(storage));
+    PyObject* capsule = PyCapsule_New(held.get(), nullptr, &releaseStorage);
+    if (capsule)
+        static_cast<void>(held.release());
+    return capsule;
 }
 
 PyObject* fromNumbers(const std::vector<int>& numbers)

@@ -3,6 +3,7 @@
 // Before Qt, whose keyword "slots" it would stumble over.
 #include <Python.h>
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -36,6 +37,9 @@ bool isIterable(PyObject* object);
 /// Appends all integers of an iterable, cut to 32 bits. False with a Python error set for an item that is no
 /// integer or exceeds 64 bits, and where the iteration fails.
 bool toNumbers(PyObject* iterable, std::vector<int>& numbers);
+/// An object that holds @p storage until it is destroyed.
+PyObject* keeper(std::shared_ptr<const void> storage);
+
 /// A tuple of the numbers.
 PyObject* fromNumbers(const std::vector<int>& numbers);
 

@@ -7,6 +7,7 @@ from conftest import rows, until
 from PyQt5 import sip
 from PyQt5.QtCore import QDir, QEvent
 from PyQt5.QtWidgets import QApplication, QWidget
+from shots import Shots
 
 from _HvMirefoldCoreUI import Halvern
 
@@ -57,6 +58,29 @@ def test_browser_and_evaluator_survive_each_other(open_browser, frames):
     second.setDirectory(QDir("/"))
     second.setDirectory(QDir(str(frames)))
     until(lambda: "notes.txt" in rows(second))
+
+
+def test_entries_may_outlive_who_made_them(open_browser):
+    class Keeping(Halvern.UI.FileSequenceEvaluator):
+        def evaluateFiles(self, files):
+            kept[:] = [*files, self.buildFileSequence("kept", (1,), files[:1])]
+            return tuple(kept)
+
+    kept, entry = [], Halvern.UI.FileInfo("sh010_a.1.exr", False)
+    for _ in range(3):  # memory that was freed is used again
+        evaluated, = Shots().evaluateFiles((entry,))
+        wrapped_again, = super(Shots, Shots()).evaluateFiles((entry,))
+        built = Keeping().buildFileSequence("built", (1,), (entry,))
+        evaluator = Keeping()
+        sip.delete(open_browser(evaluator))
+        evaluator = None
+        open_browser().grab()
+        assert evaluated.fileName() == wrapped_again.fileName() == "sh010 (1 files)"
+        assert built.fileName() == "built"
+        assert {"sh010_a.1.exr", "notes.txt", "kept"} <= {file.fileName() for file in kept}
+        evaluator = Keeping()
+        with pytest.raises(RuntimeError, match="deleted"):
+            evaluator.buildFileSequence("deleted", (sip.delete(evaluator) or 1 for _ in range(1)), ())
 
 
 @pytest.mark.parametrize("leave", [
