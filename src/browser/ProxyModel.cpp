@@ -42,20 +42,6 @@ FileBrowser::ProxyModel::ProxyModel(FileBrowser* owner)
     setSourceModel(owner->directoryModel);
 }
 
-// Each "*" but the last takes no more than it must and never gives it back. What is between two "*" has a
-// fixed length, so that the first place that it fits is as good as any; trying all places takes time that
-// grows with every "*", until the matcher gives up.
-QRegularExpression FileBrowser::ProxyModel::filterExpression(const QString& pattern)
-{
-    const QLatin1String star("[^/]*");
-    QStringList parts = QRegularExpression::wildcardToRegularExpression(pattern).split(star);
-    const QString end = parts.size() > 1 ? star + parts.takeLast() : QString();
-    QString text = parts.takeFirst();
-    for (const QString& part : qAsConst(parts))
-        text += QLatin1String("(?>[^/]*?") + part + QLatin1Char(')');
-    return QRegularExpression(text + end, QRegularExpression::CaseInsensitiveOption);
-}
-
 QString FileBrowser::ProxyModel::withHashes(const QString& text)
 {
     static const QRegularExpression token(QStringLiteral("(?:%)(\\d*)(?:d)"));
@@ -74,19 +60,10 @@ void FileBrowser::ProxyModel::setNamePrefix(const QString& text)
     namePrefix = withHashes(text).toUtf8().constData();
 }
 
-// Matches what QDir::match() does, which would compile the patterns for every row.
 void FileBrowser::ProxyModel::setFilterPattern(const QString& patterns)
 {
-    if (patterns == filterPattern)
-        return;
-    filterPattern = patterns;
-    filterExpressions.clear();
-    for (const QString& pattern : QDir::nameFiltersFromString(patterns)) {
-        const QRegularExpression expression = filterExpression(pattern);
-        // One with an open bracket matches nothing, and Qt would say so for every row.
-        if (expression.isValid())
-            filterExpressions.append(expression);
-    }
+    if (patterns != nameFilter.text())
+        nameFilter = NameFilter(patterns);
 }
 
 void FileBrowser::ProxyModel::apply()
@@ -116,22 +93,15 @@ bool FileBrowser::ProxyModel::filterAcceptsRow(int sourceRow, const QModelIndex&
     if (!info)
         return false;
     const char* name = model.displayName(sourceRow);
-    if (!filterPattern.isEmpty()) {
+    if (!nameFilter.text().isEmpty()) {
         if (filterBlocked && name[0] == '.')
             return false;
         if (filterBlocked && info->isDirectory())
             return true;
-        if (!info->isDirectory() && !matchesPattern(info->fileName()))
+        if (!info->isDirectory() && !nameFilter.matches(QString::fromUtf8(info->fileName())))
             return false;
     }
     return filterBlocked || matchesPrefix(name);
-}
-
-bool FileBrowser::ProxyModel::matchesPattern(const char* name) const
-{
-    const QString text = QString::fromUtf8(name);
-    return std::any_of(filterExpressions.begin(), filterExpressions.end(),
-                       [&text](const QRegularExpression& one) { return one.match(text).hasMatch(); });
 }
 
 bool FileBrowser::ProxyModel::matchesPrefix(const char* name) const

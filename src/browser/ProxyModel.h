@@ -1,10 +1,10 @@
 #pragma once
 
 #include "browser/FileBrowser.h"
+#include "browser/NameFilter.h"
 
 #include <QRegularExpression>
 #include <QSortFilterProxyModel>
-#include <QVector>
 #include <string>
 #include <vector>
 
@@ -28,10 +28,7 @@ public:
     void setNamePrefix(const QString& text);
     /// The prefix as rows are compared with it, UTF-8.
     const std::string& prefix() const { return namePrefix; }
-    /// Matches what QDir::match() does for one wildcard pattern, in a time that the number of "*" hardly
-    /// touches.
-    static QRegularExpression filterExpression(const QString& pattern);
-    /// Wildcard patterns, separated by blanks or semicolons, that files must match; empty for all.
+    /// Wildcard patterns that files must match, as NameFilter takes them; empty for all.
     void setFilterPattern(const QString& patterns);
     /// While set, folders always pass and the name prefix is not looked at.
     void setFilterBlocked(bool blocked) { filterBlocked = blocked; }
@@ -49,14 +46,12 @@ protected:
 private:
     static constexpr int NoColumn = -1;
 
-    bool matchesPattern(const char* name) const;
     bool matchesPrefix(const char* name) const;
     std::vector<int> ranksBy(int column) const;
     std::vector<int> placesOfEqualTimes() const;
 
     std::string namePrefix;
-    QString filterPattern;
-    QVector<QRegularExpression> filterExpressions; // one for each pattern of filterPattern
+    NameFilter nameFilter;
     FileBrowser* browser;
     bool filterBlocked = false;
 
