@@ -6,10 +6,7 @@ set(COREUI_PUBLIC_HEADERS
     base/Export.h
     base/FileHandle.h
     base/FileSystem.h
-    base/FrameRange.h
-    base/FrameRanges.h
     base/Locale.h
-    base/Path.h
     base/Text.h
     browser/FileBrowser.h
     catalogue/EntryPool.h
@@ -18,16 +15,18 @@ set(COREUI_PUBLIC_HEADERS
     catalogue/FileInfoWrapper.h
     catalogue/FileManager.h
     catalogue/FileSequenceEvaluator.h
-    catalogue/FrameRange.h
     dialog/FCPreviewInfo.h
     dialog/FileDialog.h
-    dialog/FilePathEdit.h
     dialog/FilePreview.h
-    dialog/Filename.h
     favorites/Favorite.h
+    frames/FrameRange.h
+    frames/FrameRanges.h
+    paths/Filename.h
+    paths/Path.h
     widgets/AppSettings.h
     widgets/DisclosableWidget.h
     widgets/DisclosureButton.h
+    widgets/FilePathEdit.h
     widgets/FrameSlider.h
     widgets/PackedColour.h
     widgets/VisibilitySetter.h)

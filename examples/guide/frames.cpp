@@ -1,5 +1,5 @@
-#include <base/FrameRanges.h>
-#include <base/Path.h>
+#include <frames/FrameRanges.h>
+#include <paths/Path.h>
 #include <base/Text.h>
 #include <iostream>
 

@@ -1,6 +1,6 @@
 #include <QApplication>
-#include <dialog/FilePathEdit.h>
-#include <dialog/Filename.h>
+#include <widgets/FilePathEdit.h>
+#include <paths/Filename.h>
 #include <iostream>
 
 int main(int argc, char** argv)

@@ -1,8 +1,8 @@
 #include "browser/DirectoryModel.h"
 
-#include "base/Path.h"
 #include "browser/FilesMenu.h"
 #include "catalogue/FileSequenceEvaluator.h"
+#include "paths/Path.h"
 
 #include <QDateTime>
 #include <QFont>

@@ -6,13 +6,13 @@
 #include "browser/FilesList.h"
 #include "browser/FilesMenu.h"
 #include "browser/ProxyModel.h"
-#include "dialog/FilePathEdit.h"
 #include "favorites/FavoritesList.h"
 #include "favorites/FavoritesModel.h"
 #include "favorites/FavoritesProxy.h"
 #include "favorites/FavoritesStore.h"
 #include "widgets/AppSettings.h"
 #include "widgets/DisclosureButton.h"
+#include "widgets/FilePathEdit.h"
 
 #include <QApplication>
 #include <QCheckBox>

@@ -5,9 +5,9 @@
 
 #include "browser/DirectoryModel.h"
 #include "browser/FilesList.h"
-#include "dialog/FilePathEdit.h"
 #include "favorites/FavoritesList.h"
 #include "widgets/DisclosureButton.h"
+#include "widgets/FilePathEdit.h"
 
 #include <QCheckBox>
 #include <QComboBox>

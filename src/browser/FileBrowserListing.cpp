@@ -5,8 +5,8 @@
 #include "browser/DirectoryModel.h"
 #include "browser/FilesList.h"
 #include "browser/ProxyModel.h"
-#include "dialog/FilePathEdit.h"
 #include "widgets/AppSettings.h"
+#include "widgets/FilePathEdit.h"
 
 #include <QApplication>
 #include <QCheckBox>

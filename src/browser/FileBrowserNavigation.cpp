@@ -2,11 +2,11 @@
 
 #include "browser/FileBrowser.h"
 
-#include "base/Path.h"
 #include "browser/FilesList.h"
 #include "browser/ProxyModel.h"
 #include "catalogue/FileInfo.h"
-#include "dialog/FilePathEdit.h"
+#include "paths/Path.h"
+#include "widgets/FilePathEdit.h"
 
 #include <QComboBox>
 #include <QFileInfo>

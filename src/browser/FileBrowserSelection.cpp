@@ -6,7 +6,7 @@
 #include "browser/FilesList.h"
 #include "browser/FilesMenu.h"
 #include "browser/ProxyModel.h"
-#include "dialog/FilePathEdit.h"
+#include "widgets/FilePathEdit.h"
 
 namespace Halvern::UI {
 

@@ -2,7 +2,7 @@
 
 #include "base/Export.h"
 #include "catalogue/FileInfoWrapper.h"
-#include "catalogue/FrameRange.h"
+#include "frames/FrameRange.h"
 
 #include <QDir>
 #include <QString>

@@ -1,10 +1,10 @@
 #include "catalogue/FileInfoList.h"
 
 #include "base/FileSystem.h"
-#include "base/Texts.h"
-#include "catalogue/FrameName.h"
-#include "catalogue/FrameRun.h"
+#include "base/SortKeys.h"
 #include "catalogue/NaturalOrder.h"
+#include "frames/FrameName.h"
+#include "frames/FrameRun.h"
 
 #include <cerrno>
 #include <cstring>

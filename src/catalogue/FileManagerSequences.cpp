@@ -2,7 +2,7 @@
 
 #include "catalogue/FileManager.h"
 
-#include "catalogue/FrameName.h"
+#include "frames/FrameName.h"
 
 #include <algorithm>
 #include <string_view>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "base/Texts.h"
+#include "base/SortKeys.h"
 
 #include <vector>
 

@@ -1,6 +1,6 @@
 #include "base/FileSystem.h"
-#include "base/Path.h"
 #include "base/Text.h"
+#include "paths/Path.h"
 #include "support/SampleFiles.h"
 #include "support/Test.h"
 

@@ -1,5 +1,5 @@
 #include "catalogue/NaturalOrder.h"
-#include "base/Texts.h"
+#include "base/SortKeys.h"
 #include "support/Test.h"
 
 using namespace Halvern;

@@ -2,11 +2,11 @@
 #include "browser/DirectoryModel.h"
 #include "browser/FilesList.h"
 #include "browser/ProxyModel.h"
-#include "dialog/FilePathEdit.h"
 #include "support/SampleFiles.h"
 #include "support/Test.h"
 #include "widgets/AppSettings.h"
 #include "widgets/DisclosureButton.h"
+#include "widgets/FilePathEdit.h"
 
 #include <QApplication>
 #include <QComboBox>

@@ -1,13 +1,13 @@
 // What reads text that others wrote, as targets for libFuzzer; FUZZ_TARGET names the one that is built.
 
-#include "base/FrameRanges.h"
 #include "browser/NameFilter.h"
 #include "browser/ProxyModel.h"
 #include "catalogue/FileManager.h"
-#include "catalogue/FrameName.h"
 #include "dialog/FCPreviewInfo.h"
-#include "dialog/Filename.h"
 #include "favorites/FavoritesFile.h"
+#include "frames/FrameName.h"
+#include "frames/FrameRanges.h"
+#include "paths/Filename.h"
 
 #include <QDir>
 #include <climits>

@@ -12,3 +12,9 @@ struct FrameRange
 };
 
 } // namespace Halvern::Base
+
+namespace Halvern::UI {
+
+using Base::FrameRange;
+
+} // namespace Halvern::UI

@@ -1,4 +1,4 @@
-#include "base/FrameRanges.h"
+#include "frames/FrameRanges.h"
 #include "support/StandardOutput.h"
 #include "support/Test.h"
 

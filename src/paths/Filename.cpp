@@ -1,8 +1,8 @@
-#include "dialog/Filename.h"
+#include "paths/Filename.h"
 
 #include "base/FileSystem.h"
 #include "base/Text.h"
-#include "dialog/Glob.h"
+#include "paths/Glob.h"
 
 #include <QFile>
 #include <QString>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "base/FrameRange.h"
+#include "frames/FrameRange.h"
 
 #include <QByteArray>
 #include <QString>

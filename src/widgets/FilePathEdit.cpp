@@ -1,4 +1,4 @@
-#include "dialog/FilePathEdit.h"
+#include "widgets/FilePathEdit.h"
 
 #include <QDir>
 #include <QGuiApplication>

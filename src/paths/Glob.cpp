@@ -1,4 +1,4 @@
-#include "dialog/Glob.h"
+#include "paths/Glob.h"
 
 #include <algorithm>
 

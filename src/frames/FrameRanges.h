@@ -1,7 +1,7 @@
 #pragma once
 
 #include "base/Export.h"
-#include "base/FrameRange.h"
+#include "frames/FrameRange.h"
 
 #include <cstddef>
 #include <iterator>

@@ -1,9 +1,9 @@
 // How sets of frames are written and read.
 
-#include "base/FrameRanges.h"
+#include "frames/FrameRanges.h"
 
-#include "base/FrameUnion.h"
 #include "base/Text.h"
+#include "frames/FrameUnion.h"
 
 #include <algorithm>
 #include <array>

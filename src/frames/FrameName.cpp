@@ -1,4 +1,4 @@
-#include "catalogue/FrameName.h"
+#include "frames/FrameName.h"
 
 #include "base/Text.h"
 

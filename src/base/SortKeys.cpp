@@ -1,4 +1,4 @@
-#include "base/Texts.h"
+#include "base/SortKeys.h"
 
 #include <QtEndian>
 #include <algorithm>

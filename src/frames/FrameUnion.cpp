@@ -1,4 +1,4 @@
-#include "base/FrameUnion.h"
+#include "frames/FrameUnion.h"
 
 #include <algorithm>
 #include <climits>

@@ -1,4 +1,4 @@
-#include "base/Path.h"
+#include "paths/Path.h"
 
 #include <filesystem>
 

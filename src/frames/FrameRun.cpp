@@ -1,7 +1,7 @@
-#include "catalogue/FrameRun.h"
+#include "frames/FrameRun.h"
 
 #include "base/Text.h"
-#include "catalogue/FrameName.h"
+#include "frames/FrameName.h"
 
 #include <numeric>
 

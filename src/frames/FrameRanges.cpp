@@ -1,6 +1,6 @@
-#include "base/FrameRanges.h"
+#include "frames/FrameRanges.h"
 
-#include "base/FrameUnion.h"
+#include "frames/FrameUnion.h"
 
 #include <algorithm>
 #include <cstdio>

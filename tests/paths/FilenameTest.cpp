@@ -1,4 +1,4 @@
-#include "dialog/Filename.h"
+#include "paths/Filename.h"
 #include "support/SampleFiles.h"
 #include "support/Test.h"
 
