@@ -1,11 +1,124 @@
 #include "frames/FrameRanges.h"
 
-#include "frames/FrameUnion.h"
+#include "base/Text.h"
 
 #include <algorithm>
+#include <charconv>
+#include <climits>
 #include <cstdio>
 
 namespace Halvern::Base {
+
+namespace {
+
+using Frame = long long; // differences of frames exceed int
+
+constexpr Frame MostOverlappingFrames = 1000000;
+
+Frame frameCount(const FrameRange& run)
+{
+    return (Frame(run.last) - run.first) / run.step + 1;
+}
+
+/// The same frames from the first to the last, which is one of them.
+FrameRange ascending(const FrameRange& range)
+{
+    const Frame distance = Frame(range.last) - range.first;
+    const int end = static_cast<int>(range.first + distance / range.step * range.step);
+    return {std::min(range.first, end), std::max(range.first, end), end == range.first ? 1 : range.step};
+}
+
+void appendFrame(std::vector<FrameRange>& runs, int frame)
+{
+    const auto isSingle = [&runs](std::size_t fromEnd) {
+        return runs.size() >= fromEnd &&
+               runs[runs.size() - fromEnd].first == runs[runs.size() - fromEnd].last;
+    };
+    const Frame step = runs.empty() ? 0 : Frame(frame) - runs.back().last;
+    if (!runs.empty() && !isSingle(1) && step == runs.back().step) {
+        runs.back().last = frame;
+    } else if (isSingle(1) && step == 1) {
+        runs.back().last = frame;
+    } else if (isSingle(1) && isSingle(2) && step == Frame(runs.back().last) - runs[runs.size() - 2].last &&
+               step <= INT_MAX) {
+        runs.pop_back();
+        runs.back().last = frame;
+        runs.back().step = static_cast<int>(step);
+    } else {
+        runs.push_back({frame, frame, 1});
+    }
+}
+
+/// The runs come out the same whether frames are appended one by one or as ranges.
+void appendRange(std::vector<FrameRange>& runs, const FrameRange& range)
+{
+    Frame frame = range.first;
+    // The fourth frame has joined a run of this step, whatever stands before the first.
+    for (int i = 0; i < 4 && frame <= range.last; ++i, frame += range.step)
+        appendFrame(runs, static_cast<int>(frame));
+    if (frame <= range.last)
+        runs.back().last = range.last;
+}
+
+std::nullopt_t refuse(std::string_view item, const char* reason)
+{
+    std::printf("Frame range \"%.*s\": %s\n", static_cast<int>(std::min<std::size_t>(item.size(), 80)),
+                item.data(), reason);
+    return std::nullopt;
+}
+
+/// Takes the number that @p text begins with off it.
+std::optional<int> takeNumber(std::string_view& text)
+{
+    int number = 0;
+    const auto result = std::from_chars(text.data(), text.data() + text.size(), number);
+    if (result.ec != std::errc())
+        return std::nullopt;
+    text.remove_prefix(static_cast<std::size_t>(result.ptr - text.data()));
+    return number;
+}
+
+/// Reads "7", "1-10" or, with 'x' as @p stepMark, "1-10x2".
+std::optional<FrameRange> parseItem(std::string_view item, char stepMark)
+{
+    constexpr const char* wantsFrame = "a frame is a whole number from -2147483648 to 2147483647";
+    std::string_view rest = item;
+    const auto first = takeNumber(rest);
+    if (!first)
+        return refuse(item, wantsFrame);
+    FrameRange range{*first, *first, 1};
+    if (rest.empty())
+        return range;
+    if (rest.front() != '-')
+        return refuse(item, "a frame, a range or a range with a step was expected");
+    rest.remove_prefix(1);
+    const auto last = takeNumber(rest);
+    if (!last)
+        return refuse(item, wantsFrame);
+    range.last = *last;
+    if (rest.empty())
+        return range;
+    if (rest.front() != stepMark)
+        return refuse(item, "a frame, a range or a range with a step was expected");
+    rest.remove_prefix(1);
+    const auto step = takeNumber(rest);
+    if (!step || *step < 1 || !rest.empty())
+        return refuse(item, "a step is a whole number from 1 to 2147483647");
+    range.step = *step;
+    return range;
+}
+
+std::string itemText(const FrameRange& run)
+{
+    std::string text = std::to_string(run.first);
+    if (run.last != run.first)
+        text += '-' + std::to_string(run.last);
+    if (run.step > 1)
+        text += 'x' + std::to_string(run.step);
+    return text;
+}
+
+} // namespace
 
 FrameRanges::Iterator::Iterator(const FrameRange* run, const FrameRange* end)
     : m_run(run)
@@ -41,20 +154,96 @@ FrameRanges::FrameRanges(std::vector<FrameRange> runs)
     }
 }
 
+// Ranges that overlap, of which one has a step, are looked at frame by frame.
 std::optional<FrameRanges> FrameRanges::unite(std::vector<FrameRange> ranges)
 {
-    const auto bad =
-        std::find_if(ranges.begin(), ranges.end(), [](const FrameRange& r) { return r.step < 1; });
-    if (bad != ranges.end()) {
-        std::printf("Frame range %d-%d: a step of %d leads nowhere\n", bad->first, bad->last, bad->step);
-        return std::nullopt;
+    for (const FrameRange& range : ranges) {
+        if (range.step < 1) {
+            std::printf("Frame range %d-%d: a step of %d leads nowhere\n", range.first, range.last,
+                        range.step);
+            return std::nullopt;
+        }
     }
-    auto runs = uniteFrames(std::move(ranges));
-    if (!runs) {
-        std::printf("Frame ranges: too many ranges with different steps interleave\n");
-        return std::nullopt;
+    std::transform(ranges.begin(), ranges.end(), ranges.begin(), ascending);
+    std::sort(ranges.begin(), ranges.end(),
+              [](const FrameRange& a, const FrameRange& b) { return a.first < b.first; });
+    std::vector<FrameRange> runs;
+    Frame overlapping = 0;
+    for (auto begin = ranges.begin(), end = begin; begin != ranges.end(); begin = end) {
+        FrameRange whole = *begin;
+        for (++end; end != ranges.end() && end->first <= whole.last; ++end)
+            whole = {whole.first, std::max(whole.last, end->last), std::max(whole.step, end->step)};
+        if (end - begin == 1 || whole.step == 1) {
+            appendRange(runs, whole);
+            continue;
+        }
+        std::vector<int> frames;
+        for (auto range = begin; range != end; ++range) {
+            overlapping += frameCount(*range);
+            if (overlapping > MostOverlappingFrames) {
+                std::printf("Frame ranges: more than %lld frames in overlapping ranges with steps\n",
+                            MostOverlappingFrames);
+                return std::nullopt;
+            }
+            for (Frame frame = range->first; frame <= range->last; frame += range->step)
+                frames.push_back(static_cast<int>(frame));
+        }
+        std::sort(frames.begin(), frames.end());
+        frames.erase(std::unique(frames.begin(), frames.end()), frames.end());
+        for (const int frame : frames)
+            appendFrame(runs, frame);
     }
-    return FrameRanges(std::move(*runs));
+    return FrameRanges(std::move(runs));
+}
+
+std::optional<FrameRanges> FrameRanges::parse(std::string_view text)
+{
+    std::vector<FrameRange> ranges;
+    if (trimmed(text).empty())
+        return FrameRanges();
+    for (const std::string_view item : split(text, ',')) {
+        const auto range = parseItem(trimmed(item), 'x');
+        if (!range)
+            return std::nullopt;
+        ranges.push_back(*range);
+    }
+    return unite(std::move(ranges));
+}
+
+std::optional<FrameRanges> FrameRanges::parseDisplayName(std::string_view name)
+{
+    std::string_view head = trimmed(name);
+    std::string_view listed;
+    if (!head.empty() && head.back() == ')') {
+        const std::size_t bracket = head.rfind('(');
+        if (bracket == std::string_view::npos)
+            return refuse(name, "there is no \"(\" before the \")\"");
+        listed = head.substr(bracket + 1, head.size() - bracket - 2);
+        head = trimmed(head.substr(0, bracket));
+    }
+    const auto whole = parseItem(head.substr(head.rfind(' ') + 1), ',');
+    if (!whole)
+        return std::nullopt;
+    if (trimmed(listed).empty())
+        return unite({*whole});
+    std::vector<FrameRange> ranges{{whole->first, whole->first, 1}, {whole->last, whole->last, 1}};
+    for (const std::string_view item : split(listed, ' ')) {
+        if (item.empty())
+            continue;
+        auto run = parseItem(item, ',');
+        if (!run)
+            return std::nullopt;
+        run->step = whole->step;
+        ranges.push_back(*run);
+    }
+    return unite(std::move(ranges));
+}
+
+std::string FrameRanges::text() const
+{
+    std::vector<std::string> items;
+    std::transform(m_runs.begin(), m_runs.end(), std::back_inserter(items), itemText);
+    return join(items, ",");
 }
 
 bool FrameRanges::contains(int frame) const

@@ -14,10 +14,9 @@ namespace Halvern::Base {
 
 /// A set of frames, as artists type it: "1-10x2,15,20-30".
 ///
-/// Each frame counts once, and frames are in ascending order however they were given. What is stored are
-/// runs, so that fifty million frames take the room of one; frames may be negative and span all of int. A
-/// plain value; one that was made does not change. What can't be read or reached is said in a line on
-/// standard output.
+/// Each frame counts once, and frames are in ascending order however they were given. Frames may be negative
+/// and span all of int; a range takes the same memory however long it is. A plain value that does not change
+/// after it was made. A line on standard output tells what cannot be read or reached.
 class HVCOREUI_EXPORT FrameRanges
 {
 public:
@@ -58,7 +57,7 @@ public:
     /// and a blank text is the empty set. A range may run backwards, which matters for its step only:
     /// "10-1x3" is 10, 7, 4 and 1. Ranges may overlap.
     ///
-    /// Nothing, and a line on standard output that quotes the item, where the text is none of that, or for
+    /// Nothing, and a line on standard output that quotes the item, if the text is none of that, and for
     /// what unite() refuses.
     static std::optional<FrameRanges> parse(std::string_view text);
 
@@ -69,34 +68,33 @@ public:
 
     /// The frames that are in any of @p ranges, each of which may run backwards.
     ///
-    /// Nothing, and a line on standard output, for a step below 1, and where ranges with different steps
-    /// interleave in more than a million runs or in a pattern that does not repeat within a few million
-    /// frames.
+    /// Nothing, and a line on standard output, for a step below 1, and if ranges that overlap and have steps
+    /// hold more than a million frames.
     static std::optional<FrameRanges> unite(std::vector<FrameRange> ranges);
 
-    /// The shortest text that parse() reads as this set, its items in ascending order and none of them
-    /// overlapping. Example: the frames 1, 3, 5, 6, 7, 8 give "1,3,5-8".
+    /// The runs as parse() reads them. Example: the frames 1, 3, 5, 6, 7, 8 give "1-5x2,6-8".
     std::string text() const;
 
     bool isEmpty() const { return m_runs.empty(); }
     /// Number of frames; up to 2^32, which is more than int holds.
     long long count() const { return m_runs.empty() ? 0 : m_endIndexes.back(); }
     bool contains(int frame) const;
-    /// The frame at @p index in ascending order, from 0. Nothing, and a line on standard output, where there
+    /// The frame at @p index in ascending order, from 0. Nothing, and a line on standard output, if there
     /// is none.
     std::optional<int> frame(long long index) const;
 
     Iterator begin() const { return {m_runs.data(), m_runs.data() + m_runs.size()}; }
     Iterator end() const { return {m_runs.data() + m_runs.size(), m_runs.data() + m_runs.size()}; }
 
-    /// The runs, ascending, no two of them overlapping and no two that could be one.
+    /// The runs, ascending, none of them overlapping: two or more consecutive frames, three or more frames
+    /// with a larger step, or one frame. The same frames always give the same runs.
     const std::vector<FrameRange>& runs() const { return m_runs; }
 
 private:
     explicit FrameRanges(std::vector<FrameRange> runs);
 
     std::vector<FrameRange> m_runs;
-    std::vector<long long> m_endIndexes; // for each run: the index behind its last frame
+    std::vector<long long> m_endIndexes; // for each run: the index after its last frame
 };
 
 } // namespace Halvern::Base
