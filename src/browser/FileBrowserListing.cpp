@@ -5,6 +5,7 @@
 #include "browser/DirectoryModel.h"
 #include "browser/FilesList.h"
 #include "browser/ProxyModel.h"
+#include "frames/Placeholder.h"
 #include "widgets/AppSettings.h"
 #include "widgets/FilePathEdit.h"
 
@@ -183,13 +184,7 @@ void FileBrowser::showArrivedAttributes()
 
 QString FileBrowser::replaceHashes(const QString& name)
 {
-    const int first = name.indexOf(QLatin1Char('#'));
-    if (first < 0)
-        return name;
-    const int last = name.lastIndexOf(QLatin1Char('#'));
-    const int width = last + 1 - first;
-    const QString digits = width > 1 ? QString(QLatin1Char('0') + QString::number(width)) : QString();
-    return name.left(first) + QLatin1Char('%') + digits + QLatin1Char('d') + name.mid(last + 1);
+    return Placeholder::withToken(name);
 }
 
 QString FileBrowser::normalizeFile(const QString& name)

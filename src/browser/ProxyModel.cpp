@@ -3,6 +3,7 @@
 #include "base/Text.h"
 #include "browser/DirectoryModel.h"
 #include "browser/RowRanks.h"
+#include "frames/Placeholder.h"
 
 #include <algorithm>
 #include <cstring>
@@ -42,22 +43,9 @@ FileBrowser::ProxyModel::ProxyModel(FileBrowser* owner)
     setSourceModel(owner->directoryModel);
 }
 
-QString FileBrowser::ProxyModel::withHashes(const QString& text)
-{
-    static const QRegularExpression token(QStringLiteral("(?:%)(\\d*)(?:d)"));
-    QString prefix = text;
-    const QRegularExpressionMatch match = token.match(text);
-    if (match.hasMatch()) {
-        // No name is longer than a name buffer, however wide the token says the frame is.
-        const int width = qBound(1, match.captured(1).toInt(), static_cast<int>(FileInfo::NameSize));
-        prefix.replace(token, QString(width, QLatin1Char('#')));
-    }
-    return prefix;
-}
-
 void FileBrowser::ProxyModel::setNamePrefix(const QString& text)
 {
-    namePrefix = withHashes(text).toUtf8().constData();
+    namePrefix = Placeholder::withHashes(text).toUtf8().constData();
 }
 
 void FileBrowser::ProxyModel::setFilterPattern(const QString& patterns)

@@ -3,7 +3,6 @@
 #include "browser/FileBrowser.h"
 #include "browser/NameFilter.h"
 
-#include <QRegularExpression>
 #include <QSortFilterProxyModel>
 #include <string>
 #include <vector>
@@ -20,10 +19,7 @@ class FileBrowser::ProxyModel : public QSortFilterProxyModel
 public:
     explicit ProxyModel(FileBrowser* owner);
 
-    /// @p text with the "#" of listed sequences in place of printf tokens, as many for each as the first one
-    /// is wide: "shot.%04d" gives "shot.####".
-    static QString withHashes(const QString& text);
-    /// Rows must begin with @p text in any letter case, printf tokens read by withHashes(); a leading "."
+    /// Rows must begin with @p text in any letter case, with "#" in place of printf tokens; a leading "."
     /// shows hidden names too.
     void setNamePrefix(const QString& text);
     /// The prefix as rows are compared with it, UTF-8.

@@ -2,6 +2,7 @@
 
 #include "base/FileSystem.h"
 #include "base/Text.h"
+#include "frames/Placeholder.h"
 
 #include <QDateTime>
 #include <QFile>
@@ -239,12 +240,8 @@ void FileInfo::constructSequenceName()
         first = m_sequenceFiles.begin()->first;
         last = m_sequenceFiles.rbegin()->first;
     }
-    const char* hash = std::strchr(m_fileName, '#');
-    const char* end = m_fileName + m_fileNameLength;
-    std::string name(static_cast<const char*>(m_fileName), hash ? hash : end);
-    if (hash)
-        name.append(static_cast<std::size_t>(std::max(m_numberOfHashes, 0)), '#').append(hash + 1, end);
-    name += ' ' + std::to_string(first) + '-' + std::to_string(last);
+    const std::string name = Placeholder::widened({m_fileName, m_fileNameLength}, m_numberOfHashes) + ' ' +
+                             Placeholder::rangeText(first, last);
     setSequenceName(name.c_str());
 }
 

@@ -18,7 +18,7 @@ struct HVCOREUI_EXPORT FCPreviewInfo
     /// "shot.####.exr 1-100" and 150 give "shot.0100.exr"; "shot.%04d.exr 1-100 ( 1-50 60-100 )" and 7 give
     /// "shot.0007.exr". A placeholder reaches from the first to the last "#": "a.#.b.##.exr" and 5 give
     /// "a.000005.exr". Frames with more digits than the placeholder are written whole. A name without a range
-    /// is no sequence, but its placeholder is replaced too. The whole text counts, folder names included.
+    /// is no sequence, but its placeholder is replaced too. Folders stay as they are.
     FCPreviewInfo(const QString& selected, int wanted);
 
     QString path; ///< The concrete file.

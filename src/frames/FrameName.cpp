@@ -1,6 +1,7 @@
 #include "frames/FrameName.h"
 
 #include "base/Text.h"
+#include "frames/Placeholder.h"
 
 #include <QStringBuilder>
 #include <climits>
@@ -56,7 +57,7 @@ bool read(const char* name, int& frame, char* pattern, int& digits, bool& padded
     digits = run.length;
     padded = run.length > 1 && name[run.begin] == '0';
     std::memcpy(pattern, name, static_cast<std::size_t>(run.begin));
-    pattern[run.begin] = '#';
+    pattern[run.begin] = Placeholder::Hash;
     const char* suffix = name + run.begin + run.length;
     std::memcpy(pattern + run.begin + 1, suffix, std::strlen(suffix) + 1);
     return true;
@@ -74,29 +75,20 @@ bool read(const QString& name, QString& pattern, int& frame)
         return false;
     frame = number;
     pattern = name;
-    pattern.replace(run.begin, run.length, QString(run.length, QLatin1Char('#')));
+    pattern.replace(run.begin, run.length, QString(run.length, QLatin1Char(Placeholder::Hash)));
     if (run.length > 1 && name.at(run.begin) == QLatin1Char('0'))
         paddedWidth = qMin(paddedWidth, run.length);
     return true;
-}
-
-QStringRef prefix(const QString& pattern)
-{
-    return pattern.leftRef(pattern.indexOf(QLatin1Char('#')));
-}
-
-QStringRef suffix(const QString& pattern)
-{
-    return pattern.midRef(pattern.lastIndexOf(QLatin1Char('#')) + 1);
 }
 
 bool reconcilePatterns(QString& a, QString& b)
 {
     if (a == b)
         return true;
-    if (prefix(a) != prefix(b) || suffix(a) != suffix(b))
+    using Placeholder::after, Placeholder::before;
+    if (before(a) != before(b) || after(a) != after(b))
         return false;
-    const QString common = prefix(b) + QLatin1Char('#') + suffix(b);
+    const QString common = before(b) + QLatin1Char(Placeholder::Hash) + after(b);
     a = b = common;
     return true;
 }

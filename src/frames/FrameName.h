@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QString>
-#include <QStringRef>
 
 /// Reads file names as frames of image sequences. The frame number is the last run of digits before the
 /// extension, or of the whole name where there is no extension or the extension itself begins with a digit:
@@ -23,11 +22,6 @@ bool read(const QString& name, QString& pattern, int& frame);
 /// Whether two patterns with one "#" for each digit belong to one sequence. Patterns that differ only in the
 /// width of their "#" run are both rewritten with a single "#": "f.##.exr" and "f.###.exr" give "f.#.exr".
 bool reconcilePatterns(QString& a, QString& b);
-
-/// The text of a pattern before its first "#" and behind its last; all of it, both times, where it has none.
-/// They refer to @p pattern. Example: "f.##.exr" gives "f." and ".exr".
-QStringRef prefix(const QString& pattern);
-QStringRef suffix(const QString& pattern);
 
 /// The narrowest zero-padded frame number that was read as text since the last reset, at most 4.
 int smallestPaddedWidth();

@@ -2,6 +2,7 @@
 
 #include "base/Text.h"
 #include "frames/FrameName.h"
+#include "frames/Placeholder.h"
 
 #include <numeric>
 
@@ -11,7 +12,7 @@ namespace {
 
 QString rangeText(int first, int last)
 {
-    return QString::number(first) + QLatin1Char('-') + QString::number(last);
+    return QString::fromStdString(Placeholder::rangeText(first, last));
 }
 
 } // namespace
@@ -81,8 +82,8 @@ std::vector<Base::FrameRange> FrameRun::presentRuns() const
 
 QString FrameRun::fileNameOf(int frame) const
 {
-    const std::string number = Base::zeroPadded(frame, m_pattern.count(QLatin1Char('#')));
-    return FrameName::prefix(m_pattern) + QLatin1String(number.c_str()) + FrameName::suffix(m_pattern);
+    const std::string number = Base::zeroPadded(frame, m_pattern.count(QLatin1Char(Placeholder::Hash)));
+    return Placeholder::before(m_pattern) + QLatin1String(number.c_str()) + Placeholder::after(m_pattern);
 }
 
 } // namespace Halvern::UI

@@ -25,7 +25,9 @@ private slots:
             {"a.####.exr -20--5", -30, "a.00-20.exr, -20 of -20 to -5"},
             {"a.%1d.%04d.exr 8-12", 9, "a.9.%04d.exr, 9 of 8 to 12"},
             {"a.#.exr 1-99999999999", 3, "a.3.exr, 3 of 1 to 2147483647"},
-            {"/a (x)/b.#.exr 1-5", 3, "/a (x)/b.3.exr 1-5, 3 of 2147483647 to 2147483647"},
+            {"/a (x) 7-9/take#3/b.#.exr 1-5", 3, "/a (x) 7-9/take#3/b.3.exr, 3 of 1 to 5"},
+            {"/a#/%d/b c ( 1-5", 3, "/a#/%d/b c ( 1-5, 3 of 2147483647 to 2147483647"},
+            {"1-5", 3, "1-5, 3 of 2147483647 to 2147483647"},
         };
         for (const auto& [selected, frame, wanted] : rows) {
             const FCPreviewInfo info(QString::fromLatin1(selected), frame);

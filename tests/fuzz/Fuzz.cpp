@@ -1,12 +1,12 @@
 // What reads text that others wrote, as targets for libFuzzer; FUZZ_TARGET names the one that is built.
 
 #include "browser/NameFilter.h"
-#include "browser/ProxyModel.h"
 #include "catalogue/FileManager.h"
 #include "dialog/FCPreviewInfo.h"
 #include "favorites/FavoritesFile.h"
 #include "frames/FrameName.h"
 #include "frames/FrameRanges.h"
+#include "frames/Placeholder.h"
 #include "paths/Filename.h"
 
 #include <QDir>
@@ -18,7 +18,6 @@
 
 using namespace Halvern::UI;
 using Halvern::Base::FrameRanges;
-using Proxy = FileBrowser::ProxyModel;
 
 namespace {
 
@@ -100,11 +99,11 @@ namespace {
 [[maybe_unused]] void tokens(const QByteArray& text)
 {
     const QString name = QString::fromUtf8(text);
-    const QString token = FileBrowser::replaceHashes(name);
+    const QString token = Placeholder::withToken(name);
     const QString hashes(qMin(name.count('#'), 1000), '#');
     if (!name.contains('%') && name.count('#') == hashes.size() && name.contains(hashes))
-        REQUIRE(Proxy::withHashes(token) == name);
-    REQUIRE(!token.contains('#') && Proxy::withHashes(name).size() <= 1024 * (name.size() + 1));
+        REQUIRE(Placeholder::withHashes(token) == name);
+    REQUIRE(!token.contains('#') && Placeholder::withHashes(name).size() <= 1024 * (name.size() + 1));
 }
 
 } // namespace
