@@ -127,7 +127,7 @@ int filename_absolute(char* to, int size, const char* from, const char* cwd)
 
 bool filename_match(const char* name, const char* pattern)
 {
-    return name && pattern && Glob(pattern).matches(name);
+    return name && pattern && globMatches(name, pattern);
 }
 
 bool filename_isdir(const char* name)

@@ -1,180 +1,147 @@
 #include "paths/Glob.h"
 
 #include <algorithm>
+#include <utility>
+#include <vector>
 
 namespace {
 
-constexpr std::size_t none = std::string_view::npos;
-
-} // namespace
-
-Glob::Glob(std::string_view pattern)
-    : m_pattern(pattern)
-    , m_reachedRound(pattern.size() + 1, 0)
+/// The places of a pattern that the bytes of a name read so far can lead to, each once. They are followed all
+/// at once: trying one way after another would take time exponential in the number of "*" and "{".
+struct Places
 {
-}
+    std::vector<std::size_t> list;
+    std::vector<bool> has;
+};
 
-bool Glob::matches(std::string_view name)
+/// The first unmatched "}" from @p from on or, with @p atSeparators, a separator outside nested braces before
+/// it. The end of the pattern if there is none.
+std::size_t endOfAlternative(std::string_view pattern, std::size_t from, bool atSeparators)
 {
-    reach(0);
-    std::vector<std::size_t> places;
-    for (const char byte : name) {
-        places.clear();
-        places.swap(m_reached);
-        ++m_round;
-        for (const std::size_t at : places)
-            read(at, byte);
-        if (m_reached.empty())
-            return false;
+    int depth = 0;
+    for (std::size_t i = from; i < pattern.size(); ++i) {
+        const char byte = pattern[i];
+        if (byte == '\\')
+            ++i;
+        else if (byte == '{')
+            ++depth;
+        else if (byte == '}' && depth-- == 0)
+            return i;
+        else if ((byte == ',' || byte == '|') && atSeparators && depth == 0)
+            return i;
     }
-    return m_reachedRound[m_pattern.size()] == m_round;
+    return pattern.size();
 }
 
-/// Adds @p start and whatever follows from it without reading a byte.
-void Glob::reach(std::size_t start)
+/// For each "{" and separator of a pattern: where the alternative after it ends, and where all alternatives
+/// end.
+struct Ends
 {
-    m_pending.push_back(start);
-    while (!m_pending.empty()) {
-        const std::size_t at = m_pending.back();
-        m_pending.pop_back();
-        if (m_reachedRound[at] == m_round)
+    explicit Ends(std::string_view pattern)
+        : alternative(pattern.size())
+        , group(pattern.size())
+    {
+        for (std::size_t i = 0; i < pattern.size(); ++i) {
+            if (pattern[i] == '{' || pattern[i] == ',' || pattern[i] == '|') {
+                alternative[i] = endOfAlternative(pattern, i + 1, true);
+                group[i] = endOfAlternative(pattern, i + 1, false);
+            }
+        }
+    }
+
+    std::vector<std::size_t> alternative;
+    std::vector<std::size_t> group;
+};
+
+/// Adds @p place and all that follows from it without a byte of the name.
+void reach(std::string_view pattern, const Ends& ends, std::size_t place, Places& reached)
+{
+    std::vector<std::size_t> pending{place};
+    while (!pending.empty()) {
+        place = pending.back();
+        pending.pop_back();
+        if (reached.has[place])
             continue;
-        m_reachedRound[at] = m_round;
-        m_reached.push_back(at);
-        switch (at < m_pattern.size() ? m_pattern[at] : '\0') {
-        case '*':
-        case '}':
-            m_pending.push_back(at + 1);
-            break;
-        case '{':
-            for (std::size_t next = at + 1; next != none; next = nextAlternative(next))
-                m_pending.push_back(next);
-            break;
-        case ',':
-        case '|':
-            m_pending.push_back(behindGroup(at + 1));
-            break;
-        default:
-            break;
+        reached.has[place] = true;
+        reached.list.push_back(place);
+        const char byte = place < pattern.size() ? pattern[place] : '\0';
+        if (byte == '*' || byte == '}') {
+            pending.push_back(place + 1);
+        } else if (byte == '{') {
+            for (std::size_t end = place; end < pattern.size() && (end == place || pattern[end] != '}');) {
+                pending.push_back(end + 1);
+                end = ends.alternative[end];
+            }
+        } else if (byte == ',' || byte == '|') {
+            pending.push_back(std::min(ends.group[place] + 1, pattern.size()));
         }
     }
 }
 
-/// Goes on from the place @p at over the byte @p byte of the name, if the pattern allows it.
-void Glob::read(std::size_t at, char byte)
+/// Whether the set whose "[" stands at @p place takes @p byte; then @p place becomes the place after the set.
+bool takesFromSet(std::string_view pattern, std::size_t& place, char byte)
 {
-    if (at == m_pattern.size())
-        return;
-    switch (m_pattern[at]) {
-    case '*':
-        reach(at);
-        break;
-    case '?':
-        reach(at + 1);
-        break;
-    case '[': {
-        const Set& set = setAt(at);
-        if (set.bytes.test(static_cast<unsigned char>(byte)))
-            reach(set.end);
-        break;
+    std::size_t i = place + 1;
+    const bool negated = i < pattern.size() && (pattern[i] == '!' || pattern[i] == '^');
+    if (negated)
+        ++i;
+    const auto value = static_cast<signed char>(byte);
+    bool found = false;
+    for (const std::size_t first = i; i < pattern.size() && (i == first || pattern[i] != ']'); ++i) {
+        if (i > first && pattern[i] == '-' && i + 1 < pattern.size() && pattern[i + 1] != ']') {
+            found = found || (static_cast<signed char>(pattern[i - 1]) <= value &&
+                              value <= static_cast<signed char>(pattern[i + 1]));
+            ++i;
+        } else {
+            found = found || pattern[i] == byte;
+        }
     }
+    place = std::min(i + 1, pattern.size());
+    return found != negated;
+}
+
+/// Whether the pattern goes on from @p place over @p byte of the name; then @p place becomes the place after
+/// it.
+bool takes(std::string_view pattern, std::size_t& place, char byte)
+{
+    switch (place < pattern.size() ? pattern[place] : '}') {
     case '{':
     case '}':
     case ',':
     case '|':
-        break;
+        return false;
+    case '*':
+        return true;
+    case '?':
+        ++place;
+        return true;
+    case '[':
+        return takesFromSet(pattern, place, byte);
     case '\\':
-        if (at + 1 < m_pattern.size())
-            ++at;
+        if (place + 1 < pattern.size())
+            ++place;
         [[fallthrough]];
     default:
-        if (m_pattern[at] == byte)
-            reach(at + 1);
-        break;
+        return pattern[place++] == byte;
     }
 }
 
-/// The set whose "[" stands at @p at.
-const Glob::Set& Glob::setAt(std::size_t at)
+} // namespace
+
+bool globMatches(std::string_view name, std::string_view pattern)
 {
-    const auto [entry, isNew] = m_sets.try_emplace(at);
-    Set& set = entry->second;
-    if (!isNew)
-        return set;
-    const std::size_t size = m_pattern.size();
-    std::size_t i = at + 1;
-    const bool negated = i < size && (m_pattern[i] == '!' || m_pattern[i] == '^');
-    if (negated)
-        ++i;
-    const std::size_t first = i;
-    while (i < size && (i == first || m_pattern[i] != ']')) {
-        const bool range = i > first && m_pattern[i] == '-' && i + 1 < size && m_pattern[i + 1] != ']';
-        if (range) {
-            const auto low = static_cast<signed char>(m_pattern[i - 1]);
-            const auto high = static_cast<signed char>(m_pattern[i + 1]);
-            for (int member = -128; member < 128; ++member) {
-                if (low <= member && member <= high)
-                    set.bytes.set(static_cast<unsigned char>(member));
-            }
-            i += 2;
-        } else {
-            set.bytes.set(static_cast<unsigned char>(m_pattern[i]));
-            ++i;
+    const Ends ends(pattern);
+    const Places none{{}, std::vector<bool>(pattern.size() + 1)};
+    Places reached = none;
+    reach(pattern, ends, 0, reached);
+    for (const char byte : name) {
+        const Places before = std::exchange(reached, none);
+        for (std::size_t place : before.list) {
+            if (takes(pattern, place, byte))
+                reach(pattern, ends, place, reached);
         }
+        if (reached.list.empty())
+            return false;
     }
-    set.end = std::min(i + 1, size);
-    if (negated)
-        set.bytes.flip();
-    return set;
-}
-
-/// Where the alternative after the one that begins at @p alternative begins; none after the last.
-std::size_t Glob::nextAlternative(std::size_t alternative)
-{
-    const auto [entry, isNew] = m_nextAlternatives.try_emplace(alternative, none);
-    if (isNew) {
-        const std::size_t end = find(alternative, true);
-        if (end < m_pattern.size() && m_pattern[end] != '}')
-            entry->second = end + 1;
-    }
-    return entry->second;
-}
-
-/// The place behind the first unmatched "}" from @p at on, or the end of the pattern.
-std::size_t Glob::behindGroup(std::size_t at)
-{
-    const auto [entry, isNew] = m_behindGroups.try_emplace(at, 0);
-    if (isNew)
-        entry->second = std::min(find(at, false) + 1, m_pattern.size());
-    return entry->second;
-}
-
-/// The first unmatched "}" from @p from on or, with @p atSeparators, a separator outside nested braces before
-/// it; the end of the pattern where there is none.
-std::size_t Glob::find(std::size_t from, bool atSeparators) const
-{
-    int depth = 0;
-    for (std::size_t i = from; i < m_pattern.size(); ++i) {
-        switch (m_pattern[i]) {
-        case '\\':
-            ++i;
-            break;
-        case '{':
-            ++depth;
-            break;
-        case '}':
-            if (depth == 0)
-                return i;
-            --depth;
-            break;
-        case ',':
-        case '|':
-            if (atSeparators && depth == 0)
-                return i;
-            break;
-        default:
-            break;
-        }
-    }
-    return m_pattern.size();
+    return reached.has[pattern.size()];
 }
