@@ -49,7 +49,7 @@ bool goesOn(std::uint64_t word)
 class Ordering
 {
 public:
-    explicit Ordering(const Texts& texts)
+    explicit Ordering(const SortKeys& texts)
         : m_end(texts.end())
     {
         m_indexes.reserve(texts.size());
@@ -106,13 +106,13 @@ private:
 
 } // namespace
 
-void Texts::reserve(std::size_t count, std::size_t bytesOfEach)
+void SortKeys::reserve(std::size_t count, std::size_t bytesOfEach)
 {
     m_begins.reserve(count);
     m_bytes.reserve(count * bytesOfEach);
 }
 
-void Texts::append(const char* text, const char* following)
+void SortKeys::append(const char* text, const char* following)
 {
     appendFrom([&](std::vector<char>& bytes) {
         for (const char* part : {text, following})
@@ -121,10 +121,10 @@ void Texts::append(const char* text, const char* following)
 }
 
 // Where a text begins is fetched before the text.
-Texts Texts::inOrder(const std::vector<int>& indexes) const
+SortKeys SortKeys::inOrder(const std::vector<int>& indexes) const
 {
     const auto at = [&](std::size_t i) { return static_cast<std::size_t>(indexes[i]); };
-    Texts texts;
+    SortKeys texts;
     texts.m_begins.reserve(indexes.size());
     texts.m_bytes.reserve(m_bytes.size());
     for (std::size_t i = 0; i < indexes.size(); ++i) {
@@ -140,9 +140,9 @@ Texts Texts::inOrder(const std::vector<int>& indexes) const
     return texts;
 }
 
-std::vector<int> ordered(const Texts& texts)
+std::vector<int> ordered(const SortKeys& keys)
 {
-    return Ordering(texts).take();
+    return Ordering(keys).take();
 }
 
 } // namespace Halvern::Base

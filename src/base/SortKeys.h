@@ -5,17 +5,16 @@
 
 namespace Halvern::Base {
 
-/// Many texts one behind the other in one piece of memory, so that what walks over them hardly waits for it.
-/// A text is bytes and ends at its first zero byte; another may follow it and goes where it goes.
-class Texts
+/// Many sort keys in one piece of memory, which is faster to walk than scattered texts. Each entry is a
+/// zero-terminated key, optionally followed by the name. Sorting moves both.
+class SortKeys
 {
 public:
     void reserve(std::size_t count, std::size_t bytesOfEach);
 
-    /// Neither may be one of these. What follows the text stands behind its terminator and has one of its
-    /// own.
-    void append(const char* text, const char* following);
-    /// Appends the text that @p write adds, terminators included, to the bytes that it is given.
+    /// Appends @p key and the name @p following, each with its terminator. Neither may point into the keys.
+    void append(const char* key, const char* following);
+    /// Appends the entry that @p write adds, terminators included, to the bytes that it is given.
     template <class Write>
     void appendFrom(Write write)
     {
@@ -24,22 +23,22 @@ public:
     }
 
     std::size_t size() const { return m_begins.size(); }
-    /// Valid until the next text is appended.
+    /// Valid until the next entry is appended.
     const char* operator[](std::size_t index) const { return m_bytes.data() + m_begins[index]; }
-    /// Behind the last terminator.
+    /// After the last terminator.
     const char* end() const { return m_bytes.data() + m_bytes.size(); }
 
-    /// The texts of @p indexes, in that order.
-    Texts inOrder(const std::vector<int>& indexes) const;
+    /// The entries of @p indexes, in that order.
+    SortKeys inOrder(const std::vector<int>& indexes) const;
 
 private:
     std::vector<char> m_bytes;
     std::vector<std::size_t> m_begins;
 };
 
-/// The indexes of @p texts in the order of `strcmp`, equal texts as they came: "b", "a", "c", "a" give 1, 3,
-/// 0, 2. The texts are looked at eight bytes at a time and none twice at the same place, so that the time
-/// hardly depends on how much of them is equal, nor on the order in which they come.
-std::vector<int> ordered(const Texts& texts);
+/// The indexes of @p keys in the order of `strcmp`; equal keys keep their order: "b", "a", "c", "a" give 1,
+/// 3, 0, 2. Keys are compared eight bytes at a time, and each part once. The time hardly depends on how long
+/// their common beginnings are, nor on their order.
+std::vector<int> ordered(const SortKeys& keys);
 
 } // namespace Halvern::Base

@@ -71,7 +71,7 @@ private:
 
     void sort(const NaturalOrder& order)
     {
-        Base::Texts keys;
+        Base::SortKeys keys;
         keys.reserve(m_entries.size(), 0);
         for (const Entry& one : m_entries)
             keys.appendFrom(

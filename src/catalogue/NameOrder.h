@@ -56,7 +56,7 @@ public:
 private:
     struct Piece
     {
-        Base::Texts keys; // behind each, the name
+        Base::SortKeys keys; // behind each, the name
         std::vector<int> places;
         std::size_t merged = 0;
     };

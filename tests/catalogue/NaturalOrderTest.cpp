@@ -17,7 +17,7 @@ private slots:
 static void expectAscending(NaturalOrder::Numbers numbers, QByteArrayList names)
 {
     std::reverse(names.begin(), names.end());
-    Base::Texts keys;
+    Base::SortKeys keys;
     std::vector<int> ascending;
     for (int i = 0; i < names.size(); ++i) {
         keys.appendFrom(
