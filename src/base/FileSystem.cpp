@@ -11,7 +11,7 @@ namespace fs = std::filesystem;
 std::optional<struct stat> fileStatus(const char* name, int folder)
 {
     struct stat status;
-    if (::fstatat(folder, name, &status, 0) != 0)
+    if (uninterrupted([&] { return ::fstatat(folder, name, &status, 0); }) != 0)
         return std::nullopt;
     return status;
 }
@@ -24,12 +24,12 @@ bool isDirectory(const char* name, int folder)
 
 bool isReadable(const std::string& path)
 {
-    return ::access(path.c_str(), R_OK) == 0;
+    return uninterrupted([&] { return ::access(path.c_str(), R_OK); }) == 0;
 }
 
 bool isWritable(const std::string& path)
 {
-    return ::access(path.c_str(), W_OK) == 0;
+    return uninterrupted([&] { return ::access(path.c_str(), W_OK); }) == 0;
 }
 
 bool makeDirectories(const std::string& path)

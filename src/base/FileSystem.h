@@ -2,15 +2,36 @@
 
 #include "base/Export.h"
 
+#include <cerrno>
 #include <fcntl.h>
 #include <functional>
 #include <optional>
 #include <string>
 #include <sys/stat.h>
+#include <type_traits>
 
 /// The file system by names that are bytes, handed to the system unchanged. Failures are answers: nothing is
 /// printed and nothing throws.
 namespace Halvern::Base {
+
+/// Makes a call to the system again for as long as a signal interrupts it, and returns its last result. The
+/// call fails with -1 or null. `errno` is 0 where it was not set, so that the end of a directory can be told
+/// from a failure to read it.
+template <class Call>
+auto uninterrupted(Call call)
+{
+    for (;;) {
+        errno = 0;
+        const auto result = call();
+        bool failed = false;
+        if constexpr (std::is_pointer_v<decltype(result)>)
+            failed = !result;
+        else
+            failed = result == -1;
+        if (!failed || errno != EINTR)
+            return result;
+    }
+}
 
 /// Where files go that need not outlive the work at hand.
 inline constexpr const char* TemporaryDirectory = "/var/tmp/";

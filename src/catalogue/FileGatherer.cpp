@@ -5,6 +5,7 @@
 #include "base/Text.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstring>
 #include <dirent.h>
 #include <fcntl.h>
@@ -69,6 +70,7 @@ void FileGatherer::discardBatches()
     }
     m_infos.reset();
     m_allNamesRead = false;
+    m_error = 0;
     m_namesAnnounced = false;
 }
 
@@ -120,7 +122,10 @@ void FileGatherer::run()
 {
     m_readNames.clear();
     m_readCount = 0;
-    const int folder = ::open(m_directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    const int folder = Base::uninterrupted(
+        [this] { return ::open(m_directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC); });
+    if (folder < 0)
+        m_error = errno;
     readNames(folder);
     readAttributes(folder);
     if (folder >= 0)
@@ -144,14 +149,18 @@ void FileGatherer::readNames(int folder)
     if (!m_keepRunning)
         return;
     // The stream closes the descriptor it is given, and the attributes are read after it.
-    const int copy = ::fcntl(folder, F_DUPFD_CLOEXEC, 0);
-    DIR* stream = copy >= 0 ? ::fdopendir(copy) : nullptr;
+    const int copy = folder >= 0 ? ::fcntl(folder, F_DUPFD_CLOEXEC, 0) : -1;
+    DIR* stream = copy >= 0 ? Base::uninterrupted([copy] { return ::fdopendir(copy); }) : nullptr;
+    if (!stream && folder >= 0)
+        m_error = errno;
     if (!stream && copy >= 0)
         ::close(copy);
     FileNameRecord record;
     std::vector<FileNameRecord> untyped; // a type is missing; those behind it wait too, for the order's sake
     while (stream && m_keepRunning) {
-        const dirent* entry = ::readdir(stream);
+        const dirent* entry = Base::uninterrupted([stream] { return ::readdir(stream); });
+        if (!entry)
+            m_error = errno;
         if (!entry || !m_keepRunning)
             break;
         Base::copyTruncated(record.name, entry->d_name);

@@ -62,6 +62,8 @@ public:
     bool takeNamesFinished();
     /// Whether all names of the run were read and taken.
     bool areNamesTaken() const { return m_allNamesRead && !m_names.hasNext(); }
+    /// Why names of the run are missing: an error number of the system, 0 while none is known to be.
+    int error() const { return m_error; }
     /// Whether takeNames() has something to give.
     bool hasNames() const { return m_names.hasNext(); }
     /// Whether one of the three has something to give.
@@ -112,6 +114,7 @@ private:
     // Shared by both threads.
     std::atomic<bool> m_keepRunning{false};
     std::atomic<bool> m_allNamesRead{false};
+    std::atomic<int> m_error{0};
     // Carries what a run wrote to the thread that waited for it. Qt's lock does that too, unseen by race
     // detectors.
     std::atomic<unsigned> m_runsEnded{0};

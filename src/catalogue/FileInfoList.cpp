@@ -24,7 +24,7 @@ public:
     DirectoryScan(const QByteArray& folder, bool forSequences)
         : m_folder(folder)
     {
-        DIR* stream = ::opendir(folder.constData());
+        DIR* stream = Base::uninterrupted([&] { return ::opendir(folder.constData()); });
         m_complete = stream && read(stream);
         const int error = errno;
         if (stream)
@@ -61,8 +61,7 @@ private:
 
     bool read(DIR* stream)
     {
-        errno = 0;
-        while (const dirent* read = ::readdir(stream)) {
+        while (const dirent* read = Base::uninterrupted([&] { return ::readdir(stream); })) {
             m_entries.push_back({m_names.size(), read->d_type});
             m_names.insert(m_names.end(), read->d_name, read->d_name + std::strlen(read->d_name) + 1);
         }

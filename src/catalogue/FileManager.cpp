@@ -1,11 +1,13 @@
 #include "catalogue/FileManager.h"
 
+#include "base/FileSystem.h"
 #include "base/Text.h"
 #include "catalogue/FileGatherer.h"
 #include "catalogue/NameOrder.h"
 
 #include <QPointer>
 #include <QTimer>
+#include <cerrno>
 #include <dirent.h>
 
 namespace Halvern::UI {
@@ -21,12 +23,14 @@ constexpr const char* builtInSequenceExtensions[] = {
     "pic",   "png",   "png16", "psd", "rgb",  "rgba", "rgbe",  "rgbea",  "rla", "sgi",
     "sgi16", "sxr",   "targa", "tga", "tif",  "tiff", "tif16", "tiff16", "xpm", "yuv"};
 
-bool canOpenDirectory(const std::string& path)
+// 0 if the directory can be opened, else the system's error number.
+int errorOfOpening(const std::string& path)
 {
-    DIR* directory = ::opendir(path.c_str());
-    if (directory)
-        ::closedir(directory);
-    return directory != nullptr;
+    DIR* directory = Base::uninterrupted([&] { return ::opendir(path.c_str()); });
+    if (!directory)
+        return errno;
+    ::closedir(directory);
+    return 0;
 }
 
 } // namespace
@@ -75,19 +79,24 @@ bool FileManager::getFilesFromFolderPrivate(const std::string& path, bool force,
 {
     if (readingSynchronously)
         return false;
-    const bool readable = canOpenDirectory(path);
-    if (readable && !force && path == currentDirectory)
+    const int error = errorOfOpening(path);
+    const bool samePath = path == currentDirectory;
+    if (samePath && !force && error == 0 && m_readError == 0)
         return false;
     gatherer->stop();
     currentDirectory = path;
-    if (readable && asynchronous) {
+    m_readError = error;
+    if (error != 0) {
+        if (!samePath)
+            cleanData();
+        return false;
+    }
+    if (asynchronous) {
         leaveToWorker(entriesByName);
         leaveToWorker(splitFollowers);
         leaveToWorker(hostFollowers);
     }
     cleanData();
-    if (!readable)
-        return false;
     if (asynchronous) {
         gatherer->startReading(path);
     } else {
@@ -288,7 +297,7 @@ void FileManager::takeArrivals()
             takeNames();
         else if (!prepareListInTurn())
             return;
-        else if (gatherer->takeNamesFinished())
+        else if (takeNamesFinished())
             announceNames(false);
         else if (const auto infos = gatherer->takeInfos())
             updateInfo(infos.get(), true);
@@ -353,9 +362,17 @@ void FileManager::fileNameFinished(bool withInfo)
     if (!mayTakeNow())
         return;
     // A stopped run may have left its announcement in the queue, and names may still wait for their turn.
-    if (announced && (!gatherer->areNamesTaken() || !prepareListInTurn() || !gatherer->takeNamesFinished()))
+    if (announced && (!gatherer->areNamesTaken() || !prepareListInTurn() || !takeNamesFinished()))
         return;
     announceNames(withInfo);
+}
+
+bool FileManager::takeNamesFinished()
+{
+    if (!gatherer->takeNamesFinished())
+        return false;
+    m_readError = gatherer->error();
+    return true;
 }
 
 void FileManager::announceNames(bool withInfo)

@@ -28,7 +28,7 @@ struct FileNameRecord;
 ///
 /// Lives on the GUI thread; only the FileGatherer that it owns works elsewhere. Every `FileInfo*` it hands
 /// out is borrowed and dies with the next read or with the manager (see generation()). Names are bytes.
-/// Nothing reports errors or throws.
+/// Nothing throws; readError() tells why a directory could not be read.
 class HVCOREUI_EXPORT FileManager : public QObject
 {
     Q_OBJECT
@@ -41,13 +41,18 @@ public:
 
     /// Begins to read @p path on the worker thread, after stopping a read that is under way. Emits
     /// refreshList() when the names are complete and infoUpdated() for every thousand attributes after that.
-    /// False, and nothing begins, when @p path is the current directory and @p force is false; false too when
-    /// @p path cannot be opened, which leaves the manager empty with @p path as its current directory.
-    /// A call from within a synchronous read is refused.
+    /// False, and nothing begins, when @p path is the current directory, its listing is under way or
+    /// succeeded and @p force is false. False too when @p path cannot be opened: it is the current directory
+    /// from now on, with the entries it had if it was so before, else without entries. What failed is read
+    /// again by the next request for it. A call from within a synchronous read is refused.
     bool getFilesFromFolder(const std::string& path, bool force);
     /// The same on the calling thread: everything is read, and the signals are emitted, when it returns. The
     /// manager must not be destroyed in answer to these.
     bool getFilesFromFolderSynchronously(const std::string& path, bool force);
+    /// Why the listing of the current directory is empty or incomplete: the system's error number, as of
+    /// `opendir`, `open` or `readdir`. 0 while a read is under way and after a listing that succeeded. Set
+    /// before refreshList() announces the names, and before a request answers false.
+    int readError() const { return m_readError; }
     /// Reads @p path at once and returns a text for every row: registered sequences on one row, or on a row
     /// for every run of frames with @p splitGaps; sequences as "shot.####.exr 1-9 ( 1-4 6-9 )" with @p
     /// longNames, else as "shot.####.exr 1-9". Directories ("." and ".." among them) and names that begin
@@ -155,6 +160,7 @@ private:
     void beginTurn();
     bool turnIsOver() const;
     void takeNames();
+    bool takeNamesFinished();
     void announceNames(bool withInfo);
     template <class Container>
     void leaveToWorker(Container& container);
@@ -193,6 +199,7 @@ private:
     Followers splitFollowers;               // member to split entry
     Followers hostFollowers;                // member to entry of followMembers()
 
+    int m_readError = 0;
     int infoCursor = 0; // how many of files have their attributes
     std::size_t splitIndex = 0;
     unsigned entryGeneration = 0;

@@ -6,6 +6,17 @@
 
 using namespace Halvern::UI;
 
+namespace {
+
+std::vector<FileInfo*> entries(FileManager& manager)
+{
+    std::vector<FileInfo*> files;
+    manager.buildRunningList(&files, Halvern::Base::FileHandle::AllFiles);
+    return files;
+}
+
+} // namespace
+
 /// What a failing and a slow disk do to a listing.
 class GathererFaultsTest : public Test
 {
@@ -58,16 +69,17 @@ private slots:
     void readsWhatItCan()
     {
         const int all = Files + 5;
-        // A fault and the call that it concerns, how many names are listed, and the least and the most of
-        // them that have attributes.
-        const std::tuple<Fault, int, const char*, int, int, int> rows[] = {
-            {MostNames, 1500, nullptr, 1499, 1499, 1499},
-            {NoTypes, 1, nullptr, all, all, all},
-            {CallError, EIO, "open", 0, 0, 0},
-            {CallError, EIO, "fstatat", all, 0, 0},
-            {CallDelay, 5000, "fstatat", all, 1, all - 1}, // and the directory goes in mid-read
+        // A fault and the call that it concerns, the error that is told, how many names are listed, and the
+        // least and the most of them that have attributes.
+        const std::tuple<Fault, int, const char*, int, int, int, int> rows[] = {
+            {MostNames, 1500, nullptr, EIO, 1499, 1499, 1499},
+            {NoTypes, 1, nullptr, 0, all, all, all},
+            {CallError, EIO, "open", EIO, 0, 0, 0},
+            {CallError, ENOMEM, "fdopendir", ENOMEM, 0, 0, 0},
+            {CallError, EIO, "fstatat", 0, all, 0, 0},
+            {CallDelay, 5000, "fstatat", 0, all, 1, all - 1}, // and the directory goes in mid-read
         };
-        for (const auto& [fault, value, call, names, least, most] : rows) {
+        for (const auto& [fault, value, call, error, names, least, most] : rows) {
             endFaults();
             faults[fault] = value;
             faultyCall = call;
@@ -75,11 +87,15 @@ private slots:
             const QSignalSpy refreshed(&manager, SIGNAL(refreshList()));
             int updated = 0;
             connect(&manager, &FileManager::infoUpdated, this, [&](int, int count) { updated += count; });
+            int announced = -1;
+            connect(&manager, &FileManager::refreshList, this, [&] { announced = manager.readError(); });
             QVERIFY(manager.getFilesFromFolder(folder.path().toStdString(), false));
+            QCOMPARE(manager.readError(), 0);
             QTRY_VERIFY(fault != CallDelay || faults[DelayedCalls] > 0);
             QVERIFY(fault != CallDelay || QDir(folder.path()).removeRecursively());
             QTRY_COMPARE(refreshed.size(), 1);
             QTRY_COMPARE_WITH_TIMEOUT(updated, names, 20000);
+            QCOMPARE(announced, error);
             std::vector<FileInfo*> files;
             manager.buildRunningList(&files, Halvern::Base::FileHandle::AllFiles);
             const auto known = std::count_if(files.begin(), files.end(), [](const FileInfo* file) {
@@ -89,7 +105,47 @@ private slots:
             // Asking makes up for types that are missing, so that numbered directories are no frames.
             manager.buildRunningList(&files, Halvern::Base::FileHandle::RegisteredSequences);
             QVERIFY(least != all || files.size() == 6);
+            if (fault == CallDelay)
+                continue;
+            // What failed is read again without force.
+            endFaults();
+            QCOMPARE(manager.getFilesFromFolderSynchronously(folder.path().toStdString(), false), error != 0);
+            QCOMPARE(manager.readError(), 0);
+            QCOMPARE(entries(manager).size(), std::size_t(all));
         }
+    }
+
+    void tellsWhatCannotBeOpened()
+    {
+        const std::string path = folder.path().toStdString();
+        FileManager manager;
+        const auto count = [&manager] { return entries(manager).size(); };
+        const auto all = std::size_t(Files + 5);
+        QVERIFY(manager.getFilesFromFolderSynchronously(path, false) && count() == all);
+        // The entries of the same directory stay.
+        for (const bool force : {false, true}) {
+            faultyCall = "opendir";
+            faults[CallError] = EACCES;
+            QVERIFY(!manager.getFilesFromFolder(path, force));
+            QVERIFY(manager.readError() == EACCES && count() == all);
+        }
+        endFaults();
+        QVERIFY(SampleFiles::make(folder.path(), {"new"}));
+        QVERIFY(manager.getFilesFromFolderSynchronously(path, false));
+        QVERIFY(manager.readError() == 0 && count() == all + 1);
+        QVERIFY(!manager.getFilesFromFolder(folder.filePath("none").toStdString(), false));
+        QVERIFY(manager.readError() == ENOENT && count() == 0);
+        // An interruption is no failure.
+        for (const char* call : {"opendir", "open", "fdopendir", "readdir", "fstatat"}) {
+            faultyCall = call;
+            faults[CallError] = EINTR;
+            faults[FailingCalls] = 3;
+            QVERIFY2(manager.getFilesFromFolderSynchronously(path, true), call);
+            QVERIFY2(manager.readError() == 0 && count() == all + 1 && faults[CallError] == 0, call);
+            for (const FileInfo* file : entries(manager))
+                QVERIFY2(file->modificationTime() > 0, call);
+        }
+        QVERIFY(QFile::remove(folder.filePath(QStringLiteral("new"))));
     }
 
     void asksSlowDisksForSeveralAtOnce()

@@ -72,6 +72,8 @@ bool fails(const char* name, const char* path, int file = -1)
         faults[CallPlace] = -1;
     }
     errno = faults[CallError];
+    if (faults[FailingCalls] != 0 && --faults[FailingCalls] == 0)
+        faults[CallError] = 0;
     return true;
 }
 

@@ -12,6 +12,7 @@ enum Fault
     CallDelay,    ///< Microseconds that each faultyCall of a worker takes.
     CallError,    ///< What faultyCall fails with, on each thread.
     CallPlace,    ///< Which one fails, from 1, and then no other: it is -1 afterwards. 0 for each.
+    FailingCalls, ///< How many faultyCalls fail before CallError ends; 0 for all.
     ShortWrites,  ///< Bytes that each `write` leaves undone; only one of no more bytes can be the faultyCall.
     MostNames,    ///< How many names directories give, from then on, before they fail with EIO.
     NoTypes,      ///< Names come without their type.
