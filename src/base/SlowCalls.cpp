@@ -1,10 +1,9 @@
 #include "base/SlowCalls.h"
 
-#include <atomic>
 #include <chrono>
-#include <exception>
-#include <thread>
-#include <vector>
+#include <condition_variable>
+#include <mutex>
+#include <unistd.h>
 
 namespace Halvern::Base {
 
@@ -39,27 +38,64 @@ std::size_t callUntilSlow(std::size_t count, const Call& call)
     return count;
 }
 
+// What the callers share. Helpers that start late find it empty and do not touch the call, which is gone by
+// then.
+struct Calls
+{
+    void makeSome()
+    {
+        for (std::size_t index = next++; index < count; index = next++) {
+            call(index);
+            const std::lock_guard<std::mutex> lock(mutex);
+            if (--left == 0)
+                ended.notify_one();
+        }
+    }
+    void wait()
+    {
+        std::unique_lock<std::mutex> lock(mutex);
+        ended.wait(lock, [this] { return left == 0; });
+    }
+
+    const Call& call;
+    std::atomic<std::size_t> next;
+    const std::size_t count;
+    std::size_t left; // guarded by mutex: calls that have not ended
+    std::mutex mutex;
+    std::condition_variable ended;
+};
+
 void callAtOnce(std::size_t first, std::size_t count, const Call& call)
 {
-    std::atomic<std::size_t> next{first};
-    const auto work = [&] {
-        for (std::size_t index = next++; index < count; index = next++)
-            call(index);
-    };
-    std::vector<std::thread> others;
-    others.reserve(MostCallsAtOnce - 1);
-    try {
-        while (others.size() + 1 < MostCallsAtOnce)
-            others.emplace_back(work);
-    } catch (const std::exception&) {
-        // The system has no more threads, or no memory for one: those that are there do all of it.
-    }
-    work();
-    for (std::thread& other : others)
-        other.join();
+    const std::shared_ptr<Calls> calls(new Calls{call, {first}, count, count - first, {}, {}});
+    for (std::size_t others = 1; others < MostCallsAtOnce; ++others)
+        callInBackground([calls] { calls->makeSome(); });
+    calls->makeSome();
+    calls->wait();
 }
 
+struct Helpers
+{
+    QThreadPool threads;
+    const pid_t process = ::getpid();
+};
+
 } // namespace
+
+// Never destroyed: that would wait for the threads.
+QThreadPool& helperThreads()
+{
+    static std::atomic<Helpers*> helpers{nullptr};
+    Helpers* present = helpers;
+    if (!present || present->process != ::getpid()) {
+        auto made = std::make_unique<Helpers>();
+        made->threads.setMaxThreadCount(MostCallsAtOnce - 1);
+        made->threads.setExpiryTimeout(-1);
+        if (helpers.compare_exchange_strong(present, made.get()))
+            present = made.release();
+    }
+    return present->threads;
+}
 
 void callEach(std::size_t count, const Call& call)
 {

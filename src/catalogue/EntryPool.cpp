@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <mutex>
 #include <new>
 #include <sys/mman.h>
 #include <utility>
@@ -12,47 +13,56 @@ namespace {
 
 constexpr std::size_t PageSize = 4096;
 constexpr std::size_t BlockBytes = EntryPool::BlockSize * sizeof(FileInfo);
-constexpr std::size_t MostBlocksAtOnce = 16;
 static_assert(BlockBytes % PageSize == 0, "blocks begin with a page");
-
-// Asked for together, pages come sooner than touched one by one. Meanwhile no other thread gets memory from
-// the system or gives any back, so that they are not too many.
-constexpr std::size_t BytesAtOnce = 64 * PageSize;
-
-// The part of the block that begins there. Returns where the next begins.
-std::size_t putInPlace(FileInfo* block, std::size_t begin)
-{
-    const std::size_t end = std::min(begin + BytesAtOnce, BlockBytes);
-    char* const bytes = reinterpret_cast<char*>(block);
-#ifdef MADV_POPULATE_WRITE
-    if (::madvise(bytes + begin, end - begin, MADV_POPULATE_WRITE) == 0)
-        return end;
-#endif
-    for (std::size_t i = begin; i < end; i += PageSize)
-        const_cast<volatile char*>(bytes)[i] = 0;
-    return end;
-}
+constexpr std::size_t FewMembers = 16; // are destroyed at once
 
 } // namespace
 
+struct EntryPool::Idle
+{
+    ~Idle()
+    {
+        for (const Block& block : blocks)
+            free(block);
+    }
+    static void destroyEntries(const Block& block) { std::destroy_n(block.entries, block.constructed); }
+    static void free(const Block& block)
+    {
+        destroyEntries(block);
+        std::free(block.entries);
+    }
+
+    std::mutex mutex;
+    std::vector<Block> blocks; // guarded by mutex; those that are to be trimmed come last
+};
+
+EntryPool::EntryPool()
+    : m_idle(std::make_shared<Idle>())
+{
+}
+
 EntryPool::~EntryPool()
 {
-    for (std::size_t i = 0; i < m_constructed; ++i)
-        m_blocks[i / BlockSize][i % BlockSize].~FileInfo();
-    for (FileInfo* memory : m_memory)
-        std::free(memory);
+    std::for_each(m_blocks.begin(), m_blocks.end(), &Idle::free);
 }
 
 FileInfo* EntryPool::create()
 {
-    const std::size_t block = m_used / BlockSize;
-    if (block == m_blocks.size())
+    if (m_used == m_blocks.size() * BlockSize) {
+        m_blocks.reserve(m_used / BlockSize + 1);
         m_blocks.push_back(takeBlock());
-    FileInfo* place = m_blocks[block] + m_used % BlockSize;
-    if (m_used++ < m_constructed)
+    }
+    Block& block = m_blocks[m_used / BlockSize];
+    const std::size_t index = m_used % BlockSize;
+    FileInfo* place = block.entries + index;
+    if (index < block.constructed) {
+        if (place->sequenceFiles().size() > FewMembers)
+            m_oldMembers.push_back(place->takeMembers());
         place->~FileInfo();
-    else
-        ++m_constructed;
+    } else {
+        ++block.constructed;
+    }
+    ++m_used;
     return new (place) FileInfo();
 }
 
@@ -61,73 +71,56 @@ void EntryPool::clear()
     m_used = 0;
 }
 
-std::size_t EntryPool::blockCount() const
+EntryPool::Block EntryPool::takeBlock()
 {
-    const std::lock_guard<std::mutex> lock(m_mutex);
-    return m_blockCount;
-}
-
-FileInfo* EntryPool::takeBlock()
-{
-    FileInfo* block = nullptr;
+    Block block{nullptr, 0};
     {
-        const std::lock_guard<std::mutex> lock(m_mutex);
-        if (!m_prepared.empty()) {
-            block = m_prepared.back();
-            m_prepared.pop_back();
-            return block;
+        const std::lock_guard<std::mutex> lock(m_idle->mutex);
+        if (!m_idle->blocks.empty()) {
+            block = m_idle->blocks.back();
+            m_idle->blocks.pop_back();
         }
-        block = newBlock();
     }
-    if (!block)
-        throw std::bad_alloc();
-    if (m_blocks.empty()) // most directories need only some of the first
-        return block;
-    for (std::size_t inPlace = 0; inPlace < BlockBytes;)
-        inPlace = putInPlace(block, inPlace);
+    if (!block.entries) {
+        block.entries = static_cast<FileInfo*>(std::aligned_alloc(PageSize, BlockBytes));
+        if (!block.entries)
+            throw std::bad_alloc();
+        ++m_blockCount;
+    }
+#ifdef MADV_POPULATE_WRITE
+    // All pages at once come sooner than one by one. Of the first block most directories need only a part.
+    if (block.constructed == 0 && !m_blocks.empty())
+        ::madvise(block.entries, BlockBytes, MADV_POPULATE_WRITE);
+#endif
     return block;
 }
 
-bool EntryPool::prepare(std::size_t entries)
+std::function<void()> EntryPool::trimming()
 {
-    if (!m_preparing) {
-        const std::lock_guard<std::mutex> lock(m_mutex);
-        if ((m_blockCount + 1) * BlockSize > entries)
-            return false;
-        m_preparing = newBlock();
-        m_inPlace = 0;
+    const std::size_t kept = (m_used + BlockSize - 1) / BlockSize + SpareBlocks;
+    if (m_blocks.size() <= kept)
+        return nullptr;
+    {
+        const auto surplus = m_blocks.begin() + static_cast<std::ptrdiff_t>(kept);
+        const std::lock_guard<std::mutex> lock(m_idle->mutex);
+        // What the function puts back later fits without an allocation.
+        m_idle->blocks.reserve(m_blockCount);
+        m_idle->blocks.insert(m_idle->blocks.end(), surplus, m_blocks.end());
+        m_blocks.erase(surplus, m_blocks.end());
     }
-    if (!m_preparing)
-        return false;
-    m_inPlace = putInPlace(m_preparing, m_inPlace);
-    if (m_inPlace == BlockBytes) {
-        const std::lock_guard<std::mutex> lock(m_mutex);
-        m_prepared.push_back(std::exchange(m_preparing, nullptr));
-    }
-    return true;
-}
-
-// Obtaining memory waits while another thread has pages put in place. Blocks are therefore obtained several
-// at once, as many as there are already, within a limit. Null where there is no memory.
-FileInfo* EntryPool::newBlock()
-{
-    if (m_unused == 0) {
-        std::size_t blocks = std::min(std::max<std::size_t>(m_blockCount, 1), MostBlocksAtOnce);
-        m_memory.reserve(m_memory.size() + 1);
-        void* memory = std::aligned_alloc(PageSize, blocks * BlockBytes);
-        if (!memory && blocks > 1) {
-            blocks = 1;
-            memory = std::aligned_alloc(PageSize, BlockBytes);
+    return [idle = m_idle] {
+        std::unique_lock<std::mutex> lock(idle->mutex);
+        while (!idle->blocks.empty() && idle->blocks.back().constructed > 0) {
+            Block block = idle->blocks.back();
+            idle->blocks.pop_back();
+            lock.unlock();
+            Idle::destroyEntries(block);
+            ::madvise(block.entries, BlockBytes, MADV_DONTNEED);
+            block.constructed = 0;
+            lock.lock();
+            idle->blocks.insert(idle->blocks.begin(), block);
         }
-        if (!memory)
-            return nullptr;
-        m_next = static_cast<FileInfo*>(memory);
-        m_memory.push_back(m_next);
-        m_unused = blocks;
-    }
-    ++m_blockCount;
-    --m_unused;
-    return std::exchange(m_next, m_next + BlockSize);
+    };
 }
 
 } // namespace Halvern::UI

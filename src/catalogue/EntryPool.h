@@ -4,56 +4,60 @@
 #include "catalogue/FileInfo.h"
 
 #include <cstddef>
-#include <mutex>
+#include <functional>
+#include <map>
+#include <memory>
+#include <utility>
 #include <vector>
 
 namespace Halvern::UI {
 
-/// Makes and owns entries in contiguous blocks. Entries stay where they are until clear(); the memory of a
-/// block is kept for the next entries until the pool goes. One thread at a time, but for prepare().
+/// Makes and owns entries in contiguous blocks. Entries stay where they are until clear(); blocks are kept
+/// for the next entries until the pool is destroyed. For one thread at a time, except for what trimming()
+/// returns.
 class HVCOREUI_EXPORT EntryPool
 {
 public:
     static constexpr std::size_t BlockSize = 1024; ///< Entries in a block.
+    static constexpr std::size_t SpareBlocks = 4;  ///< Unused blocks that trimming() leaves alone.
+    using Members = std::map<int, FileInfo*>;
 
-    EntryPool() = default;
+    EntryPool();
     EntryPool(const EntryPool&) = delete;
     EntryPool& operator=(const EntryPool&) = delete;
     ~EntryPool();
 
-    /// A fresh entry, FileInfo(), owned by the pool.
+    /// A new entry, FileInfo(), owned by the pool. Throws `std::bad_alloc`.
     FileInfo* create();
-    /// Gives up every entry and begins again with the first block. What an entry owns is freed when its place
-    /// is used again, or when the pool goes, so that this takes no time however many entries there are.
+    /// Gives up all entries and begins again with the first block. What an entry owns is freed when its place
+    /// is used again, so that this takes no time.
     void clear();
-    /// Blocks in use or prepared so far; grows only where more entries are alive than ever before.
-    std::size_t blockCount() const;
+    /// Blocks obtained so far; grows only if more entries are alive than ever before.
+    std::size_t blockCount() const { return m_blockCount; }
 
-    /// Goes on with getting a block ahead of its use, with all its memory in place: the system is slow to
-    /// give memory that is touched for the first time. Each call does a little of it, for milliseconds at
-    /// most. A block that was begun is completed; false where no other is to be begun: @p entries entries
-    /// would not fill it, besides those that the pool has, or there is no memory. May be called by another
-    /// thread while the pool lives.
-    bool prepare(std::size_t entries);
+    /// The members of long sequences whose places were used again. Destroying them takes time, and may be
+    /// done on any thread.
+    std::vector<Members> takeOldMembers() { return std::exchange(m_oldMembers, {}); }
+    /// A function that destroys what is in unused blocks and gives their memory pages back to the system;
+    /// null if there is little to give back. It takes time and may run on any thread, also after the pool is
+    /// gone. The blocks stay with the pool.
+    std::function<void()> trimming();
 
 private:
-    FileInfo* takeBlock();
-    FileInfo* newBlock();
+    struct Block
+    {
+        FileInfo* entries;
+        std::size_t constructed; // the first so many
+    };
+    struct Idle;
 
-    std::vector<FileInfo*> m_blocks; // raw memory in use; m_constructed entries of it are constructed
-    std::size_t m_used = 0;          // the others are left from before clear()
-    std::size_t m_constructed = 0;
+    Block takeBlock();
 
-    // Of the thread that prepares.
-    FileInfo* m_preparing = nullptr; // the block that is not in place as a whole yet
-    std::size_t m_inPlace = 0;       // bytes of it that are
-
-    mutable std::mutex m_mutex;        // guards what is below
-    std::vector<FileInfo*> m_memory;   // what was obtained: one block or several each
-    FileInfo* m_next = nullptr;        // the next unused block of the last memory
-    std::size_t m_unused = 0;          // unused blocks from there on
-    std::vector<FileInfo*> m_prepared; // blocks that have all their memory in place
-    std::size_t m_blockCount = 0;      // blocks in use or prepared
+    std::vector<Block> m_blocks; // those in use come first
+    std::size_t m_used = 0;      // entries
+    std::size_t m_blockCount = 0;
+    std::vector<Members> m_oldMembers;
+    std::shared_ptr<Idle> m_idle; // blocks that trimming() took
 };
 
 } // namespace Halvern::UI

@@ -9,13 +9,16 @@
 #include <cstring>
 #include <dirent.h>
 #include <fcntl.h>
+#include <memory>
+#include <new>
 #include <unistd.h>
 
 namespace Halvern::UI {
 
 namespace {
 
-constexpr std::size_t PatientlyWaiting = 4; // batches that keep the GUI thread busy
+constexpr char DirectoryMark = 'd';
+constexpr char OtherMark = 'f';
 
 // The type of an entry for which the file system gave none.
 int queriedKind(int folder, const char* name)
@@ -26,19 +29,19 @@ int queriedKind(int folder, const char* name)
     return S_ISDIR(status->st_mode) ? DT_DIR : DT_REG;
 }
 
-// A query that fails gives a record too, so that the records after it keep their places.
-FileInfoWrapper queriedInfo(int folder, const char* name)
+// A query that fails gives a record too, so that the records after it keep their places. A folder stays a
+// folder.
+FileInfoWrapper queriedInfo(int folder, const char* name, bool isDirectory)
 {
     const auto status = Base::fileStatus(name, folder);
     if (!status)
-        return {};
+        return {0, isDirectory, 0};
     return {static_cast<unsigned long long>(status->st_size), S_ISDIR(status->st_mode), status->st_mtime};
 }
 
 } // namespace
 
-FileGatherer::FileGatherer(Preparation preparation)
-    : m_preparation(std::move(preparation))
+FileGatherer::FileGatherer()
 {
     setObjectName(QStringLiteral("FileGatherer"));
     connect(this, SIGNAL(finished()), this, SLOT(threadFinished()));
@@ -60,14 +63,9 @@ void FileGatherer::prepare(const std::string& directory)
 
 void FileGatherer::discardBatches()
 {
-    const auto left = std::make_shared<std::vector<NameQueue::BatchPointer>>(m_names.reset());
-    left->erase(std::remove(left->begin(), left->end(), nullptr), left->end());
-    if (!left->empty()) {
-        disposeOf([left] {
-            left->pop_back();
-            return !left->empty();
-        });
-    }
+    auto left = m_names.reset();
+    if (std::any_of(left.begin(), left.end(), [](const auto& batch) { return batch != nullptr; }))
+        Base::callInBackground([left = std::move(left)] {});
     m_infos.reset();
     m_allNamesRead = false;
     m_error = 0;
@@ -78,6 +76,12 @@ void FileGatherer::startReading(const std::string& directory)
 {
     prepare(directory);
     start();
+    if (isRunning() || isFinished())
+        return;
+    m_keepRunning = false;
+    m_endAnnounced = true;
+    m_error = EAGAIN;
+    m_allNamesRead = true;
 }
 
 void FileGatherer::readNow(const std::string& directory)
@@ -120,44 +124,46 @@ bool FileGatherer::hasArrivals() const
 
 void FileGatherer::run()
 {
-    m_readNames.clear();
-    m_readCount = 0;
-    const int folder = Base::uninterrupted(
-        [this] { return ::open(m_directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC); });
-    if (folder < 0)
-        m_error = errno;
-    readNames(folder);
-    readAttributes(folder);
-    if (folder >= 0)
-        ::close(folder);
+    try {
+        read();
+    } catch (const std::bad_alloc&) {
+        m_error = ENOMEM;
+        m_readNames.clear();
+        if (m_allNamesRead)
+            announce([this] { emit fileInfoBatchReady(); });
+        else
+            finishNames();
+    }
     m_names.dropSpares();
-    while (m_keepRunning && !m_garbage.empty())
-        disposeOfSome();
     m_runsEnded.fetch_add(1, std::memory_order_release);
-}
-
-void FileGatherer::disposeOfSome()
-{
-    if (!m_garbage.empty() && !m_garbage.back()())
-        m_garbage.pop_back();
 }
 
 // Stopping waits for one call to the file system at most: after each that may be slow the run looks whether
 // it is still wanted.
-void FileGatherer::readNames(int folder)
+void FileGatherer::read()
 {
-    if (!m_keepRunning)
-        return;
-    // The stream closes the descriptor it is given, and the attributes are read after it.
-    const int copy = folder >= 0 ? ::fcntl(folder, F_DUPFD_CLOEXEC, 0) : -1;
-    DIR* stream = copy >= 0 ? Base::uninterrupted([copy] { return ::fdopendir(copy); }) : nullptr;
-    if (!stream && folder >= 0)
+    m_readNames.clear();
+    m_readCount = 0;
+    const int file = Base::uninterrupted(
+        [this] { return ::open(m_directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC); });
+    DIR* const opened =
+        file >= 0 && m_keepRunning ? Base::uninterrupted([file] { return ::fdopendir(file); }) : nullptr;
+    if (!opened)
         m_error = errno;
-    if (!stream && copy >= 0)
-        ::close(copy);
+    if (!opened && file >= 0)
+        ::close(file);
+    const std::unique_ptr<DIR, int (*)(DIR*)> folder(opened, &::closedir);
+    if (folder)
+        readNames(folder.get(), file);
+    finishNames();
+    readAttributes(file);
+}
+
+void FileGatherer::readNames(DIR* stream, int folder)
+{
     FileNameRecord record;
-    std::vector<FileNameRecord> untyped; // a type is missing; those behind it wait too, for the order's sake
-    while (stream && m_keepRunning) {
+    std::vector<FileNameRecord> untyped; // a type is missing; those after it wait too, for the order's sake
+    while (m_keepRunning) {
         const dirent* entry = Base::uninterrupted([stream] { return ::readdir(stream); });
         if (!entry)
             m_error = errno;
@@ -172,28 +178,32 @@ void FileGatherer::readNames(int folder)
         if (untyped.size() == NameBatchSize)
             addUntyped(folder, untyped);
     }
-    if (stream)
-        ::closedir(stream);
     addUntyped(folder, untyped);
+}
+
+void FileGatherer::finishNames()
+{
     if (!m_keepRunning)
         return;
-    if (m_names.finish())
-        emit fileNameBatchReady();
+    try {
+        if (m_names.finish())
+            announce([this] { emit fileNameBatchReady(); });
+    } catch (const std::bad_alloc&) {
+        m_error = ENOMEM; // without the names of the last batch
+    }
     m_allNamesRead = true;
-    emit fileNameFinished(false);
-    prepareWhileWaited(0);
+    announce([this] { emit fileNameFinished(false); });
 }
 
 void FileGatherer::addName(const FileNameRecord& record)
 {
     if (m_readCount++ % NameBatchSize == 0)
         m_readNames.emplace_back();
-    m_readNames.back().append(record.name).push_back('\0');
-    if (m_names.append(record)) {
-        emit fileNameBatchReady();
-        disposeOfSome();
-        prepareWhileWaited(PatientlyWaiting);
-    }
+    std::string& names = m_readNames.back();
+    names.push_back(record.kind == DT_DIR ? DirectoryMark : OtherMark);
+    names.append(record.name).push_back('\0');
+    if (m_names.append(record))
+        announce([this] { emit fileNameBatchReady(); });
 }
 
 void FileGatherer::addUntyped(int folder, std::vector<FileNameRecord>& records)
@@ -210,16 +220,9 @@ void FileGatherer::addUntyped(int folder, std::vector<FileNameRecord>& records)
     records.clear();
 }
 
-// Making entries of names takes longer than reading them, above all for want of memory to make them in.
-void FileGatherer::prepareWhileWaited(std::size_t mostWaiting)
-{
-    while (m_preparation && m_keepRunning && m_names.waiting() > mostWaiting && m_preparation(m_readCount)) {
-    }
-}
-
 void FileGatherer::readAttributes(int folder)
 {
-    std::vector<const char*> names;
+    std::vector<const char*> names; // with their marks
     for (std::string& batch : m_readNames) {
         const char* const end = batch.data() + batch.size();
         for (const char* name = batch.data(); name != end;) {
@@ -233,7 +236,7 @@ void FileGatherer::readAttributes(int folder)
         batch = std::string();
     }
     if (m_keepRunning && m_infos.finish())
-        emit fileInfoBatchReady();
+        announce([this] { emit fileInfoBatchReady(); });
 }
 
 void FileGatherer::readAttributes(int folder, const std::vector<const char*>& names)
@@ -241,14 +244,30 @@ void FileGatherer::readAttributes(int folder, const std::vector<const char*>& na
     std::vector<FileInfoWrapper> infos(names.size());
     Base::callEach(names.size(), [&](std::size_t index) {
         if (m_keepRunning)
-            infos[index] = queriedInfo(folder, names[index]);
+            infos[index] = queriedInfo(folder, names[index] + 1, *names[index] == DirectoryMark);
     });
     if (!m_keepRunning)
         return;
     for (const FileInfoWrapper& info : infos) {
-        if (m_infos.append(info)) {
-            emit fileInfoBatchReady();
-            disposeOfSome();
+        if (m_infos.append(info))
+            announce([this] { emit fileInfoBatchReady(); });
+    }
+}
+
+// A signal to another thread needs memory. Without it nobody would ever learn of the end.
+template <class Announcement>
+void FileGatherer::announce(Announcement announcement)
+{
+    while (true) {
+        try {
+            announcement();
+            return;
+        } catch (const std::bad_alloc&) {
+            if (QThread::currentThread() != this)
+                throw;
+            if (!m_keepRunning)
+                return;
+            msleep(1);
         }
     }
 }

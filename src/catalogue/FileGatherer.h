@@ -5,8 +5,7 @@
 
 #include <QThread>
 #include <atomic>
-#include <functional>
-#include <memory>
+#include <dirent.h>
 #include <string>
 #include <vector>
 
@@ -21,10 +20,9 @@ struct FileNameRecord
 
 /// Reads one directory at a time for a FileManager, first all names and then the attributes of each, and
 /// hands both over in batches. The object lives on the manager's thread and belongs to it; run() is what
-/// works on the other thread, which has others ask with it where the file system takes its time for each
-/// answer. The signals only say that something is there to be taken: one that a stopped
-/// run left in the queue finds nothing of that run, and what it takes of the next run would have been taken a
-/// moment later.
+/// works on the other thread; if the file system is slow, others ask with it. The signals only say that
+/// something can be taken: one that a stopped run left in the queue finds nothing of that run, and what it
+/// takes of the next run would have been taken a moment later.
 class FileGatherer : public QThread
 {
     Q_OBJECT
@@ -36,14 +34,12 @@ public:
     using NameQueue = BatchQueue<FileNameRecord>;
     using InfoQueue = BatchQueue<FileInfoWrapper>;
 
-    /// What the worker does while the GUI thread lags behind, a little at each call, for the given number of
-    /// names that have been read; false where nothing is left to do.
-    using Preparation = std::function<bool(std::size_t names)>;
-
-    explicit FileGatherer(Preparation preparation = nullptr);
+    FileGatherer();
     ~FileGatherer() override;
 
-    /// Begins to read @p directory on the worker thread. No run may be under way.
+    /// Begins to read @p directory on the worker thread. No run may be under way. If the system has no
+    /// thread, the run has ended when this returns: without names, with EAGAIN as error(), and without
+    /// signals.
     void startReading(const std::string& directory);
     /// Reads @p directory on the calling thread and returns when all is read.
     void readNow(const std::string& directory);
@@ -60,25 +56,22 @@ public:
     InfoQueue::BatchPointer takeInfos();
     /// True once in a run: when all its names were read and taken.
     bool takeNamesFinished();
+    /// Whether takeNamesFinished() has said true in this run.
+    bool areNamesAnnounced() const { return m_namesAnnounced; }
     /// Whether all names of the run were read and taken.
     bool areNamesTaken() const { return m_allNamesRead && !m_names.hasNext(); }
-    /// Why names of the run are missing: an error number of the system, 0 while none is known to be.
+    /// Why names or attributes of the run are missing: an error number of the system, 0 if none is known to
+    /// be.
     int error() const { return m_error; }
     /// Whether takeNames() has something to give.
     bool hasNames() const { return m_names.hasNext(); }
     /// Whether one of the three has something to give.
     bool hasArrivals() const;
 
-    /// Frees a little of something large at each call; false when nothing is left of it.
-    using Disposal = std::function<bool()>;
-    /// Leaves the end of something large to the worker, a little for each batch of its next runs. No run may
-    /// be under way.
-    void disposeOf(Disposal disposal) { m_garbage.push_back(std::move(disposal)); }
-
 signals:
     /// A batch of names is complete.
     void fileNameBatchReady();
-    /// A batch of attributes is complete.
+    /// A batch of attributes is complete, or error() has changed.
     void fileInfoBatchReady();
     /// The names are complete. The argument is false: their attributes are still to come.
     void fileNameFinished(bool withInfo);
@@ -94,21 +87,21 @@ private slots:
 private:
     void prepare(const std::string& directory);
     void discardBatches();
-    void readNames(int folder);
+    void read();
+    void readNames(DIR* stream, int folder);
+    void finishNames();
     void addName(const FileNameRecord& record);
     void addUntyped(int folder, std::vector<FileNameRecord>& records);
     void readAttributes(int folder);
     void readAttributes(int folder, const std::vector<const char*>& names);
-    void disposeOfSome();
-    void prepareWhileWaited(std::size_t mostWaiting);
+    template <class Announcement>
+    void announce(Announcement announcement);
 
-    // Set by the GUI thread while no worker runs, read by the worker.
-    std::string m_directory;
-    std::vector<Disposal> m_garbage; // emptied by the worker
+    std::string m_directory; // set by the GUI thread while no worker runs, read by the worker
 
     // Worker only.
-    const Preparation m_preparation;
-    std::vector<std::string> m_readNames; // one text for each batch, every name terminated
+    std::vector<std::string>
+        m_readNames; // a text for each batch; each name follows its kind and is terminated
     std::size_t m_readCount = 0;
 
     // Shared by both threads.

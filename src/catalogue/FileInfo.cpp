@@ -12,6 +12,7 @@
 #include <cstring>
 #include <set>
 #include <string>
+#include <utility>
 
 namespace Halvern::UI {
 
@@ -173,10 +174,15 @@ void FileInfo::insertSequenceFile(int frame, FileInfo* file)
     ++m_sequenceFileCount;
 }
 
+std::map<int, FileInfo*> FileInfo::takeMembers()
+{
+    m_sequenceFileCount = 0;
+    return std::exchange(m_sequenceFiles, {});
+}
+
 void FileInfo::clearSequenceList()
 {
-    m_sequenceFiles.clear();
-    m_sequenceFileCount = 0;
+    takeMembers();
 }
 
 void FileInfo::synchSequenceData()

@@ -117,6 +117,8 @@ public:
 
     /// Adds a member under its frame. The first member of a frame is kept; a later one only counts.
     void insertSequenceFile(int frame, FileInfo* file);
+    /// Gives up the members, as clearSequenceList() does, and returns them.
+    std::map<int, FileInfo*> takeMembers();
     /// Forgets all members; frameRanges() stays.
     void clearSequenceList();
     /// Lets constructSequenceName() build the name again, for a sequence that gained a member.

@@ -1,20 +1,26 @@
 #include "catalogue/FileManager.h"
 
 #include "base/FileSystem.h"
+#include "base/SlowCalls.h"
 #include "base/Text.h"
 #include "catalogue/FileGatherer.h"
 #include "catalogue/NameOrder.h"
+#include "catalogue/SequenceIndex.h"
+#include "frames/FrameName.h"
 
+#include <QElapsedTimer>
 #include <QPointer>
 #include <QTimer>
 #include <cerrno>
 #include <dirent.h>
+#include <new>
+#include <unistd.h>
+#include <utility>
 
 namespace Halvern::UI {
 
 namespace {
 
-constexpr std::size_t TypicalFileCount = 4000;
 constexpr qint64 TurnShare = 8; // milliseconds
 
 constexpr const char* builtInSequenceExtensions[] = {
@@ -22,6 +28,16 @@ constexpr const char* builtInSequenceExtensions[] = {
     "ftif",  "ftiff", "gif",   "hdr", "hdri", "iff",  "iff16", "it8",    "jpg", "jpeg",
     "pic",   "png",   "png16", "psd", "rgb",  "rgba", "rgbe",  "rgbea",  "rla", "sgi",
     "sgi16", "sxr",   "targa", "tga", "tif",  "tiff", "tif16", "tiff16", "xpm", "yuv"};
+
+void setInitialSequenceExtensions()
+{
+    static bool done = false;
+    if (done)
+        return;
+    done = true;
+    for (const char* extension : builtInSequenceExtensions)
+        FileInfo::addSequenceFileExtension(extension);
+}
 
 // 0 if the directory can be opened, else the system's error number.
 int errorOfOpening(const std::string& path)
@@ -35,34 +51,138 @@ int errorOfOpening(const std::string& path)
 
 } // namespace
 
-FileManager::FileManager()
-    : gatherer(std::make_unique<FileGatherer>([this](std::size_t names) { return pool.prepare(names); }))
-    , arrivalsTimer(new QTimer(this))
+struct FileManager::Private
 {
-    arrivalsTimer->setSingleShot(true);
-    arrivalsTimer->setTimerType(Qt::PreciseTimer);
-    connect(arrivalsTimer, SIGNAL(timeout()), this, SLOT(takeArrivals()));
-    files.reserve(TypicalFileCount);
-    sequenceOf.reserve(TypicalFileCount);
+    // Qt delivers all that was posted before it looks at the mouse or a timer again, and the worker can post
+    // as fast as this thread takes it. So there is a share for each turn of the event loop; what is beyond it
+    // waits for the timer, which becomes due in the turn and is served in the next.
+    void beginTurn()
+    {
+        turn.start();
+        arrivalsTimer.start(1);
+    }
+    bool turnIsOver() const { return !readingSynchronously && turn.elapsed() >= TurnShare; }
+
+    // False if memory for it could not be had, which ends the read.
+    template <class Work>
+    bool attempt(Work work)
+    {
+        try {
+            work();
+            return true;
+        } catch (const std::bad_alloc&) {
+            gatherer.stop();
+            nameOrder.reset();
+            readError = ENOMEM;
+            return false;
+        }
+    }
+
+    void insert(const std::vector<FileNameRecord>& names);
+    void takeNames();
+    bool prepareList();
+    void trimPool();
+
+    const pid_t process = ::getpid();
+    QPointer<FileManager> self; // copied without an allocation
+    std::string currentDirectory;
+    SequenceIndex index;
+    FileGatherer gatherer;
+    QTimer arrivalsTimer; // its timeout begins the next turn
+    QElapsedTimer turn;
+    FileGatherer::NameQueue::BatchPointer pendingNames;
+    std::unique_ptr<NameOrder> nameOrder; // of all files; null if it is not wanted
+    int readError = 0;
+    unsigned generation = 0;
+    bool reevaluationEnabled = false;
+    bool namesOrdered = false;
+    bool readingSynchronously = false;
+};
+
+void FileManager::Private::insert(const std::vector<FileNameRecord>& names)
+{
+    if (nameOrder && nameOrder->isFinishing())
+        nameOrder.reset();
+    for (const FileNameRecord& record : names) {
+        const FileInfo* file = index.add(record.name, record.kind == DT_DIR);
+        if (nameOrder)
+            nameOrder->add(file);
+    }
+    auto left = index.pool().takeOldMembers();
+    if (!left.empty())
+        Base::callInBackground([left = std::move(left)] {});
+}
+
+void FileManager::Private::takeNames()
+{
+    if (auto names = gatherer.takeNames()) {
+        insert(*names);
+        gatherer.giveBackNames(std::move(names));
+    }
+}
+
+// What is left to do when all names are taken; false if the turn is over and not all is done.
+bool FileManager::Private::prepareList()
+{
+    constexpr std::size_t AtOnce = 1000;
+    while (!index.settle(AtOnce) || (nameOrder && !nameOrder->finish(AtOnce))) {
+        if (turnIsOver())
+            return false;
+    }
+    return true;
+}
+
+void FileManager::Private::trimPool()
+{
+    if (auto trimming = index.pool().trimming())
+        Base::callInBackground(std::move(trimming));
+}
+
+FileManager::FileManager()
+    : d(std::make_unique<Private>())
+{
     setInitialSequenceExtensions();
-    connect(gatherer.get(), SIGNAL(fileNameBatchReady()), this, SLOT(fileNameBatchReady()));
-    connect(gatherer.get(), SIGNAL(fileInfoBatchReady()), this, SLOT(fileInfoBatchReady()));
-    connect(gatherer.get(), SIGNAL(fileNameFinished(bool)), this, SLOT(fileNameFinished(bool)));
+    connectWorker();
 }
 
 FileManager::~FileManager()
 {
-    gatherer->stop();
+    if (d->process != ::getpid())
+        leaveToParentProcess();
 }
 
-void FileManager::setInitialSequenceExtensions()
+void FileManager::connectWorker()
 {
-    static bool done = false;
-    if (done)
+    d->self = this;
+    d->arrivalsTimer.setSingleShot(true);
+    d->arrivalsTimer.setTimerType(Qt::PreciseTimer);
+    connect(&d->arrivalsTimer, SIGNAL(timeout()), this, SLOT(takeArrivals()));
+    connect(&d->gatherer, SIGNAL(fileNameBatchReady()), this, SLOT(takeArrivals()));
+    connect(&d->gatherer, SIGNAL(fileInfoBatchReady()), this, SLOT(takeArrivals()));
+    connect(&d->gatherer, SIGNAL(fileNameFinished(bool)), this, SLOT(takeArrivals()));
+}
+
+// The worker runs in the process that forked this one. Here nobody would ever end it, and the locks that it
+// held stay locked.
+void FileManager::leaveToParentProcess()
+{
+    [[maybe_unused]] static Private* left; // for leak checkers
+    left = d.release();
+}
+
+void FileManager::leaveParentProcess()
+{
+    if (d->process == ::getpid())
         return;
-    done = true;
-    for (const char* extension : builtInSequenceExtensions)
-        addSequenceFileExtension(extension);
+    auto own = std::make_unique<Private>();
+    own->currentDirectory = d->currentDirectory;
+    own->index.setAssumeZeroPadding(d->index.assumesZeroPadding());
+    own->generation = d->generation + 1;
+    own->reevaluationEnabled = d->reevaluationEnabled;
+    own->namesOrdered = d->namesOrdered;
+    leaveToParentProcess();
+    d = std::move(own);
+    connectWorker();
 }
 
 bool FileManager::getFilesFromFolder(const std::string& path, bool force)
@@ -77,34 +197,39 @@ bool FileManager::getFilesFromFolderSynchronously(const std::string& path, bool 
 
 bool FileManager::getFilesFromFolderPrivate(const std::string& path, bool force, bool asynchronous)
 {
-    if (readingSynchronously)
+    if (d->readingSynchronously)
         return false;
+    leaveParentProcess();
     const int error = errorOfOpening(path);
-    const bool samePath = path == currentDirectory;
-    if (samePath && !force && error == 0 && m_readError == 0)
+    const bool samePath = path == d->currentDirectory;
+    if (samePath && !force && error == 0 && d->readError == 0)
         return false;
-    gatherer->stop();
-    currentDirectory = path;
-    m_readError = error;
+    d->gatherer.stop();
+    if (error == 0 || !samePath)
+        cleanData();
+    if (!d->attempt([&] { d->currentDirectory = path; }))
+        return false;
+    d->readError = error;
     if (error != 0) {
-        if (!samePath)
-            cleanData();
+        d->trimPool();
         return false;
     }
-    if (asynchronous) {
-        leaveToWorker(entriesByName);
-        leaveToWorker(splitFollowers);
-        leaveToWorker(hostFollowers);
-    }
-    cleanData();
-    if (asynchronous) {
-        gatherer->startReading(path);
-    } else {
-        readingSynchronously = true;
-        gatherer->readNow(path);
-        readingSynchronously = false;
-    }
-    return true;
+    d->readingSynchronously = !asynchronous;
+    const bool begun = d->attempt([&] {
+        if (asynchronous) {
+            d->beginTurn();
+            d->gatherer.startReading(path);
+        } else {
+            d->gatherer.readNow(path);
+        }
+    });
+    d->readingSynchronously = false;
+    return begun;
+}
+
+int FileManager::readError() const
+{
+    return d->readError;
 }
 
 std::vector<std::string> FileManager::getFilenameList(const std::string& path, bool splitGaps, bool longNames,
@@ -116,280 +241,224 @@ std::vector<std::string> FileManager::getFilenameList(const std::string& path, b
     std::vector<FileInfo*> entries;
     buildRunningList(&entries, splitGaps ? Base::FileHandle::RegisteredSplitSequences
                                          : Base::FileHandle::RegisteredSequences);
-    for (const FileInfo* entry : entries) {
-        if ((entry->isDirectory() && !includeDirectories) ||
-            (entry->displayName()[0] == '.' && !includeHidden))
-            continue;
-        if (entry->isSequence() && longNames)
-            names.push_back(entry->getSequenceLongName().toLatin1().toStdString());
-        else
-            names.emplace_back(entry->displayName());
-    }
+    d->attempt([&] {
+        for (const FileInfo* entry : entries) {
+            if ((entry->isDirectory() && !includeDirectories) ||
+                (entry->displayName()[0] == '.' && !includeHidden))
+                continue;
+            if (entry->isSequence() && longNames)
+                names.push_back(entry->getSequenceLongName().toLatin1().toStdString());
+            else
+                names.emplace_back(entry->displayName());
+        }
+    });
     return names;
 }
 
 void FileManager::setFiles(const std::list<std::string>& names)
 {
-    auto records = std::make_shared<std::vector<FileNameRecord>>(names.size());
-    auto record = records->begin();
-    for (const std::string& name : names) {
-        Base::copyTruncated(record->name, name.c_str());
-        record->kind = 0;
-        ++record;
-    }
-    pendingNames = std::move(records);
+    d->attempt([&] {
+        auto records = std::make_shared<std::vector<FileNameRecord>>(names.size());
+        auto record = records->begin();
+        for (const std::string& name : names) {
+            Base::copyTruncated(record->name, name.c_str());
+            record->kind = 0;
+            ++record;
+        }
+        d->pendingNames = std::move(records);
+    });
 }
 
 void FileManager::insertFiles()
 {
-    const auto names = std::exchange(pendingNames, nullptr);
-    if (!names || names->empty())
-        return;
-    forgetSplitSequences();
-    if (nameOrder && nameOrder->isFinishing())
-        nameOrder.reset();
-    for (const FileNameRecord& record : *names) {
-        FileInfo* file = pool.create();
-        file->setBasicInformation(record.name, false);
-        file->setIsDirectory(record.kind == DT_DIR);
-        files.push_back(file);
-        sequenceOf.push_back(nullptr);
-        if (nameOrder)
-            nameOrder->add(file);
-        enterFile(files.size() - 1, true);
-    }
+    if (const auto names = std::exchange(d->pendingNames, nullptr))
+        d->attempt([&] { d->insert(*names); });
 }
 
 void FileManager::cleanData()
 {
-    gatherer->stop(); // what is still to come belongs to entries that go
-    grownPatterns.clear();
-    patterns.clear();
-    entriesByName.clear();
-    splitFollowers.clear();
-    hostFollowers.clear();
-    files.clear();
-    sequenceOf.clear();
-    sequences.clear();
-    sequencesInUse = 0;
-    forgetSplitSequences();
-    nameOrder = namesOrdered ? std::make_unique<NameOrder>() : nullptr;
-    unsummed.clear();
-    infoCursor = 0;
-    splitIndex = 0;
-    pool.clear();
-    ++entryGeneration;
-}
-
-// Freeing a node for each of a million files takes longer than a click may.
-template <class Container>
-void FileManager::leaveToWorker(Container& container)
-{
-    if (container.empty())
-        return;
-    const auto left = std::make_shared<Container>(std::exchange(container, Container()));
-    gatherer->disposeOf([left] {
-        constexpr int Slice = 4096;
-        for (int i = 0; i < Slice && !left->empty(); ++i)
-            left->erase(left->begin());
-        return !left->empty();
-    });
+    leaveParentProcess();
+    d->gatherer.stop(); // what is still to come belongs to entries that go
+    auto left = d->index.clear();
+    // Freeing a node for each of a million files takes longer than a click may.
+    if (left.isLarge())
+        Base::callInBackground([left = std::move(left)] {});
+    d->nameOrder.reset();
+    if (d->namesOrdered)
+        d->attempt([this] { d->nameOrder = std::make_unique<NameOrder>(); });
+    ++d->generation;
 }
 
 void FileManager::updateInfo(const std::vector<FileInfoWrapper>* batch, bool announce)
 {
     if (!batch)
         return;
-    if (reevaluationEnabled)
-        reevaluateSequences();
-    addArrivedMembers();
-    const int first = infoCursor;
-    for (const FileInfoWrapper& info : *batch) {
-        const auto index = static_cast<std::size_t>(infoCursor);
-        if (index == files.size())
-            break;
-        applyInfo(index, info);
-        ++infoCursor;
-    }
-    for (FileInfo* sequence : unsummed)
-        sequence->synchSequenceData();
-    unsummed.clear();
+    const auto first = static_cast<int>(d->index.knownCount());
+    d->attempt([&] {
+        if (d->reevaluationEnabled)
+            d->index.regroup();
+        d->index.apply(*batch);
+    });
     if (!announce)
         return;
-    if (reevaluationEnabled)
+    if (d->reevaluationEnabled)
         emit refreshList();
     else
-        emit infoUpdated(first, infoCursor - first);
+        emit infoUpdated(first, static_cast<int>(d->index.knownCount()) - first);
 }
 
-// What contains the file follows the one change. Summing over all members again at every batch would make the
-// work grow with the square of the directory.
-void FileManager::applyInfo(std::size_t index, const FileInfoWrapper& info)
+void FileManager::setAssumeZeroPadding(bool assume)
 {
-    FileInfo* file = files[index];
-    const unsigned long long previousSize = file->size();
-    // Set by a host, in which case the sums know nothing of it.
-    const bool wasSet = file->isInfoValid();
-    file->setAdditionalInfo(info);
-    FileInfo* sequence = sequenceOf[index];
-    if (sequence && wasSet)
-        unsummed.insert(sequence);
-    else if (sequence && sequence->sequenceFileCount() >= 2)
-        sequence->updateFromMember(previousSize, *file);
-    for (const Followers* followers : {&splitFollowers, &hostFollowers}) {
-        const auto range = followers->equal_range(file);
-        for (auto follower = range.first; follower != range.second; ++follower)
-            follower->second->updateFromMember(previousSize, *file);
+    d->index.setAssumeZeroPadding(assume);
+}
+
+void FileManager::setReevaluationEnabled(bool enabled)
+{
+    d->reevaluationEnabled = enabled;
+}
+
+void FileManager::reevaluateSequences()
+{
+    d->attempt([this] { d->index.regroup(); });
+}
+
+void FileManager::createSecondarySequence(FileInfo* sequence, const char* pattern, int digits, bool padded,
+                                          int frame, FileInfo* member)
+{
+    d->attempt([&] { d->index.makeSequence(sequence, pattern, digits, padded, frame, member); });
+}
+
+void FileManager::createSplitSequences()
+{
+    d->attempt([this] { d->index.split(); });
+}
+
+void FileManager::buildRunningList(std::vector<FileInfo*>* out, Base::FileHandle::ListType type)
+{
+    try {
+        d->index.rows(*out, type);
+    } catch (const std::bad_alloc&) {
+        out->clear();
+        d->readError = ENOMEM;
     }
 }
 
-FileInfo* FileManager::createEntry()
+bool FileManager::isSequence(const char* name, int& frame, char* pattern, int& digits, bool& padded)
 {
-    return pool.create();
-}
-
-void FileManager::followMembers(FileInfo* sequence)
-{
-    if (isInfoComplete())
-        return;
-    for (const auto& member : sequence->sequenceFiles()) {
-        if (member.second)
-            hostFollowers.emplace(member.second, sequence);
-    }
-}
-
-void FileManager::forgetFollowers()
-{
-    hostFollowers.clear();
-}
-
-// Qt delivers all that was posted before it looks at the mouse or a timer again, and the worker can post as
-// fast as this thread works it off. So there is a share for each turn of the event loop; what is beyond it
-// waits for the timer, which becomes due in the turn and is served in the next.
-bool FileManager::mayTakeNow()
-{
-    if (readingSynchronously || sender() != gatherer.get())
-        return true;
-    if (!arrivalsTimer->isActive())
-        beginTurn();
-    return !turnIsOver();
-}
-
-void FileManager::beginTurn()
-{
-    turn.start();
-    arrivalsTimer->start(1);
-}
-
-bool FileManager::turnIsOver() const
-{
-    return turn.elapsed() >= TurnShare;
-}
-
-void FileManager::takeArrivals()
-{
-    if (!gatherer->hasArrivals())
-        return;
-    beginTurn();
-    const QPointer<FileManager> alive(this);
-    while (alive && gatherer->hasArrivals() && !turnIsOver()) {
-        if (gatherer->hasNames())
-            takeNames();
-        else if (!prepareListInTurn())
-            return;
-        else if (takeNamesFinished())
-            announceNames(false);
-        else if (const auto infos = gatherer->takeInfos())
-            updateInfo(infos.get(), true);
-    }
-}
-
-// What is left to do when all names are taken; false when the turn is over and not all is done.
-bool FileManager::prepareListInTurn()
-{
-    constexpr std::size_t NamesAtOnce = 1000;
-    if (!addArrivedMembersInTurn())
-        return false;
-    while (nameOrder && !nameOrder->finish(NamesAtOnce)) {
-        if (!readingSynchronously && turnIsOver())
-            return false;
-    }
-    return true;
-}
-
-void FileManager::setNamesOrdered(bool ordered)
-{
-    namesOrdered = ordered;
-    if (!ordered)
-        nameOrder.reset();
-}
-
-NameOrder FileManager::takeNameOrder()
-{
-    if (!nameOrder || !nameOrder->isFinishing())
-        return NameOrder();
-    const auto taken = std::exchange(nameOrder, nullptr);
-    taken->finish();
-    return std::move(*taken);
-}
-
-void FileManager::takeNames()
-{
-    if (auto names = gatherer->takeNames()) {
-        pendingNames = names;
-        insertFiles();
-        gatherer->giveBackNames(std::move(names));
-    }
-}
-
-void FileManager::fileNameBatchReady()
-{
-    if (mayTakeNow())
-        takeNames();
-}
-
-void FileManager::fileInfoBatchReady()
-{
-    if (!mayTakeNow())
-        return;
-    const auto infos = gatherer->takeInfos();
-    updateInfo(infos.get(), true);
-}
-
-void FileManager::fileNameFinished(bool withInfo)
-{
-    const bool announced = sender() == gatherer.get();
-    if (!mayTakeNow())
-        return;
-    // A stopped run may have left its announcement in the queue, and names may still wait for their turn.
-    if (announced && (!gatherer->areNamesTaken() || !prepareListInTurn() || !takeNamesFinished()))
-        return;
-    announceNames(withInfo);
-}
-
-bool FileManager::takeNamesFinished()
-{
-    if (!gatherer->takeNamesFinished())
-        return false;
-    m_readError = gatherer->error();
-    return true;
-}
-
-void FileManager::announceNames(bool withInfo)
-{
-    if (withInfo) {
-        const auto infos = gatherer->takeInfos();
-        updateInfo(infos.get(), false);
-    }
-    const QPointer<FileManager> self(this);
-    emit refreshList();
-    if (withInfo && self)
-        emit infoUpdated(0, -1);
+    return FrameName::read(name, frame, pattern, digits, padded);
 }
 
 void FileManager::addSequenceFileExtension(const char* extension)
 {
     FileInfo::addSequenceFileExtension(extension);
+}
+
+std::shared_ptr<const void> FileManager::entryStorage() const
+{
+    return d->index.storage();
+}
+
+FileInfo* FileManager::createEntry()
+{
+    return d->index.createEntry();
+}
+
+void FileManager::followMembers(FileInfo* sequence)
+{
+    d->attempt([&] { d->index.follow(sequence); });
+}
+
+void FileManager::forgetFollowers()
+{
+    d->index.forgetFollowers();
+}
+
+void FileManager::setNamesOrdered(bool ordered)
+{
+    d->namesOrdered = ordered;
+    if (!ordered)
+        d->nameOrder.reset();
+}
+
+NameOrder FileManager::takeNameOrder()
+{
+    const auto taken = std::move(d->nameOrder);
+    if (!taken || !taken->isFinishing())
+        return NameOrder();
+    return std::move(*taken);
+}
+
+bool FileManager::isInfoComplete() const
+{
+    return d->index.knownCount() == d->index.size();
+}
+
+unsigned FileManager::generation() const
+{
+    return d->generation;
+}
+
+void FileManager::takeArrivals()
+{
+    const bool beginsTurn =
+        d->gatherer.hasArrivals() && !d->readingSynchronously && !d->arrivalsTimer.isActive();
+    if (beginsTurn && !d->attempt([this] { d->beginTurn(); })) {
+        emit refreshList();
+        return;
+    }
+    const QPointer<FileManager> alive = d->self;
+    while (alive && d->gatherer.hasArrivals() && !d->turnIsOver())
+        takeNextArrival();
+    if (alive && d->gatherer.areNamesAnnounced() && d->gatherer.error() != 0 && d->readError == 0) {
+        d->readError = d->gatherer.error();
+        emit infoUpdated(static_cast<int>(d->index.knownCount()), 0);
+    }
+}
+
+void FileManager::takeNextArrival()
+{
+    if (d->gatherer.areNamesAnnounced()) {
+        fileInfoBatchReady();
+        return;
+    }
+    bool complete = false;
+    const bool done = d->attempt([&] {
+        if (d->gatherer.hasNames())
+            d->takeNames();
+        else
+            complete = d->prepareList();
+    });
+    if (done && !complete)
+        return;
+    if (done) {
+        d->gatherer.takeNamesFinished();
+        d->readError = d->gatherer.error();
+        d->trimPool();
+    }
+    emit refreshList();
+}
+
+void FileManager::fileNameBatchReady()
+{
+    d->attempt([this] { d->takeNames(); });
+}
+
+void FileManager::fileInfoBatchReady()
+{
+    const auto infos = d->gatherer.takeInfos();
+    updateInfo(infos.get(), true);
+}
+
+void FileManager::fileNameFinished(bool withInfo)
+{
+    if (withInfo) {
+        const auto infos = d->gatherer.takeInfos();
+        updateInfo(infos.get(), false);
+    }
+    const QPointer<FileManager> alive = d->self;
+    emit refreshList();
+    if (withInfo && alive)
+        emit infoUpdated(0, -1);
 }
 
 } // namespace Halvern::UI

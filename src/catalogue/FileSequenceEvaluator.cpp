@@ -1,5 +1,6 @@
 #include "catalogue/FileSequenceEvaluator.h"
 
+#include "catalogue/EntryPool.h"
 #include "catalogue/FileManager.h"
 
 #include <algorithm>

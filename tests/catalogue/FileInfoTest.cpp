@@ -92,15 +92,6 @@ private slots:
                 pool.create()->insertSequenceFile(1, nullptr);
             QCOMPARE(pool.blockCount(), std::size_t(2));
         }
-        // A block is prepared only where it would be filled, little by little, and is the next to be used.
-        constexpr std::size_t Wanted = 3 * EntryPool::BlockSize;
-        QVERIFY(!pool.prepare(Wanted - 1));
-        QVERIFY(pool.prepare(Wanted) && pool.prepare(Wanted));
-        while (pool.prepare(Wanted)) {
-        }
-        for (std::size_t i = 0; i < EntryPool::BlockSize; ++i)
-            pool.create();
-        QCOMPARE(pool.blockCount(), std::size_t(3));
     }
 
     void cutsWhatIsTooLong()

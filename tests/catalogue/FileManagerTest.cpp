@@ -1,5 +1,6 @@
 #include "catalogue/FileManager.h"
 #include "catalogue/FileGatherer.h"
+#include "catalogue/FileSequenceEvaluator.h"
 #include "catalogue/NameOrder.h"
 #include "support/SampleFiles.h"
 #include "support/Test.h"
@@ -19,6 +20,12 @@ std::vector<FileInfo*> allFiles(FileManager& manager)
     manager.buildRunningList(&entries, FileHandle::AllFiles);
     return entries;
 }
+
+class PassThrough : public FileSequenceEvaluator
+{
+public:
+    std::vector<FileInfo*> evaluateFiles(std::vector<FileInfo*> files) override { return files; }
+};
 
 } // namespace
 
@@ -211,6 +218,28 @@ private slots:
         // Qt cannot remove what it cannot spell.
         for (const QByteArray& name : odd)
             ::unlink((root + name).constData());
+    }
+
+    void evaluatorBuildsSequencesAndOutlivesItsManager()
+    {
+        PassThrough evaluator;
+        {
+            FileManager manager;
+            manager.setFiles({"a.1.exr", "a.2.exr", "a.3.exr"});
+            manager.insertFiles();
+            evaluator.setManager(&manager);
+            const auto files = allFiles(manager);
+            // Neither a frame without a file nor a null file does harm.
+            FileInfo* built = evaluator.buildFileSequence("shot A", {1, 2, 3, 4}, files);
+            FileInfo* withNull = evaluator.buildFileSequence("gap", {1, 2}, {files[0], nullptr});
+            const std::vector<FileInfoWrapper> records(3, {7, false, 70});
+            manager.updateInfo(&records, true);
+            QCOMPARE(built->size(), 21ULL);
+            QCOMPARE(withNull->size(), 7ULL);
+        }
+        FileInfo file("a.1.exr", false);
+        file.setAdditionalInfo({5, false, 6});
+        QCOMPARE(PassThrough(evaluator).buildFileSequence("s", {1}, {&file})->size(), 5ULL);
     }
 
     void namesTheFilesOfADirectory()
