@@ -5,7 +5,6 @@
 #include <mutex>
 #include <new>
 #include <sys/mman.h>
-#include <utility>
 
 namespace Halvern::UI {
 
@@ -18,22 +17,76 @@ constexpr std::size_t FewMembers = 16; // are destroyed at once
 
 } // namespace
 
+struct EntryPool::Block
+{
+    void destroyEntries()
+    {
+        std::destroy_n(entries, constructed);
+        constructed = 0;
+    }
+    void free()
+    {
+        destroyEntries();
+        std::free(entries);
+    }
+    // Asked for together, pages come sooner than touched one by one. Meanwhile no other thread gets memory
+    // from the system or gives any back, so that they are not too many.
+    void putInMemory()
+    {
+#ifdef MADV_POPULATE_WRITE
+        constexpr std::size_t AtOnce = 64 * PageSize;
+        for (std::size_t begin = 0; begin < BlockBytes && !inMemory; begin += AtOnce)
+            ::madvise(reinterpret_cast<char*>(entries) + begin, std::min(AtOnce, BlockBytes - begin),
+                      MADV_POPULATE_WRITE);
+#endif
+        inMemory = true;
+    }
+
+    FileInfo* entries = nullptr;
+    std::size_t constructed = 0; // the first so many
+    bool inMemory = false;       // whether it has its pages
+    bool surplus = false;        // whether it is to be trimmed
+};
+
+/// Blocks that are not in use. Any thread may ask for them.
 struct EntryPool::Idle
 {
     ~Idle()
     {
-        for (const Block& block : blocks)
-            free(block);
+        for (Block& block : blocks)
+            block.free();
     }
-    static void destroyEntries(const Block& block) { std::destroy_n(block.entries, block.constructed); }
-    static void free(const Block& block)
+    // The last idle block that is wanted; null if there is none.
+    template <class Wanted>
+    Block take(Wanted isWanted)
     {
-        destroyEntries(block);
-        std::free(block.entries);
+        const auto found = std::find_if(blocks.rbegin(), blocks.rend(), isWanted);
+        if (found == blocks.rend())
+            return {};
+        const Block block = *found;
+        blocks.erase(std::next(found).base());
+        return block;
+    }
+    // A block without its pages; null if there is no memory.
+    Block takeOrObtain()
+    {
+        Block block = take([](const Block& idle) { return !idle.inMemory; });
+        if (block.entries)
+            return block;
+        blocks.reserve(obtained + 1); // so that giving blocks back needs no memory
+        block.entries = static_cast<FileInfo*>(std::aligned_alloc(PageSize, BlockBytes));
+        obtained += block.entries ? 1 : 0;
+        return block;
+    }
+    void give(Block block)
+    {
+        const std::lock_guard<std::mutex> lock(mutex);
+        blocks.push_back(block);
     }
 
-    std::mutex mutex;
-    std::vector<Block> blocks; // guarded by mutex; those that are to be trimmed come last
+    std::mutex mutex; // guards what follows, and is held in take() and takeOrObtain()
+    std::vector<Block> blocks;
+    std::size_t obtained = 0; // blocks of the pool, here and in use
 };
 
 EntryPool::EntryPool()
@@ -43,15 +96,14 @@ EntryPool::EntryPool()
 
 EntryPool::~EntryPool()
 {
-    std::for_each(m_blocks.begin(), m_blocks.end(), &Idle::free);
+    for (Block& block : m_blocks)
+        block.free();
 }
 
 FileInfo* EntryPool::create()
 {
-    if (m_used == m_blocks.size() * BlockSize) {
-        m_blocks.reserve(m_used / BlockSize + 1);
+    if (m_used == m_blocks.size() * BlockSize)
         m_blocks.push_back(takeBlock());
-    }
     Block& block = m_blocks[m_used / BlockSize];
     const std::size_t index = m_used % BlockSize;
     FileInfo* place = block.entries + index;
@@ -71,54 +123,67 @@ void EntryPool::clear()
     m_used = 0;
 }
 
+std::size_t EntryPool::blockCount() const
+{
+    const std::lock_guard<std::mutex> lock(m_idle->mutex);
+    return m_idle->obtained;
+}
+
 EntryPool::Block EntryPool::takeBlock()
 {
-    Block block{nullptr, 0};
-    {
-        const std::lock_guard<std::mutex> lock(m_idle->mutex);
-        if (!m_idle->blocks.empty()) {
-            block = m_idle->blocks.back();
-            m_idle->blocks.pop_back();
-        }
-    }
-    if (!block.entries) {
-        block.entries = static_cast<FileInfo*>(std::aligned_alloc(PageSize, BlockBytes));
-        if (!block.entries)
-            throw std::bad_alloc();
-        ++m_blockCount;
-    }
-#ifdef MADV_POPULATE_WRITE
-    // All pages at once come sooner than one by one. Of the first block most directories need only a part.
-    if (block.constructed == 0 && !m_blocks.empty())
-        ::madvise(block.entries, BlockBytes, MADV_POPULATE_WRITE);
-#endif
+    if (m_blocks.size() == m_blocks.capacity())
+        m_blocks.reserve(2 * m_blocks.size() + 1);
+    std::unique_lock<std::mutex> lock(m_idle->mutex);
+    Block block = m_idle->take([](const Block& idle) { return idle.inMemory; });
+    if (!block.entries)
+        block = m_idle->takeOrObtain();
+    lock.unlock();
+    if (!block.entries)
+        throw std::bad_alloc();
+    block.surplus = false;
+    if (!m_blocks.empty()) // most directories need only a part of the first
+        block.putInMemory();
     return block;
+}
+
+bool EntryPool::prepare(std::size_t entries)
+{
+    std::unique_lock<std::mutex> lock(m_idle->mutex);
+    const auto& idle = m_idle->blocks;
+    const auto inMemory = m_idle->obtained -
+                          static_cast<std::size_t>(std::count_if(idle.begin(), idle.end(),
+                                                                 [](const Block& b) { return !b.inMemory; }));
+    Block block = (inMemory + 1) * BlockSize <= entries ? m_idle->takeOrObtain() : Block();
+    lock.unlock();
+    if (!block.entries)
+        return false;
+    block.putInMemory();
+    m_idle->give(block);
+    return true;
 }
 
 std::function<void()> EntryPool::trimming()
 {
     const std::size_t kept = (m_used + BlockSize - 1) / BlockSize + SpareBlocks;
-    if (m_blocks.size() <= kept)
+    for (; m_blocks.size() > kept; m_blocks.pop_back())
+        m_idle->give(m_blocks.back());
+    const std::lock_guard<std::mutex> lock(m_idle->mutex);
+    bool any = false;
+    for (Block& block : m_idle->blocks)
+        any |= block.surplus = block.inMemory;
+    if (!any)
         return nullptr;
-    {
-        const auto surplus = m_blocks.begin() + static_cast<std::ptrdiff_t>(kept);
-        const std::lock_guard<std::mutex> lock(m_idle->mutex);
-        // What the function puts back later fits without an allocation.
-        m_idle->blocks.reserve(m_blockCount);
-        m_idle->blocks.insert(m_idle->blocks.end(), surplus, m_blocks.end());
-        m_blocks.erase(surplus, m_blocks.end());
-    }
     return [idle = m_idle] {
-        std::unique_lock<std::mutex> lock(idle->mutex);
-        while (!idle->blocks.empty() && idle->blocks.back().constructed > 0) {
-            Block block = idle->blocks.back();
-            idle->blocks.pop_back();
-            lock.unlock();
-            Idle::destroyEntries(block);
+        while (true) {
+            std::unique_lock<std::mutex> idleLock(idle->mutex);
+            Block block = idle->take([](const Block& other) { return other.surplus; });
+            idleLock.unlock();
+            if (!block.entries)
+                return;
+            block.destroyEntries();
             ::madvise(block.entries, BlockBytes, MADV_DONTNEED);
-            block.constructed = 0;
-            lock.lock();
-            idle->blocks.insert(idle->blocks.begin(), block);
+            block.inMemory = block.surplus = false;
+            idle->give(block);
         }
     };
 }

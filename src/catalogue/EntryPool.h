@@ -13,8 +13,8 @@
 namespace Halvern::UI {
 
 /// Makes and owns entries in contiguous blocks. Entries stay where they are until clear(); blocks are kept
-/// for the next entries until the pool is destroyed. For one thread at a time, except for what trimming()
-/// returns.
+/// for the next entries until the pool is destroyed. For one thread at a time, except for prepare() and what
+/// trimming() returns.
 class HVCOREUI_EXPORT EntryPool
 {
 public:
@@ -33,7 +33,11 @@ public:
     /// is used again, so that this takes no time.
     void clear();
     /// Blocks obtained so far; grows only if more entries are alive than ever before.
-    std::size_t blockCount() const { return m_blockCount; }
+    std::size_t blockCount() const;
+
+    /// Gets one more block and its memory pages ahead of use, which takes milliseconds. False if @p entries
+    /// entries need no more, or there is no memory. May be called by another thread while the pool lives.
+    bool prepare(std::size_t entries);
 
     /// The members of long sequences whose places were used again. Destroying them takes time, and may be
     /// done on any thread.
@@ -44,20 +48,15 @@ public:
     std::function<void()> trimming();
 
 private:
-    struct Block
-    {
-        FileInfo* entries;
-        std::size_t constructed; // the first so many
-    };
+    struct Block;
     struct Idle;
 
     Block takeBlock();
 
     std::vector<Block> m_blocks; // those in use come first
     std::size_t m_used = 0;      // entries
-    std::size_t m_blockCount = 0;
     std::vector<Members> m_oldMembers;
-    std::shared_ptr<Idle> m_idle; // blocks that trimming() took
+    std::shared_ptr<Idle> m_idle; // the other blocks
 };
 
 } // namespace Halvern::UI

@@ -17,6 +17,8 @@ namespace Halvern::UI {
 
 namespace {
 
+constexpr std::size_t PatientlyWaiting = 4; // batches that keep the GUI thread busy
+
 constexpr char DirectoryMark = 'd';
 constexpr char OtherMark = 'f';
 
@@ -41,7 +43,8 @@ FileInfoWrapper queriedInfo(int folder, const char* name, bool isDirectory)
 
 } // namespace
 
-FileGatherer::FileGatherer()
+FileGatherer::FileGatherer(Preparation preparation)
+    : m_preparation(std::move(preparation))
 {
     setObjectName(QStringLiteral("FileGatherer"));
     connect(this, SIGNAL(finished()), this, SLOT(threadFinished()));
@@ -193,6 +196,7 @@ void FileGatherer::finishNames()
     }
     m_allNamesRead = true;
     announce([this] { emit fileNameFinished(false); });
+    prepareWhileWaited(0);
 }
 
 void FileGatherer::addName(const FileNameRecord& record)
@@ -202,8 +206,17 @@ void FileGatherer::addName(const FileNameRecord& record)
     std::string& names = m_readNames.back();
     names.push_back(record.kind == DT_DIR ? DirectoryMark : OtherMark);
     names.append(record.name).push_back('\0');
-    if (m_names.append(record))
+    if (m_names.append(record)) {
         announce([this] { emit fileNameBatchReady(); });
+        prepareWhileWaited(PatientlyWaiting);
+    }
+}
+
+// Making entries of names takes longer than reading them, above all for want of memory to make them in.
+void FileGatherer::prepareWhileWaited(std::size_t mostWaiting)
+{
+    while (m_preparation && m_keepRunning && m_names.waiting() > mostWaiting && m_preparation(m_readCount)) {
+    }
 }
 
 void FileGatherer::addUntyped(int folder, std::vector<FileNameRecord>& records)

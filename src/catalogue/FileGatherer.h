@@ -6,6 +6,7 @@
 #include <QThread>
 #include <atomic>
 #include <dirent.h>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -34,7 +35,11 @@ public:
     using NameQueue = BatchQueue<FileNameRecord>;
     using InfoQueue = BatchQueue<FileInfoWrapper>;
 
-    FileGatherer();
+    /// What the worker does while the GUI thread lags behind, a little at each call, for the given number of
+    /// names that have been read; false if nothing is left to do.
+    using Preparation = std::function<bool(std::size_t names)>;
+
+    explicit FileGatherer(Preparation preparation = nullptr);
     ~FileGatherer() override;
 
     /// Begins to read @p directory on the worker thread. No run may be under way. If the system has no
@@ -94,12 +99,14 @@ private:
     void addUntyped(int folder, std::vector<FileNameRecord>& records);
     void readAttributes(int folder);
     void readAttributes(int folder, const std::vector<const char*>& names);
+    void prepareWhileWaited(std::size_t mostWaiting);
     template <class Announcement>
     void announce(Announcement announcement);
 
     std::string m_directory; // set by the GUI thread while no worker runs, read by the worker
 
     // Worker only.
+    const Preparation m_preparation;
     std::vector<std::string>
         m_readNames; // a text for each batch; each name follows its kind and is terminated
     std::size_t m_readCount = 0;

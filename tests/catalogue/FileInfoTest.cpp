@@ -2,6 +2,7 @@
 #include "catalogue/EntryPool.h"
 #include "support/Test.h"
 
+#include <QFile>
 #include <cstring>
 
 using namespace Halvern::UI;
@@ -92,6 +93,49 @@ private slots:
                 pool.create()->insertSequenceFile(1, nullptr);
             QCOMPARE(pool.blockCount(), std::size_t(2));
         }
+        // A block is prepared only if it would be filled.
+        constexpr std::size_t Wanted = 3 * EntryPool::BlockSize;
+        QVERIFY(!pool.prepare(Wanted - 1) && pool.prepare(Wanted) && !pool.prepare(Wanted));
+        for (std::size_t i = 0; i < EntryPool::BlockSize; ++i)
+            pool.create();
+        QCOMPARE(pool.blockCount(), std::size_t(3));
+    }
+
+    // Most of the pages of a large directory are given back when a small one has been read.
+    void poolsGivePagesBack()
+    {
+        const auto resident = [] {
+            QFile file(QStringLiteral("/proc/self/statm"));
+            return file.open(QFile::ReadOnly) ? file.readAll().split(' ').value(1).toLongLong() * 4096 : 0;
+        };
+        constexpr std::size_t Blocks = 20;
+        constexpr long long BlockBytes = EntryPool::BlockSize * sizeof(FileInfo);
+        EntryPool pool;
+        for (int round = 0; round < 2; ++round) {
+            for (std::size_t i = 0; i < Blocks * EntryPool::BlockSize; ++i)
+                pool.create()->insertSequenceFile(1, nullptr);
+            QCOMPARE(pool.blockCount(), Blocks);
+            QVERIFY(!pool.trimming());
+            pool.clear();
+            pool.create();
+            const long long before = resident();
+            pool.trimming()();
+            QVERIFY(before - resident() > 14 * BlockBytes);
+            QVERIFY(!pool.trimming());
+            pool.clear();
+        }
+        // Of what was long only the members are left, for another thread.
+        for (int frame = 0; frame < 1000; ++frame)
+            pool.create()->insertSequenceFile(frame, nullptr);
+        FileInfo* sequence = pool.create();
+        for (int frame = 0; frame < 1000; ++frame)
+            sequence->insertSequenceFile(frame, nullptr);
+        pool.clear();
+        for (int i = 0; i < 1001; ++i)
+            QVERIFY(pool.create()->sequenceFiles().empty());
+        const auto left = pool.takeOldMembers();
+        QCOMPARE(left.size(), std::size_t(1));
+        QCOMPARE(left.front().size(), std::size_t(1000));
     }
 
     void cutsWhatIsTooLong()

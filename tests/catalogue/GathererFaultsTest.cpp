@@ -102,6 +102,11 @@ private slots:
                 return file->modificationTime() > 0;
             });
             QVERIFY(known >= least && known <= most);
+            // A folder stays a folder without its attributes.
+            for (const FileInfo* file : files) {
+                const bool isFile = *file->fileName() == 'f';
+                QVERIFY2(file->isDirectory() != isFile, file->fileName());
+            }
             // Asking makes up for types that are missing, so that numbered directories are no frames.
             manager.buildRunningList(&files, Halvern::Base::FileHandle::RegisteredSequences);
             QVERIFY(least != all || files.size() == 6);
