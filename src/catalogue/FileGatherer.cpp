@@ -194,6 +194,8 @@ void FileGatherer::finishNames()
     } catch (const std::bad_alloc&) {
         m_error = ENOMEM; // without the names of the last batch
     }
+    if (!m_keepRunning)
+        return;
     m_allNamesRead = true;
     announce([this] { emit fileNameFinished(false); });
     prepareWhileWaited(0);

@@ -6,6 +6,7 @@
 #include "frames/FrameName.h"
 #include "frames/FrameRun.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <dirent.h>
@@ -98,6 +99,14 @@ std::vector<ListedName> listPlain(const DirectoryScan& scan)
     return names;
 }
 
+// The name differs from its pattern in the digits alone.
+bool hasAsciiNumber(const QString& name, const QString& pattern)
+{
+    return std::equal(name.begin(), name.end(), pattern.begin(), [](QChar inName, QChar inPattern) {
+        return inName == inPattern || (inName >= QLatin1Char('0') && inName <= QLatin1Char('9'));
+    });
+}
+
 std::vector<ListedName> listCollapsed(const DirectoryScan& scan, bool split)
 {
     std::vector<ListedName> names;
@@ -116,7 +125,7 @@ std::vector<ListedName> listCollapsed(const DirectoryScan& scan, bool split)
     int frame = 0;
     for (int i = 0; i < scan.count(); ++i) {
         const QString name = QString::fromLocal8Bit(scan.name(i));
-        if (!FileInfoList::toFrameName(name, pattern, frame)) {
+        if (!FileInfoList::toFrameName(name, pattern, frame) || !hasAsciiNumber(name, pattern)) {
             finishRun();
             names.push_back({name.toUtf8(), false});
             continue;

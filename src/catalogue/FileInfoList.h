@@ -22,8 +22,9 @@ namespace Halvern::UI {
 ///     x.####.exr 1-100 ( 1-49  61-100 )        with the runs that are present
 ///
 /// with one "#" for each digit, or a single one where the frame numbers differ in width. A last frame that
-/// stands alone behind a gap is not listed as a run. Where a smaller step shows itself in mid-run, what is
-/// missing by the smaller step before that place is not told.
+/// stands alone after a gap is not listed as a run. If a smaller step shows itself in mid-run, what is
+/// missing by the smaller step before that place is not told. Only numbers in ASCII digits are joined: a
+/// range could not tell the others.
 ///
 /// Lives on the GUI thread. After each listing the event loop passes all entries once more, one a turn, and
 /// fileInfoAvailable() is emitted at the end of them.
@@ -55,8 +56,8 @@ public:
     const QString& path() const { return m_path; }
 
     /// Reads @p name as a frame: "shot.0042.exr" gives the pattern "shot.####.exr" and the frame 42.
-    /// False, with the outputs unspecified, where the name holds no frame number; a run with digits beyond 0
-    /// to 9 is found as one, but has no value and makes the name no frame.
+    /// Any decimal digit of Unicode counts by its value. False, with the outputs unspecified, if the name
+    /// holds no frame number.
     static bool toFrameName(const QString& name, QString& pattern, int& frame);
     /// Whether two patterns belong to one sequence. Where they differ in their number of "#" only, both
     /// become the form with one: "f.##.exr" and "f.###.exr" give "f.#.exr".

@@ -69,11 +69,13 @@ bool read(const QString& name, QString& pattern, int& frame)
                                          [&name](int i) { return name.at(i).isDigit(); });
     if (run.length == 0)
         return false;
-    bool valid = false;
-    const int number = name.midRef(run.begin, run.length).toInt(&valid);
-    if (!valid)
-        return false;
-    frame = number;
+    qint64 number = 0;
+    for (int i = run.begin; i < run.begin + run.length; ++i) {
+        number = 10 * number + name.at(i).digitValue();
+        if (number > INT_MAX)
+            return false;
+    }
+    frame = static_cast<int>(number);
     pattern = name;
     pattern.replace(run.begin, run.length, QString(run.length, QLatin1Char(Placeholder::Hash)));
     if (run.length > 1 && name.at(run.begin) == QLatin1Char('0'))

@@ -38,7 +38,8 @@ private slots:
              {"*x.#.exr 1-3", "*x.#.exr 7-9"}},
             {{"x.01.exr", "x.02.exr", "x.002.exr"},
              {"*x.##.exr 1-2", "x.002.exr"},
-             {"*x.##.exr 1-2", "x.002.exr"}}};
+             {"*x.##.exr 1-2", "x.002.exr"}},
+            {{"x\u0661.exr", "x\u0662.exr"}, {"x\u0661.exr", "x\u0662.exr"}, {"x\u0661.exr", "x\u0662.exr"}}};
         for (const auto& [names, collapsed, split] : rows) {
             const QTemporaryDir folder;
             for (const QString& name : names)

@@ -7,6 +7,8 @@
 
 #include <QDeadlineTimer>
 #include <QFile>
+#include <cstdlib>
+#include <sys/wait.h>
 #include <unistd.h>
 
 using namespace Halvern::UI;
@@ -192,6 +194,29 @@ private slots:
         QCoreApplication::processEvents();
         QCOMPARE(finished.size(), 1);
         QCOMPARE(gatherer.takeNames()->size() + gatherer.takeNames()->size(), std::size_t(2502));
+    }
+
+    void forkedProcessesDoNotWait()
+    {
+        for (int round = 0; round < 8; ++round) {
+            auto* manager = new FileManager;
+            QVERIFY(manager->getFilesFromFolder(m_path, false));
+            QThread::usleep(static_cast<unsigned long>(round) * 300);
+            const pid_t child = ::fork();
+            if (child == 0) {
+                ::alarm(10);
+                bool right = true;
+                if (round % 2 == 0)
+                    right = manager->getFilesFromFolderSynchronously(m_path, true) &&
+                            allFiles(*manager).size() == 2502;
+                delete manager;
+                std::exit(right ? 0 : 1);
+            }
+            int status = -1;
+            QCOMPARE(::waitpid(child, &status, 0), child);
+            QCOMPARE(status, 0);
+            delete manager;
+        }
     }
 
     void oddNamesAndKindsAreListed()

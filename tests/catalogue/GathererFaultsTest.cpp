@@ -144,13 +144,76 @@ private slots:
         for (const char* call : {"opendir", "open", "fdopendir", "readdir", "fstatat"}) {
             faultyCall = call;
             faults[CallError] = EINTR;
-            faults[FailingCalls] = 3;
+            faults[CallPlace] = 1;
             QVERIFY2(manager.getFilesFromFolderSynchronously(path, true), call);
-            QVERIFY2(manager.readError() == 0 && count() == all + 1 && faults[CallError] == 0, call);
+            QVERIFY2(manager.readError() == 0 && count() == all + 1 && faults[CallPlace] == -1, call);
             for (const FileInfo* file : entries(manager))
                 QVERIFY2(file->modificationTime() > 0, call);
         }
         QVERIFY(QFile::remove(folder.filePath(QStringLiteral("new"))));
+    }
+
+    // Each allocation of a read fails once, the later ones with growing steps.
+    void endsWithoutMemory()
+    {
+        if (!failsAllocations)
+            QSKIP("a sanitizer allocates");
+        const std::string path = folder.path().toStdString();
+        const auto all = std::size_t(Files + 5);
+        for (const Fault fault : {FirstAllocation, WorkerAllocation}) {
+            const bool inBackground = fault == WorkerAllocation;
+            int incomplete = 0;
+            int place = 1;
+            for (bool failed = true; failed; place += 1 + place / 16) {
+                FileManager manager;
+                manager.setNamesOrdered(place % 2 == 0);
+                bool ended = false;
+                connect(&manager, &FileManager::refreshList, this, [&] { ended = true; });
+                connect(&manager, &FileManager::infoUpdated, this, [&] { ended = true; });
+                faults[fault] = place;
+                const bool begun = inBackground ? manager.getFilesFromFolder(path, false)
+                                                : manager.getFilesFromFolderSynchronously(path, false);
+                if (inBackground)
+                    QTRY_VERIFY(manager.readError() != 0 || (manager.isInfoComplete() && ended));
+                failed = faults[fault] == 0;
+                faults[fault] = 0;
+                QVERIFY(ended || !begun);
+                const bool complete = entries(manager).size() == all && manager.isInfoComplete();
+                QVERIFY2(complete == (manager.readError() == 0), qPrintable(QString::number(place)));
+                QVERIFY(complete || (failed && manager.readError() == ENOMEM));
+                incomplete += complete ? 0 : 1;
+                for (const FileInfo* file : entries(manager))
+                    QVERIFY2(QFile::exists(folder.filePath(file->fileName())), file->fileName());
+                std::vector<FileInfo*> rows;
+                manager.buildRunningList(&rows, Halvern::Base::FileHandle::RegisteredSplitSequences);
+                QVERIFY(rows.size() <= 6);
+                QVERIFY(manager.getFilesFromFolderSynchronously(path, true));
+                manager.buildRunningList(&rows, Halvern::Base::FileHandle::RegisteredSequences);
+                QVERIFY(manager.readError() == 0 && rows.size() == 6 && entries(manager).size() == all);
+                std::vector<FileInfo*> none;
+                faults[FirstAllocation] = 1;
+                manager.buildRunningList(&none, Halvern::Base::FileHandle::AllFiles);
+                QVERIFY(none.empty() && manager.readError() == ENOMEM);
+            }
+            QVERIFY(incomplete > 20);
+        }
+    }
+
+    void readsAgainWhenThereIsAThread()
+    {
+        FileManager manager;
+        const QSignalSpy refreshed(&manager, SIGNAL(refreshList()));
+        faultyCall = "pthread_create";
+        faults[CallError] = EAGAIN;
+        expectWarning(QStringLiteral("^QThread::start: Thread creation error"));
+        QVERIFY(manager.getFilesFromFolder(folder.path().toStdString(), false));
+        QVERIFY(refreshed.isEmpty());
+        QTRY_COMPARE(refreshed.size(), 1);
+        QVERIFY(manager.readError() == EAGAIN && entries(manager).empty());
+        endFaults();
+        QVERIFY(manager.getFilesFromFolder(folder.path().toStdString(), false));
+        QTRY_COMPARE(refreshed.size(), 2);
+        QVERIFY(manager.readError() == 0 && entries(manager).size() == std::size_t(Files + 5));
     }
 
     void asksSlowDisksForSeveralAtOnce()

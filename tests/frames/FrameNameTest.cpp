@@ -36,7 +36,11 @@ private slots:
         FrameName::resetSmallestPaddedWidth();
         QVERIFY(FrameName::read(QStringLiteral("shot.42.exr"), pattern, frame));
         QVERIFY(FrameName::read(QStringLiteral("shot.00042.exr"), pattern, frame));
-        QVERIFY(!FrameName::read(QStringLiteral("a\u0664\u0662.exr"), pattern, frame));
+        QVERIFY(FrameName::read(QStringLiteral("a\u0664\u0662.exr"), pattern, frame));
+        QCOMPARE(frame, 42);
+        QCOMPARE(pattern, QStringLiteral("a##.exr"));
+        QVERIFY(FrameName::read(QStringLiteral("a\u06602147483647.exr"), pattern, frame));
+        QVERIFY(!FrameName::read(QStringLiteral("a2147483648.exr"), pattern, frame));
         QCOMPARE(FrameName::smallestPaddedWidth(), 4);
         QVERIFY(FrameName::read(QStringLiteral("shot.042.exr"), pattern, frame));
         QCOMPARE(pattern, QStringLiteral("shot.###.exr"));

@@ -72,14 +72,28 @@ bool fails(const char* name, const char* path, int file = -1)
         faults[CallPlace] = -1;
     }
     errno = faults[CallError];
-    if (faults[FailingCalls] != 0 && --faults[FailingCalls] == 0)
-        faults[CallError] = 0;
+    return true;
+}
+
+// Of this thread. Reached without an allocation.
+__attribute__((tls_model("initial-exec"))) thread_local bool hasDirectory = false;
+
+[[maybe_unused]] bool allocationFails()
+{
+    if (faults[FirstAllocation] == 0 && faults[WorkerAllocation] == 0)
+        return false;
+    const bool onWorker = ::gettid() != ::getpid();
+    auto& place = faults[onWorker ? WorkerAllocation : FirstAllocation];
+    if (place == 0 || (onWorker && !hasDirectory) || --place != 0)
+        return false;
+    errno = ENOMEM;
     return true;
 }
 
 template <class Entry>
 Entry* readName(const char* name, DIR* stream, Entry* (*next)(DIR*))
 {
+    hasDirectory = true;
     if (fails(name, Opened, ::dirfd(stream)))
         return nullptr;
     if (faults[MostNames] != 0 && --faults[MostNames] == 0) {
@@ -154,5 +168,20 @@ HOOK(ssize_t, write, (int file, const void* bytes, size_t size),
      if (left != 0 && left < size)
          return next(file, bytes, size - left);
      return fails("write", nullptr, file) ? -1 : next(file, bytes, size);)
+HOOK(int, pthread_create, (pthread_t* thread, const pthread_attr_t* how, void* (*run)(void*), void* with),
+     return fails("pthread_create", nullptr) ? errno : next(thread, how, run, with);)
+HOOK(int, closedir, (DIR* stream), hasDirectory = false; return next(stream);)
+
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+const bool failsAllocations = false;
+#else
+const bool failsAllocations = true;
+extern "C" void* __libc_malloc(size_t);
+extern "C" void* __libc_realloc(void*, size_t);
+extern "C" void* __libc_memalign(size_t, size_t);
+extern "C" __attribute__((visibility("default"))) void* malloc(size_t size) { return allocationFails() ? nullptr : __libc_malloc(size); }
+extern "C" __attribute__((visibility("default"))) void* realloc(void* old, size_t size) { return allocationFails() ? nullptr : __libc_realloc(old, size); }
+extern "C" __attribute__((visibility("default"))) void* aligned_alloc(size_t alignment, size_t size) { return allocationFails() ? nullptr : __libc_memalign(alignment, size); }
+#endif
 // NOLINTEND(bugprone-macro-parentheses)
 // clang-format on

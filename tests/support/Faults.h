@@ -12,7 +12,6 @@ enum Fault
     CallDelay,    ///< Microseconds that each faultyCall of a worker takes.
     CallError,    ///< What faultyCall fails with, on each thread.
     CallPlace,    ///< Which one fails, from 1, and then no other: it is -1 afterwards. 0 for each.
-    FailingCalls, ///< How many faultyCalls fail before CallError ends; 0 for all.
     ShortWrites,  ///< Bytes that each `write` leaves undone; only one of no more bytes can be the faultyCall.
     MostNames,    ///< How many names directories give, from then on, before they fail with EIO.
     NoTypes,      ///< Names come without their type.
@@ -20,6 +19,9 @@ enum Fault
     DelayedCalls, ///< How many of them were delayed.
     NowDelayed,   ///< How many are delayed at this moment.
     MostDelayed,  ///< The most that were at the same time.
+    FirstAllocation,  ///< Which allocation of the first thread fails, from 1; 0 for none.
+    WorkerAllocation, ///< The same of workers, while they have a directory open: a thread cannot start
+                      ///< without.
     FaultCount
 };
 extern std::atomic<int> faults[FaultCount];
@@ -27,6 +29,8 @@ extern std::atomic<const char*> faultyCall; ///< "write" or another call, "*" fo
 /// Only calls about files below it fail; null for any file. Descriptors are those of plain files.
 extern std::atomic<const char*> faultyFolder;
 void endFaults();
+/// Whether allocations can fail: not with a sanitizer, which has its own.
+extern const bool failsAllocations;
 
 /// What the first thread asked the file system for since this was called last, "statx /tmp" and the like. The
 /// first time begins it.
