@@ -17,6 +17,7 @@ namespace {
 std::vector<QString> makeNames(int count)
 {
     std::vector<QString> names;
+    names.reserve(static_cast<std::size_t>(count));
     for (int i = 0; i < count; ++i)
         names.push_back(QString::asprintf("shot_%03d_beauty.%04d.exr", i / 250, i % 250 + 1));
     return names;

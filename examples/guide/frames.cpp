@@ -1,7 +1,7 @@
-#include <frames/FrameRanges.h>
-#include <paths/Path.h>
 #include <base/Text.h>
+#include <frames/FrameRanges.h>
 #include <iostream>
+#include <paths/Path.h>
 
 using namespace Halvern::Base;
 

@@ -1,7 +1,7 @@
 #include <QApplication>
-#include <widgets/FilePathEdit.h>
-#include <paths/Filename.h>
 #include <iostream>
+#include <paths/Filename.h>
+#include <widgets/FilePathEdit.h>
 
 int main(int argc, char** argv)
 {

@@ -4,6 +4,7 @@
 #include "catalogue/FileManager.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace Halvern::UI {
 
@@ -36,9 +37,9 @@ void FileSequenceEvaluator::setManager(FileManager* manager)
 
 std::shared_ptr<const void> FileSequenceEvaluator::entryStorage() const
 {
-    if (m_manager)
-        return m_manager->entryStorage();
-    return m_ownEntries;
+    const auto managers = m_manager ? m_manager->entryStorage() : nullptr;
+    return std::make_shared<std::pair<std::shared_ptr<const void>, std::shared_ptr<const void>>>(m_ownEntries,
+                                                                                                 managers);
 }
 
 FileInfo* FileSequenceEvaluator::buildFileSequence(const std::string& name, const std::vector<int>& frames,

@@ -47,8 +47,8 @@ public:
     void setManager(FileManager* manager);
     /// Expires with the evaluator, for those who hold it without owning it.
     std::weak_ptr<const void> lifetime() const { return m_lifetime; }
-    /// Keeps the memory of the entries that buildFileSequence() makes now while it is held, whoever goes. It
-    /// does not keep the entries from being used again by the manager's next read.
+    /// Keeps the memory of the entries that buildFileSequence() has made, and of all entries of the present
+    /// manager, while it is held. It does not keep them from being used again by the manager's next read.
     std::shared_ptr<const void> entryStorage() const;
 
 private:

@@ -35,9 +35,7 @@ void appendFrame(std::vector<FrameRange>& runs, int frame)
                runs[runs.size() - fromEnd].first == runs[runs.size() - fromEnd].last;
     };
     const Frame step = runs.empty() ? 0 : Frame(frame) - runs.back().last;
-    if (!runs.empty() && !isSingle(1) && step == runs.back().step) {
-        runs.back().last = frame;
-    } else if (isSingle(1) && step == 1) {
+    if (!runs.empty() && step == runs.back().step) { // a single frame has the step 1
         runs.back().last = frame;
     } else if (isSingle(1) && isSingle(2) && step == Frame(runs.back().last) - runs[runs.size() - 2].last &&
                step <= INT_MAX) {

@@ -25,10 +25,10 @@ std::size_t endOfAlternative(std::string_view pattern, std::size_t from, bool at
             ++i;
         else if (byte == '{')
             ++depth;
-        else if (byte == '}' && depth-- == 0)
+        else if ((byte == '}' || ((byte == ',' || byte == '|') && atSeparators)) && depth == 0)
             return i;
-        else if ((byte == ',' || byte == '|') && atSeparators && depth == 0)
-            return i;
+        else if (byte == '}')
+            --depth;
     }
     return pattern.size();
 }
