@@ -1,14 +1,14 @@
 #include "base/SharedFile.h"
 
+#include "base/FileSystem.h"
+#include "base/OpenFile.h"
+
 #include <cerrno>
-#include <chrono>
 #include <cstdio>
-#include <cstdlib>
 #include <fcntl.h>
 #include <limits.h>
 #include <sys/stat.h>
 #include <sys/xattr.h>
-#include <thread>
 #include <unistd.h>
 #include <utility>
 
@@ -18,99 +18,9 @@ namespace {
 
 using Status = struct stat;
 
-constexpr auto LockPatience = std::chrono::seconds(5);
-constexpr auto LockPause = std::chrono::milliseconds(5);
 constexpr mode_t AllPermissions = 07777;
 constexpr mode_t NewFileMode = 0666;
 constexpr mode_t PrivateMode = 0600;
-
-template <class Call>
-auto retried(const Call& call)
-{
-    auto result = call();
-    while (result < 0 && errno == EINTR)
-        result = call();
-    return result;
-}
-
-class File
-{
-public:
-    File() = default;
-    File(const std::string& path, int flags, mode_t mode = 0)
-        : m_descriptor(retried([&] { return ::open(path.c_str(), flags | O_CLOEXEC | O_NOCTTY, mode); }))
-    {
-    }
-    ~File() { close(); }
-    File(File&& other) noexcept
-        : m_descriptor(std::exchange(other.m_descriptor, -1))
-    {
-    }
-    File& operator=(File&& other) noexcept
-    {
-        std::swap(m_descriptor, other.m_descriptor);
-        return *this;
-    }
-
-    bool isOpen() const { return m_descriptor >= 0; }
-    int number() const { return m_descriptor; }
-    bool status(Status& to) const
-    {
-        return retried([&] { return ::fstat(m_descriptor, &to); }) == 0;
-    }
-    /// Whether @p path is the name of this very file.
-    bool isNamed(const std::string& path) const
-    {
-        Status own = {};
-        Status other = {};
-        return status(own) && retried([&] { return ::stat(path.c_str(), &other); }) == 0 &&
-               own.st_dev == other.st_dev && own.st_ino == other.st_ino;
-    }
-    /// Waits for other programs. Returns 0, also if the file system has no locks.
-    int lock() const
-    {
-        struct flock whole = {};
-        whole.l_type = F_WRLCK;
-        const auto deadline = std::chrono::steady_clock::now() + LockPatience;
-        while (retried([&] { return ::fcntl(m_descriptor, F_OFD_SETLK, &whole); }) != 0) {
-            if (errno != EAGAIN && errno != EACCES)
-                return 0;
-            if (std::chrono::steady_clock::now() >= deadline)
-                return ETIMEDOUT;
-            std::this_thread::sleep_for(LockPause);
-        }
-        return 0;
-    }
-    bool write(const std::string& contents) const
-    {
-        for (std::size_t done = 0; done < contents.size();) {
-            const ssize_t count = retried(
-                [&] { return ::write(m_descriptor, contents.data() + done, contents.size() - done); });
-            if (count < 0)
-                return false;
-            done += static_cast<std::size_t>(count);
-        }
-        return true;
-    }
-    /// Brings what was written to the disk, and learns of failures. The lock stays.
-    bool flush() const
-    {
-        if (retried([&] { return ::fsync(m_descriptor); }) != 0 && errno != EINVAL && errno != ENOSYS)
-            return false;
-        // Some file systems report a failed write only when a descriptor is closed.
-        const int copy = retried([&] { return ::fcntl(m_descriptor, F_DUPFD_CLOEXEC, 0); });
-        return copy >= 0 && (::close(copy) == 0 || errno == EINTR);
-    }
-    void close()
-    {
-        if (m_descriptor >= 0)
-            ::close(m_descriptor);
-        m_descriptor = -1;
-    }
-
-private:
-    int m_descriptor = -1;
-};
 
 std::size_t nameBegin(const std::string& path)
 {
@@ -129,7 +39,7 @@ int followLinks(std::string& path)
     constexpr int MostLinks = 40;
     char target[PATH_MAX];
     for (int link = 0; link < MostLinks; ++link) {
-        const ssize_t length = retried([&] { return ::readlink(path.c_str(), target, sizeof target); });
+        const ssize_t length = uninterrupted([&] { return ::readlink(path.c_str(), target, sizeof target); });
         if (length < 0)
             return errno == EINVAL || errno == ENOENT ? 0 : errno;
         const std::string to(target, static_cast<std::size_t>(length));
@@ -161,12 +71,12 @@ bool copyAttributes(const std::string& from, int to)
 
 // Gives the new file what others may do with the old one, or less. What a file system refuses stays at the
 // mode that the new file was made with, which is that of a private file.
-void copyPermissions(const File& file, const std::string& path, const Status& old)
+void copyPermissions(const OpenFile& file, const std::string& path, const Status& old)
 {
     constexpr mode_t GroupRights = 02070;
     mode_t mode = old.st_mode & AllPermissions;
     const auto give = [&](uid_t owner, gid_t group) {
-        return retried([&] { return ::fchown(file.number(), owner, group); }) == 0;
+        return uninterrupted([&] { return ::fchown(file.number(), owner, group); }) == 0;
     };
     // Only the superuser gives files away; anyone may give them to a group of their own.
     const bool sameOwner = give(old.st_uid, old.st_gid);
@@ -177,20 +87,20 @@ void copyPermissions(const File& file, const std::string& path, const Status& ol
     // The rights of the group bound those of the access list. Without the list they would be the group's own.
     if (!copyAttributes(path, file.number()))
         mode &= ~GroupRights;
-    const bool given = retried([&] { return ::fchmod(file.number(), mode); }) == 0;
+    const bool given = uninterrupted([&] { return ::fchmod(file.number(), mode); }) == 0;
     static_cast<void>(given);
 }
 
 // Writes into the old file. Its blocks are had, and written over, before it is cut: a full disk leaves it as
 // it was, if its file system can reserve space.
-int overwrite(const File& file, const std::string& contents)
+int overwrite(const OpenFile& file, const std::string& contents)
 {
     const auto size = static_cast<off_t>(contents.size());
-    if (retried([&] { return ::fallocate(file.number(), FALLOC_FL_KEEP_SIZE, 0, size); }) != 0 &&
+    if (uninterrupted([&] { return ::fallocate(file.number(), FALLOC_FL_KEEP_SIZE, 0, size); }) != 0 &&
         (errno == ENOSPC || errno == EDQUOT))
         return errno;
     const bool written = file.write(contents) &&
-                         retried([&] { return ::ftruncate(file.number(), size); }) == 0 && file.flush();
+                         uninterrupted([&] { return ::ftruncate(file.number(), size); }) == 0 && file.flush();
     return written ? 0 : errno;
 }
 
@@ -228,8 +138,8 @@ private:
 
     const std::string m_path;
     const std::string m_newPath;
-    File m_old; // closed if there is no old file
-    File m_new; // closed if no new file can be made
+    OpenFile m_old; // closed if there is no old file
+    OpenFile m_new; // closed if no new file can be made
     Status m_oldStatus = {};
 };
 
@@ -249,7 +159,7 @@ int Change::begin()
 
 int Change::openOld()
 {
-    m_old = File(m_path, O_WRONLY | O_NONBLOCK);
+    m_old = OpenFile(m_path, O_WRONLY | O_NONBLOCK);
     if (!m_old.isOpen())
         return errno == ENOENT ? 0 : errno;
     if (!m_old.status(m_oldStatus))
@@ -263,7 +173,7 @@ int Change::openOld()
 int Change::openNew()
 {
     const bool hadOld = m_old.isOpen();
-    m_new = File(m_newPath, O_WRONLY | O_CREAT | O_NOFOLLOW, hadOld ? PrivateMode : NewFileMode);
+    m_new = OpenFile(m_newPath, O_WRONLY | O_CREAT | O_NOFOLLOW, hadOld ? PrivateMode : NewFileMode);
     if (!m_new.isOpen())
         return hadOld && isBoundToItsPlace(errno) ? 0 : errno;
     if (const int error = m_new.lock())
@@ -283,7 +193,7 @@ int Change::openNew()
     // Without an old file nothing was locked until now, and another program may have made one.
     if (hadOld)
         return 0;
-    if (retried([&] { return ::stat(m_path.c_str(), &status); }) == 0)
+    if (uninterrupted([&] { return ::stat(m_path.c_str(), &status); }) == 0)
         return EAGAIN;
     return errno == ENOENT ? 0 : errno;
 }
@@ -315,13 +225,13 @@ int Change::replace(const std::string& contents)
     // Another program can only have taken its name if the file system has no locks.
     if (!m_new.isNamed(m_newPath))
         return EAGAIN;
-    if (retried([&] { return std::rename(m_newPath.c_str(), m_path.c_str()); }) != 0) {
+    if (uninterrupted([&] { return std::rename(m_newPath.c_str(), m_path.c_str()); }) != 0) {
         const int error = errno;
         // A server may have renamed it though its answer was lost.
         if (!m_new.isNamed(m_path))
             return m_old.isOpen() && isBoundToItsPlace(error) ? overwrite(m_old, contents) : error;
     }
-    const File folder(folderOf(m_path) + '.', O_RDONLY | O_DIRECTORY);
+    const OpenFile folder(folderOf(m_path) + '.', O_RDONLY | O_DIRECTORY);
     if (folder.isOpen())
         ::fsync(folder.number());
     return 0;
@@ -334,7 +244,7 @@ int read(const std::string& path, std::string& contents)
     constexpr std::size_t BlockSize = 65536;
     contents.clear();
     // Without blocking: opening a pipe waits for whoever writes to it.
-    const File file(path, O_RDONLY | O_NONBLOCK);
+    const OpenFile file(path, O_RDONLY | O_NONBLOCK);
     Status status = {};
     if (!file.isOpen() || !file.status(status))
         return errno;
@@ -343,7 +253,8 @@ int read(const std::string& path, std::string& contents)
     std::string text;
     std::string block(BlockSize, '\0');
     while (text.size() <= MostBytes) {
-        const ssize_t count = retried([&] { return ::read(file.number(), block.data(), block.size()); });
+        const ssize_t count =
+            uninterrupted([&] { return ::read(file.number(), block.data(), block.size()); });
         if (count < 0)
             return errno;
         if (count == 0) {

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <string>
+#include <sys/stat.h>
+#include <sys/types.h>
+
+namespace Halvern::Base {
+
+/// A descriptor of a file, closed with the object. Calls that a signal interrupts are made again; what fails
+/// leaves its number in `errno`.
+class OpenFile
+{
+public:
+    OpenFile() = default;
+    /// Opens @p path. @p flags are those of `open`, @p mode is for a file that is made.
+    OpenFile(const std::string& path, int flags, mode_t mode = 0);
+    ~OpenFile() { close(); }
+    OpenFile(OpenFile&& other) noexcept;
+    OpenFile& operator=(OpenFile&& other) noexcept;
+
+    bool isOpen() const { return m_descriptor >= 0; }
+    int number() const { return m_descriptor; }
+    bool status(struct stat& to) const;
+    /// Whether @p path is a name of this very file.
+    bool isNamed(const std::string& path) const;
+    /// Locks the file until it is closed, and waits for other programs to unlock it. Returns 0, also if the
+    /// file system has no locks, or ETIMEDOUT after five seconds.
+    int lock() const;
+    bool write(const std::string& contents) const;
+    /// Brings what was written to the disk, and learns of failures. The lock stays.
+    bool flush() const;
+    void close();
+
+private:
+    int m_descriptor = -1;
+};
+
+} // namespace Halvern::Base
