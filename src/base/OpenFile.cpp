@@ -3,9 +3,7 @@
 #include "base/FileSystem.h"
 
 #include <cerrno>
-#include <chrono>
 #include <fcntl.h>
-#include <thread>
 #include <unistd.h>
 #include <utility>
 
@@ -18,12 +16,14 @@ OpenFile::OpenFile(const std::string& path, int flags, mode_t mode)
 
 OpenFile::OpenFile(OpenFile&& other) noexcept
     : m_descriptor(std::exchange(other.m_descriptor, -1))
+    , m_isLocked(std::exchange(other.m_isLocked, false))
 {
 }
 
 OpenFile& OpenFile::operator=(OpenFile&& other) noexcept
 {
     std::swap(m_descriptor, other.m_descriptor);
+    std::swap(m_isLocked, other.m_isLocked);
     return *this;
 }
 
@@ -40,21 +40,15 @@ bool OpenFile::isNamed(const std::string& path) const
            own.st_dev == other.st_dev && own.st_ino == other.st_ino;
 }
 
-int OpenFile::lock() const
+// A lock of the open file: one of the process would end when any descriptor of the file is closed.
+OpenFile::Lock OpenFile::lock()
 {
-    constexpr auto Patience = std::chrono::seconds(5);
-    constexpr auto Pause = std::chrono::milliseconds(5);
     struct flock whole = {};
     whole.l_type = F_WRLCK;
-    const auto deadline = std::chrono::steady_clock::now() + Patience;
-    while (uninterrupted([&] { return ::fcntl(m_descriptor, F_OFD_SETLK, &whole); }) != 0) {
-        if (errno != EAGAIN && errno != EACCES)
-            return 0;
-        if (std::chrono::steady_clock::now() >= deadline)
-            return ETIMEDOUT;
-        std::this_thread::sleep_for(Pause);
-    }
-    return 0;
+    m_isLocked = uninterrupted([&] { return ::fcntl(m_descriptor, F_OFD_SETLK, &whole); }) == 0;
+    if (m_isLocked)
+        return Lock::Held;
+    return errno == EAGAIN || errno == EACCES ? Lock::Busy : Lock::Unsupported;
 }
 
 bool OpenFile::write(const std::string& contents) const
@@ -80,6 +74,11 @@ bool OpenFile::flush() const
 
 void OpenFile::close()
 {
+    // A child of this process, which has the descriptor too, must not keep the lock.
+    struct flock whole = {};
+    whole.l_type = F_UNLCK;
+    if (std::exchange(m_isLocked, false))
+        ::fcntl(m_descriptor, F_OFD_SETLK, &whole);
     if (m_descriptor >= 0)
         ::close(m_descriptor);
     m_descriptor = -1;

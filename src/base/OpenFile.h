@@ -23,9 +23,13 @@ public:
     bool status(struct stat& to) const;
     /// Whether @p path is a name of this very file.
     bool isNamed(const std::string& path) const;
-    /// Locks the file until it is closed, and waits for other programs to unlock it. Returns 0, also if the
-    /// file system has no locks, or ETIMEDOUT after five seconds.
-    int lock() const;
+    enum class Lock
+    {
+        Held,       ///< Until close(), or until the process ends.
+        Busy,       ///< Another program holds it.
+        Unsupported ///< The file system has no locks.
+    };
+    Lock lock();
     bool write(const std::string& contents) const;
     /// Brings what was written to the disk, and learns of failures. The lock stays.
     bool flush() const;
@@ -33,6 +37,7 @@ public:
 
 private:
     int m_descriptor = -1;
+    bool m_isLocked = false;
 };
 
 } // namespace Halvern::Base

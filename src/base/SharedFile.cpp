@@ -4,11 +4,14 @@
 #include "base/OpenFile.h"
 
 #include <cerrno>
+#include <chrono>
 #include <cstdio>
 #include <fcntl.h>
 #include <limits.h>
+#include <map>
 #include <sys/stat.h>
 #include <sys/xattr.h>
+#include <thread>
 #include <unistd.h>
 #include <utility>
 
@@ -54,6 +57,8 @@ bool copyAttributes(const std::string& from, int to)
     bool complete = true;
     std::string names(XATTR_LIST_MAX, '\0');
     const ssize_t length = ::listxattr(from.c_str(), names.data(), names.size());
+    if (length < 0 && errno != ENOTSUP && errno != ENOSYS)
+        return false;
     names.resize(length > 0 ? static_cast<std::size_t>(length) : 0);
     std::string value(XATTR_SIZE_MAX, '\0');
     for (std::size_t at = 0; at < names.size(); at += std::char_traits<char>::length(&names[at]) + 1) {
@@ -91,17 +96,16 @@ void copyPermissions(const OpenFile& file, const std::string& path, const Status
     static_cast<void>(given);
 }
 
-// Writes into the old file. Its blocks are had, and written over, before it is cut: a full disk leaves it as
-// it was, if its file system can reserve space.
-int overwrite(const OpenFile& file, const std::string& contents)
+// Writes over the file. Its blocks are had, and written, before it is cut: a full disk leaves it as it was,
+// if its file system can reserve space.
+bool writeOver(const OpenFile& file, const std::string& contents)
 {
     const auto size = static_cast<off_t>(contents.size());
-    if (uninterrupted([&] { return ::fallocate(file.number(), FALLOC_FL_KEEP_SIZE, 0, size); }) != 0 &&
-        (errno == ENOSPC || errno == EDQUOT))
-        return errno;
-    const bool written = file.write(contents) &&
-                         uninterrupted([&] { return ::ftruncate(file.number(), size); }) == 0 && file.flush();
-    return written ? 0 : errno;
+    const bool isFull =
+        uninterrupted([&] { return ::fallocate(file.number(), FALLOC_FL_KEEP_SIZE, 0, size); }) != 0 &&
+        (errno == ENOSPC || errno == EDQUOT);
+    return !isFull && ::lseek(file.number(), 0, SEEK_SET) == 0 && file.write(contents) &&
+           uninterrupted([&] { return ::ftruncate(file.number(), size); }) == 0 && file.flush();
 }
 
 // Whether a file can be written over that no other file can take the place of.
@@ -110,13 +114,24 @@ bool isBoundToItsPlace(int error)
     return error == EACCES || error == EPERM || error == EROFS || error == EBUSY || error == EXDEV;
 }
 
-/// The two locked files of one change.
+// What files held before they were written over in part, by path. The next change begins with it.
+std::map<std::string, std::string>& interruptedFiles()
+{
+    static std::map<std::string, std::string> files;
+    return files;
+}
+
+using Clock = std::chrono::steady_clock;
+
+/// The two files of one change: the old one, and the new one that takes its place. Other programs are kept
+/// away by a lock of the old file and by the name of the new one, which only one program can make.
 class Change
 {
 public:
-    explicit Change(std::string path)
+    Change(std::string path, Clock::time_point deadline)
         : m_path(std::move(path))
         , m_newPath(folderOf(m_path) + '.' + m_path.substr(nameBegin(m_path)) + ".new")
+        , m_deadline(deadline)
     {
     }
     ~Change()
@@ -131,30 +146,39 @@ public:
 
 private:
     bool isRegular() const { return S_ISREG(m_oldStatus.st_mode); }
+    bool hasTime() const { return Clock::now() < m_deadline; }
     int begin();
     int openOld();
     int openNew();
-    int replace(const std::string& contents);
+    int removeLeft();
+    int replace(const std::string& before, const std::string& contents);
+    int overwrite(const std::string& before, const std::string& contents);
 
     const std::string m_path;
     const std::string m_newPath;
+    const Clock::time_point m_deadline;
     OpenFile m_old; // closed if there is no old file
     OpenFile m_new; // closed if no new file can be made
     Status m_oldStatus = {};
 };
 
-// Each try fails only because another program was quicker.
+// EAGAIN says that another program was quicker.
 int Change::begin()
 {
-    constexpr int MostTries = 1000;
-    for (int attempt = 0; attempt < MostTries; ++attempt) {
+    constexpr auto Pause = std::chrono::milliseconds(5);
+    constexpr auto Grace = std::chrono::seconds(1); // to begin after something was removed
+    for (;;) {
         int error = openOld();
         if (error == 0 && (!m_old.isOpen() || isRegular()))
             error = openNew();
         if (error != EAGAIN)
             return error;
+        if (Clock::now() > m_deadline + Grace)
+            return ETIMEDOUT;
+        m_new.close();
+        m_old.close();
+        std::this_thread::sleep_for(Pause);
     }
-    return EAGAIN;
 }
 
 int Change::openOld()
@@ -166,31 +190,26 @@ int Change::openOld()
         return errno;
     if (!isRegular())
         return 0;
-    const int error = m_old.lock();
-    return error == 0 && !m_old.isNamed(m_path) ? EAGAIN : error;
+    if (m_old.lock() == OpenFile::Lock::Busy)
+        return hasTime() ? EAGAIN : ETIMEDOUT;
+    return m_old.isNamed(m_path) ? 0 : EAGAIN;
 }
 
 int Change::openNew()
 {
     const bool hadOld = m_old.isOpen();
-    m_new = OpenFile(m_newPath, O_WRONLY | O_CREAT | O_NOFOLLOW, hadOld ? PrivateMode : NewFileMode);
-    if (!m_new.isOpen())
-        return hadOld && isBoundToItsPlace(errno) ? 0 : errno;
-    if (const int error = m_new.lock())
-        return error;
-    Status status = {};
-    if (!m_new.isNamed(m_newPath) || !m_new.status(status))
-        return EAGAIN;
-    // A process that was killed left it, perhaps for others to read.
-    const bool isOpenToOthers = (status.st_mode & ~m_oldStatus.st_mode & AllPermissions) != 0;
-    if (status.st_size != 0 || (hadOld && isOpenToOthers)) {
-        if (::unlink(m_newPath.c_str()) == 0)
-            return EAGAIN;
-        const int error = errno;
-        m_new.close();
-        return hadOld ? 0 : error;
-    }
+    const int error = [&] {
+        m_new = OpenFile(m_newPath, O_WRONLY | O_CREAT | O_EXCL, hadOld ? PrivateMode : NewFileMode);
+        if (!m_new.isOpen())
+            return errno == EEXIST ? removeLeft() : errno;
+        m_new.lock();
+        // Before it was locked, another program may have taken it for one that was left.
+        return m_new.isNamed(m_newPath) ? 0 : EAGAIN;
+    }();
+    if (error != 0)
+        return hadOld && isBoundToItsPlace(error) ? 0 : error;
     // Without an old file nothing was locked until now, and another program may have made one.
+    Status status = {};
     if (hadOld)
         return 0;
     if (uninterrupted([&] { return ::stat(m_path.c_str(), &status); }) == 0)
@@ -198,23 +217,50 @@ int Change::openNew()
     return errno == ENOENT ? 0 : errno;
 }
 
+// Removes what has the name of the new file, unless a living program is at work on it: what can be locked was
+// left by one that was killed, and so was, after a while, what has no lock.
+int Change::removeLeft()
+{
+    Status status = {};
+    if (::lstat(m_newPath.c_str(), &status) != 0)
+        return errno == ENOENT ? EAGAIN : errno;
+    if (S_ISREG(status.st_mode)) {
+        OpenFile left(m_newPath, O_WRONLY | O_NOFOLLOW | O_NONBLOCK);
+        const OpenFile::Lock lock = left.isOpen() ? left.lock() : OpenFile::Lock::Unsupported;
+        if (lock != OpenFile::Lock::Held && hasTime())
+            return EAGAIN;
+        if (lock == OpenFile::Lock::Busy)
+            return ETIMEDOUT;
+        if (left.isOpen() && !left.isNamed(m_newPath))
+            return EAGAIN;
+    }
+    return ::unlink(m_newPath.c_str()) == 0 || errno == ENOENT ? EAGAIN : errno;
+}
+
 int Change::run(const Edit& edit)
 {
     if (const int error = begin())
         return error;
     std::string contents;
-    const int readError = m_old.isOpen() ? read(m_path, contents) : ENOENT;
+    int readError = m_old.isOpen() ? read(m_path, contents) : ENOENT;
+    if (const auto interrupted = interruptedFiles().find(m_path); interrupted != interruptedFiles().end()) {
+        contents = interrupted->second;
+        readError = 0;
+    }
     const std::string before = contents;
     if (const int error = edit(readError, contents))
         return error;
     if (m_old.isOpen() && !isRegular())
         return m_old.write(contents) ? 0 : errno;
-    if (readError == 0 && contents == before)
+    if (readError == 0 && contents == before && interruptedFiles().count(m_path) == 0)
         return 0;
-    return m_new.isOpen() ? replace(contents) : overwrite(m_old, contents);
+    const int error = m_new.isOpen() ? replace(before, contents) : overwrite(before, contents);
+    if (error == 0)
+        interruptedFiles().erase(m_path);
+    return error;
 }
 
-int Change::replace(const std::string& contents)
+int Change::replace(const std::string& before, const std::string& contents)
 {
     if (!m_new.write(contents))
         return errno;
@@ -222,19 +268,26 @@ int Change::replace(const std::string& contents)
         copyPermissions(m_new, m_path, m_oldStatus);
     if (!m_new.flush())
         return errno;
-    // Another program can only have taken its name if the file system has no locks.
-    if (!m_new.isNamed(m_newPath))
-        return EAGAIN;
     if (uninterrupted([&] { return std::rename(m_newPath.c_str(), m_path.c_str()); }) != 0) {
         const int error = errno;
         // A server may have renamed it though its answer was lost.
         if (!m_new.isNamed(m_path))
-            return m_old.isOpen() && isBoundToItsPlace(error) ? overwrite(m_old, contents) : error;
+            return m_old.isOpen() && isBoundToItsPlace(error) ? overwrite(before, contents) : error;
     }
     const OpenFile folder(folderOf(m_path) + '.', O_RDONLY | O_DIRECTORY);
     if (folder.isOpen())
         ::fsync(folder.number());
     return 0;
+}
+
+int Change::overwrite(const std::string& before, const std::string& contents)
+{
+    if (writeOver(m_old, contents))
+        return 0;
+    const int error = errno;
+    if (!writeOver(m_old, before))
+        interruptedFiles()[m_path] = before;
+    return error;
 }
 
 } // namespace
@@ -266,14 +319,15 @@ int read(const std::string& path, std::string& contents)
     return EFBIG;
 }
 
-int change(const std::string& path, const Edit& edit)
+int change(const std::string& path, const Edit& edit, std::chrono::milliseconds patience)
 {
+    const auto deadline = Clock::now() + patience;
     const auto attempt = [&] {
         std::string target = path;
         const int error = followLinks(target);
-        return error == 0 ? Change(target).run(edit) : error;
+        return error == 0 ? Change(target, deadline).run(edit) : error;
     };
-    // What failed once may pass. Whoever waited for long has waited enough.
+    // What failed once may pass.
     const int error = attempt();
     return error == 0 || error == ETIMEDOUT ? error : attempt();
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstddef>
 #include <functional>
 #include <string>
@@ -21,24 +22,27 @@ int read(const std::string& path, std::string& contents);
 using Edit = std::function<int(int error, std::string& contents)>;
 
 /// Changes the file @p path, or makes it. Other programs that call change() for the same file wait from
-/// before @p edit is called until the new contents are in place. The lock ends with the process.
+/// before @p edit is called until the new contents are in place, @p patience at most. A process that ends
+/// keeps no lock. On a file system without locks, what a killed process left is taken for its work until
+/// @p patience is over.
 ///
 /// Whatever interrupts the change, the file holds either all of the old or all of the new contents: a new
 /// file, ".NAME.new", is written beside the old one, brought to the disk, and then renamed. What a process
-/// that was killed leaves of it is removed by the next change. A symbolic link stays: the file that it leads
-/// to is replaced. A device or pipe is written to.
+/// that was killed leaves of it is removed by the next change. Whatever else has that name is removed. A
+/// symbolic link stays: the file that it leads to is replaced. A device or pipe is written to.
 ///
 /// The new file gets the permissions, the access list and the other attributes of the old one and, if the
 /// system allows it, its owner and group. What cannot be kept makes it less accessible, never more.
 ///
 /// If the system lets no other file take its place (its folder may not be written, it is mounted by itself),
-/// an old file that may be written is written over instead. Only an interruption of that can leave it in
-/// part.
+/// an old file that may be written is written over instead. Only a crash can leave it in part: if the disk
+/// fails, the old contents are put back, now or by the next change.
 ///
 /// A change that fails is tried once more, with another call of @p edit.
 ///
 /// Returns 0, or the error number of what failed: EACCES if the file may not be written, ENOSPC if the disk
-/// is full, ETIMEDOUT if another program kept it locked for several seconds.
-int change(const std::string& path, const Edit& edit);
+/// is full, ETIMEDOUT if another program kept it locked. To be called by one thread of the process.
+int change(const std::string& path, const Edit& edit,
+           std::chrono::milliseconds patience = std::chrono::seconds(5));
 
 } // namespace Halvern::Base::SharedFile

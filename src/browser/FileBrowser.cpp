@@ -92,8 +92,8 @@ FileBrowser::~FileBrowser()
 {
     if (favoritesChanged || FavoritesStore::instance().isSaveDue())
         SaveFavorites();
-    AppSettings::Store(_directoryIdentifier, currentDirectory.absolutePath());
-    AppSettings::Store(_previewIdentifier, previewButton->checkState() == Qt::Checked);
+    AppSettings::Store({{_directoryIdentifier, currentDirectory.absolutePath()},
+                        {_previewIdentifier, previewButton->checkState() == Qt::Checked}});
     // What points back to the browser goes before the browser does, and without calling it.
     filesMenu->disconnect(this);
     delete filesMenu;

@@ -82,7 +82,7 @@ void FileBrowser::showSequences(bool state)
     splitCheck->setEnabled(state);
     const SequenceMode mode = state ? SequenceMode::Collapsed : SequenceMode::Expanded;
     if (sequencesEnabled)
-        AppSettings::Store(_sequencesIdentifier, static_cast<int>(mode));
+        AppSettings::Store({{_sequencesIdentifier, static_cast<int>(mode)}});
     directoryModel->setSequenceMode(mode);
     buildRowsAfterClick();
 }
@@ -100,7 +100,7 @@ void FileBrowser::setSequencesEnabled(bool enabled)
 void FileBrowser::splitIncompleteSequences(bool state)
 {
     if (sequencesEnabled)
-        AppSettings::Store(_splitSequencesIdentifier, state);
+        AppSettings::Store({{_splitSequencesIdentifier, state}});
     directoryModel->setSplitSequences(state);
     buildRowsAfterClick();
 }

@@ -63,8 +63,8 @@ void FileBrowser::loadSortOrder()
 
 void FileBrowser::sortingChanged(int region, Qt::SortOrder sort)
 {
-    AppSettings::Store(_orderLogicalIndexIdentifier, region);
-    AppSettings::Store(_sortOrderIdentifier, static_cast<int>(sort));
+    AppSettings::Store(
+        {{_orderLogicalIndexIdentifier, region}, {_sortOrderIdentifier, static_cast<int>(sort)}});
 }
 
 void FileBrowser::loadDirectorySettings()

@@ -58,7 +58,7 @@ FileDialog::FileDialog(QWidget* parent, const char* acceptText, const char* acce
 
 FileDialog::~FileDialog()
 {
-    AppSettings::Store(FileBrowser::_sizeIdentifier, size());
+    AppSettings::Store({{FileBrowser::_sizeIdentifier, size()}});
     // Before the rest of the dialog goes, to which its last signals are connected.
     delete browser;
 }

@@ -43,8 +43,18 @@ int optionValue(const std::string& text)
     return option == std::end(options) ? 0 : option->value;
 }
 
-QString quoted(const QString& value)
+// What a line can hold of a text, but for quote characters: one line of bounded length.
+QString bounded(const QString& text)
 {
+    constexpr int MostCharacters = 4000;
+    static const QRegularExpression lineEnd(QStringLiteral("[\\r\\n]"));
+    const int end = text.indexOf(lineEnd);
+    return text.left(end < 0 ? MostCharacters : std::min(end, MostCharacters));
+}
+
+QString quoted(const QString& text)
+{
+    const QString value = bounded(text);
     if (!value.isEmpty() && !value.contains(blank))
         return blank + value;
     return QLatin1String(" \"") + value + QLatin1Char('"');
@@ -202,11 +212,8 @@ bool hasOverlongLine(const std::string& text)
 
 QString holdable(const QString& text)
 {
-    static const QRegularExpression lineEnd(QStringLiteral("[\\r\\n].*"),
-                                            QRegularExpression::DotMatchesEverythingOption);
     static const QRegularExpression quote(QStringLiteral("[\"']"));
-    QString held = text;
-    return held.remove(lineEnd).replace(quote, QString(QChar(0x2019)));
+    return bounded(text).replace(quote, QString(QChar(0x2019)));
 }
 
 QString holdableName(const QString& text)

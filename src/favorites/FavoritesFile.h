@@ -12,8 +12,8 @@
 ///
 /// with an option for each kind of browser ("-image", "-script", "-project", "-python", "-font", "-geo",
 /// "-misc", "-sequence"). A field that is empty or holds a space stands between double quotes. There is no
-/// escaping, so that a field cannot hold quote characters or line ends. Texts are bytes: they are written in
-/// the encoding of the locale, and read as UTF-8.
+/// escaping, so that a field cannot hold quote characters. It ends at the first line end of its text, and
+/// after 4000 characters. Texts are bytes: they are written in the encoding of the locale, and read as UTF-8.
 namespace Halvern::UI::FavoritesFile {
 
 /// Bytes of a line. A file with a longer one is not a favourites file.
@@ -34,8 +34,8 @@ QList<Favorite> parse(const std::string& text);
 /// Whether some line has more than MostLineBytes.
 bool hasOverlongLine(const std::string& text);
 
-/// @p text as a line can hold it: up to its first line end, with typographic apostrophes in place of both
-/// kinds of quote characters. Example: "the \"big\" one" gives "the ’big’ one".
+/// @p text as a line can hold it: up to its first line end, at most 4000 characters, with typographic
+/// apostrophes in place of both kinds of quote characters. Example: "the \"big\" one" gives "the ’big’ one".
 QString holdable(const QString& text);
 /// The same for a name, which an option would be read in place of: "-old" gives "_-old".
 QString holdableName(const QString& text);

@@ -144,22 +144,23 @@ void FavoritesStore::take(int error, QList<Favorite>& loaded, Duplicates duplica
     if (m_readDue)
         return;
     m_known = FavoritesFile::keys(loaded);
-    if (duplicates == Duplicates::LeftOut) {
-        const FavoritesFile::Keys present = FavoritesFile::keys(ensureList());
-        for (int i = loaded.size() - 1; i >= 0; --i) {
-            if (std::count(present.begin(), present.end(), (*m_known)[static_cast<std::size_t>(i)]) > 0)
-                loaded.removeAt(i);
-        }
-    }
-    for (Favorite& favorite : loaded)
-        resolve(favorite);
-    // All have one rank, so each belongs after the one before. What came late still goes before what was
-    // added.
-    QList<Favorite>& favoriteList = ensureList();
+    QList<Favorite>& favorites = ensureList();
     const int rank = Favorite(false, true).favoriteRank();
-    int position = insertionPoint(duplicates == Duplicates::LeftOut ? rank - 1 : rank);
-    for (const Favorite& favorite : qAsConst(loaded))
-        favoriteList.insert(position++, favorite);
+    int position = insertionPoint(rank);
+    if (duplicates == Duplicates::LeftOut) {
+        // What was added in the meantime takes the place of what it would have replaced, and the rest comes
+        // before it.
+        loaded.erase(std::remove_if(loaded.begin(), loaded.end(),
+                                    [this](const Favorite& favorite) {
+                                        return findPersistent(favorite) != m_list->end();
+                                    }),
+                     loaded.end());
+        position = insertionPoint(rank - 1);
+    }
+    // All have one rank, so each belongs after the one before.
+    for (int i = 0; i < loaded.size(); ++i)
+        favorites.insert(position + i, loaded.at(i));
+    resolve(position, loaded.size());
 }
 
 void FavoritesStore::load()
@@ -197,12 +198,14 @@ int FavoritesStore::write()
         Base::SharedFile::change(fileName(m_preferencesPath), [&](int error, std::string& contents) {
             if (error == 0 && FavoritesFile::hasOverlongLine(contents))
                 error = EFBIG;
-            // What was never read is replaced, but for what can be no favourites file.
-            if (error != 0 && error != ENOENT && (m_known || error == EFBIG))
+            if (error != 0 && error != ENOENT)
                 return error;
-            contents = m_known && error == 0
+            // An empty file was not written by a program that removed something.
+            contents = m_known && !contents.empty()
                            ? FavoritesFile::merge(contents, *m_known, favorites, m_productName)
                            : FavoritesFile::format(favorites, m_productName);
+            if (contents.size() > Base::SharedFile::MostBytes)
+                return EFBIG;
             return 0;
         });
     if (failure == 0)
@@ -224,15 +227,21 @@ void FavoritesStore::addFolder(const std::string& name, const std::string& keyTe
     favorite.requestedFlags = flags;
     favorite.type = flags >= 0 ? flags : ~flags;
     if (persist) {
-        const auto same = std::find_if(m_list->begin(), m_list->end(), [&](const Favorite& other) {
-            return other.persistent && other.type == favorite.type && hasName(other, name);
-        });
+        const auto same = findPersistent(favorite);
         if (same != m_list->end()) {
             *same = favorite;
             return;
         }
     }
     add(favorite);
+}
+
+// The first persistent favourite of the same name and type.
+QList<Favorite>::iterator FavoritesStore::findPersistent(const Favorite& favorite)
+{
+    return std::find_if(m_list->begin(), m_list->end(), [&](const Favorite& other) {
+        return other.persistent && other.type == favorite.type && other.name == favorite.name;
+    });
 }
 
 int FavoritesStore::insertionPoint(int rank) const
@@ -299,8 +308,13 @@ QIcon FavoritesStore::findIcon(const Favorite& favorite)
 
 void FavoritesStore::resolveAll()
 {
-    for (int i = 0, count = ensureList().size(); i < count; ++i) {
-        // The host's evaluator may change the list.
+    resolve(0, ensureList().size());
+}
+
+void FavoritesStore::resolve(int first, int count)
+{
+    for (int i = first; i < first + count; ++i) {
+        // The host's evaluator may change the list, or save it.
         Favorite favorite = m_list->value(i);
         resolve(favorite);
         if (i < m_list->size() && m_list->at(i).isSame(favorite))

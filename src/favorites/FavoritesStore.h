@@ -52,9 +52,9 @@ public:
     /// Appends what the file holds, duplicates included, and resolves it.
     void load();
     /// Writes the file, as Base::SharedFile::change() does. If it was read before, what other programs
-    /// changed since stays (FavoritesFile::merge()), and the list does not change. If it was never read, it
-    /// is replaced by the list. If load() could not read it, it is tried again before; what can't be read is
-    /// not written.
+    /// changed since stays (FavoritesFile::merge()), and the list does not change. If it was never read, or
+    /// is missing or empty, it is replaced by the list. If load() could not read it, it is tried again
+    /// before; what can't be read is not written.
     void save();
     /// Whether the last save() failed, so that the file lacks changes.
     bool isSaveDue() const { return m_saveDue; }
@@ -90,6 +90,8 @@ private:
     int read(QList<Favorite>& loaded) const;
     void take(int error, QList<Favorite>& loaded, Duplicates duplicates);
     int write();
+    QList<Favorite>::iterator findPersistent(const Favorite& favorite);
+    void resolve(int first, int count);
     int insertionPoint(int rank) const;
     QIcon findIcon(const Favorite& favorite);
 

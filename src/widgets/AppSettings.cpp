@@ -8,6 +8,7 @@
 #include <QFileInfo>
 #include <QLockFile>
 #include <cerrno>
+#include <chrono>
 #include <cstdio>
 #include <utility>
 
@@ -16,7 +17,7 @@ namespace Halvern::UI {
 namespace {
 
 constexpr const char* defaultName = "HvMirefoldCoreUI";
-constexpr int LockPatience = 200; // milliseconds
+constexpr auto Patience = std::chrono::milliseconds(200);
 
 std::string encodedPath(const QString& path)
 {
@@ -83,40 +84,45 @@ std::optional<QSize> AppSettings::Size(const QString& key)
     return valid ? std::optional<QSize>(QSize(width, height)) : std::nullopt;
 }
 
-bool AppSettings::Store(const QString& key, const QString& text)
+AppSettings::Entry::Entry(QString entryKey, const QString& text)
+    : key(std::move(entryKey))
+    , value(IniText::encoded(text))
 {
-    return write(key, IniText::encoded(text));
 }
 
-bool AppSettings::Store(const QString& key, int number)
+AppSettings::Entry::Entry(QString entryKey, int number)
+    : key(std::move(entryKey))
+    , value(QByteArray::number(number))
 {
-    return write(key, QByteArray::number(number));
 }
 
-bool AppSettings::Store(const QString& key, bool flag)
+AppSettings::Entry::Entry(QString entryKey, bool flag)
+    : key(std::move(entryKey))
+    , value(flag ? "true" : "false")
 {
-    return write(key, flag ? "true" : "false");
 }
 
-bool AppSettings::Store(const QString& key, const QSize& size)
+AppSettings::Entry::Entry(QString entryKey, const QSize& size)
+    : key(std::move(entryKey))
+    , value("@Size(" + QByteArray::number(size.width()) + ' ' + QByteArray::number(size.height()) + ')')
 {
-    return write(key,
-                 "@Size(" + QByteArray::number(size.width()) + ' ' + QByteArray::number(size.height()) + ')');
 }
 
-bool AppSettings::write(const QString& key, const QByteArray& value)
+bool AppSettings::Store(std::initializer_list<Entry> entries)
 {
     const QString path = FilePath();
     QDir().mkpath(QFileInfo(path).path());
     // The lock that QSettings takes, for hosts that use it. Some process may have left it.
     QLockFile lock(path + QLatin1String(".lock"));
-    lock.tryLock(LockPatience);
-    const auto replaceValue = [&](int error, std::string& text) {
-        if (error == 0 || error == ENOENT)
-            text = IniText::replaced(QByteArray::fromStdString(text), key, value).toStdString();
+    lock.tryLock(static_cast<int>(Patience.count()));
+    const auto edit = [&](int error, std::string& contents) {
+        QByteArray text = QByteArray::fromStdString(contents);
+        for (const Entry& entry : entries)
+            text = IniText::replaced(text, entry.key, entry.value);
+        contents = text.toStdString();
         return error == ENOENT ? 0 : error;
     };
-    return Base::SharedFile::change(encodedPath(path), replaceValue) == 0;
+    return Base::SharedFile::change(encodedPath(path), edit, Patience) == 0;
 }
 
 void AppSettings::SetName(std::string name)

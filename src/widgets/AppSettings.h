@@ -4,6 +4,7 @@
 
 #include <QSettings>
 #include <QSize>
+#include <initializer_list>
 #include <optional>
 #include <string>
 
@@ -42,16 +43,23 @@ public:
     static std::optional<bool> Flag(const QString& key);
     static std::optional<QSize> Size(const QString& key);
 
-    /// Writes one value: it is in the file afterwards, and everything else in the file is as it was. False if
-    /// it could not be written, and then the file is as it was. A file that cannot be read is not written.
-    static bool Store(const QString& key, const QString& text);
-    static bool Store(const QString& key, int number);
-    static bool Store(const QString& key, bool flag);
-    static bool Store(const QString& key, const QSize& size);
+    /// A value to be stored.
+    struct HVCOREUI_EXPORT Entry
+    {
+        Entry(QString entryKey, const QString& text);
+        Entry(QString entryKey, int number);
+        Entry(QString entryKey, bool flag);
+        Entry(QString entryKey, const QSize& size);
+
+        QString key;
+        QByteArray value; ///< As it stands in the file.
+    };
+    /// Writes values: they are in the file afterwards, and everything else in the file is as it was. False if
+    /// they could not be written, and then the file is as it was. A file that cannot be read is not written.
+    /// Another program that writes the file is waited for, 0.2 seconds at most.
+    static bool Store(std::initializer_list<Entry> entries);
 
 private:
-    static bool write(const QString& key, const QByteArray& value);
-
     static std::string _name;
 };
 

@@ -1,5 +1,6 @@
 #include "widgets/IniText.h"
 
+#include <QStringList>
 #include <algorithm>
 #include <cctype>
 #include <cstring>
@@ -8,16 +9,69 @@ namespace Halvern::UI::IniText {
 
 namespace {
 
+constexpr const char* byteOrderMark = "\xef\xbb\xbf";
 constexpr const char* simpleEscapes = "abfnrtv\"?'\\";
 constexpr const char* escapedCharacters = "\a\b\f\n\r\t\v\"?'\\";
 
-/// Where the value of a key stands, or where its line belongs.
-struct Place
+/// A line as QSettings has it: quotes and a backslash carry it on, a semicolon ends it.
+struct Line
 {
-    int begin = -1; // of the value; negative if there is none
+    int begin = 0;
     int end = 0;
-    int groupEnd = -1; // where a line can be added to the group; negative if there is no such group
+    int equals = -1;
 };
+
+bool isBlank(char byte)
+{
+    return byte == ' ' || byte == '\t' || byte == '\r' || byte == '\n';
+}
+
+// The first line from @p from on that is neither empty nor a comment; an empty one at the end.
+Line nextLine(const QByteArray& ini, int from)
+{
+    const int size = ini.size();
+    while (from < size && (isBlank(ini.at(from)) || ini.at(from) == ';')) {
+        const bool isComment = ini.at(from) == ';';
+        ++from;
+        while (isComment && from < size && ini.at(from) != '\n' && ini.at(from) != '\r')
+            ++from;
+    }
+    Line line{from, from, -1};
+    bool isQuoted = false;
+    for (; line.end < size; ++line.end) {
+        const char byte = ini.at(line.end);
+        if (!isQuoted && (byte == '\n' || byte == '\r' || byte == ';'))
+            break;
+        if (byte == '\\')
+            ++line.end;
+        else if (byte == '"')
+            isQuoted = !isQuoted;
+        else if (byte == '=' && !isQuoted && line.equals < 0)
+            line.equals = line.end;
+    }
+    line.end = std::min(line.end, size);
+    return line;
+}
+
+QString decodedKey(const QByteArray& bytes)
+{
+    QString key;
+    for (int i = 0; i < bytes.size(); ++i) {
+        const char byte = bytes.at(i);
+        const bool isWide = bytes.mid(i + 1, 1).toUpper() == "U";
+        const int first = i + (isWide ? 2 : 1);
+        const int digits = isWide ? 4 : 2;
+        bool valid = false;
+        const uint code = bytes.mid(first, digits).toUInt(&valid, 16);
+        if (byte == '%' && valid && first + digits <= bytes.size()) {
+            key += QChar(static_cast<ushort>(code));
+            i = first + digits - 1;
+        } else {
+            key += byte == '\\' ? QLatin1Char('/') : QLatin1Char(byte);
+        }
+    }
+    return key;
+}
 
 QByteArray encodedKey(const QString& key)
 {
@@ -34,38 +88,59 @@ QByteArray encodedKey(const QString& key)
     return bytes;
 }
 
-QByteArray groupOf(const QString& key)
+// With "/" after it, empty for keys without a group.
+QString groupOf(const QByteArray& header)
 {
-    return encodedKey(key.section(QLatin1Char('/'), 0, 0));
+    const int end = header.indexOf(']');
+    const QByteArray name = header.mid(1, end < 0 ? -1 : end - 1).trimmed();
+    if (name.compare("general", Qt::CaseInsensitive) == 0)
+        return QString();
+    const bool isEscaped = name.compare("%general", Qt::CaseInsensitive) == 0;
+    return decodedKey(isEscaped ? name.mid(1) : name) + QLatin1Char('/');
 }
 
-QByteArray nameOf(const QString& key)
+QByteArray headerOf(const QString& group)
 {
-    return encodedKey(key.section(QLatin1Char('/'), 1));
+    const QString name = group.chopped(group.isEmpty() ? 0 : 1);
+    if (name.isEmpty())
+        return "[General]";
+    const bool needsEscape = name.compare(QLatin1String("general"), Qt::CaseInsensitive) == 0;
+    return needsEscape ? "[%" + name.toLatin1() + ']' : '[' + encodedKey(name) + ']';
 }
 
-Place placeOf(const QByteArray& ini, const QString& key)
+// As QSettings has keys.
+QString normalised(const QString& key)
 {
-    const QByteArray group = '[' + groupOf(key) + ']';
-    const QByteArray name = nameOf(key);
+    QStringList parts = key.split(QLatin1Char('/'));
+    parts.removeAll(QString());
+    return parts.join(QLatin1Char('/'));
+}
+
+/// Where the value of a key stands, or where its line belongs.
+struct Place
+{
+    int begin = -1; // of the value; negative if there is none
+    int end = 0;
+    int groupEnd = -1; // negative if there is no such group
+};
+
+Place placeOf(const QByteArray& ini, const QString& key, const QString& keyGroup)
+{
     Place place;
-    bool isInGroup = false;
-    for (int begin = 0; begin < ini.size();) {
-        int end = ini.indexOf('\n', begin);
-        end = end < 0 ? ini.size() : end;
-        const QByteArray line = ini.mid(begin, end - begin);
-        const QByteArray text = line.trimmed();
-        const int equals = line.indexOf('=');
-        if (text.startsWith('['))
-            isInGroup = text == group;
-        else if (isInGroup && equals >= 0 && line.left(equals).trimmed() == name) {
+    QString group;
+    Line line =
+        nextLine(ini, ini.startsWith(byteOrderMark) ? static_cast<int>(std::strlen(byteOrderMark)) : 0);
+    for (; line.begin < ini.size(); line = nextLine(ini, line.end)) {
+        if (ini.at(line.begin) == '[')
+            group = groupOf(ini.mid(line.begin, line.end - line.begin));
+        else if (line.equals >= 0 &&
+                 group + decodedKey(ini.mid(line.begin, line.equals - line.begin).trimmed()) == key) {
             // Of several, the last one counts.
-            place.begin = begin + equals + 1;
-            place.end = end;
+            place.begin = line.equals + 1;
+            place.end = line.end;
         }
-        if (isInGroup && !text.isEmpty())
-            place.groupEnd = std::min(end + 1, ini.size());
-        begin = end + 1;
+        if (group == keyGroup)
+            place.groupEnd = line.end;
     }
     return place;
 }
@@ -74,7 +149,7 @@ Place placeOf(const QByteArray& ini, const QString& key)
 
 std::optional<QByteArray> find(const QByteArray& ini, const QString& key)
 {
-    const Place place = placeOf(ini, key);
+    const Place place = placeOf(ini, normalised(key), QString());
     if (place.begin < 0)
         return std::nullopt;
     return ini.mid(place.begin, place.end - place.begin).trimmed();
@@ -82,16 +157,22 @@ std::optional<QByteArray> find(const QByteArray& ini, const QString& key)
 
 QByteArray replaced(const QByteArray& ini, const QString& key, const QByteArray& value)
 {
-    const Place place = placeOf(ini, key);
+    const QString wanted = normalised(key);
+    const QString group = wanted.left(wanted.indexOf(QLatin1Char('/')) + 1);
+    const Place place = placeOf(ini, wanted, group);
     QByteArray text = ini;
     if (place.begin >= 0)
         return text.replace(place.begin, place.end - place.begin, value);
-    const QByteArray line = nameOf(key) + '=' + value + '\n';
+    const QByteArray line = encodedKey(wanted.mid(group.size())) + '=' + value + '\n';
+    // After the last line of its group, and a comment there.
+    const int lineEnd = place.groupEnd < 0 ? -1 : text.indexOf('\n', place.groupEnd);
+    if (lineEnd >= 0)
+        return text.insert(lineEnd + 1, line);
     if (!text.isEmpty() && !text.endsWith('\n'))
         text += '\n';
     if (place.groupEnd < 0)
-        return text + (text.isEmpty() ? "" : "\n") + '[' + groupOf(key) + "]\n" + line;
-    return text.insert(place.groupEnd == ini.size() ? text.size() : place.groupEnd, line);
+        text += (text.isEmpty() ? "" : "\n") + headerOf(group) + '\n';
+    return text + line;
 }
 
 std::optional<QString> decoded(const QByteArray& value)
@@ -115,6 +196,8 @@ std::optional<QString> decoded(const QByteArray& value)
                 ++i;
             return QChar(static_cast<ushort>(value.mid(begin, i - begin).right(8).toUInt(nullptr, base)));
         };
+        if (escape == '\n' || escape == '\r')
+            continue;
         if (escape == 'x') {
             text += digits(16);
         } else if (escape >= '0' && escape < '8') {

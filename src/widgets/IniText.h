@@ -5,8 +5,8 @@
 #include <optional>
 
 /// Single values in the text of an INI file, as QSettings writes it. All other values are left alone and
-/// never decoded: they may be damaged, or made to do harm. Keys are those of QSettings, "GROUP/NAME" or
-/// "GROUP/SUBGROUP/NAME".
+/// never decoded: they may be damaged, or made to do harm. Keys are those of QSettings: "NAME", "GROUP/NAME"
+/// or "GROUP/SUBGROUP/NAME", with any number of "/".
 namespace Halvern::UI::IniText {
 
 /// What stands after the "=" of @p key, without blanks around it. Nothing if the key is missing.

@@ -105,11 +105,11 @@ private slots:
              {"access", "stat", "open", "read", "write", "fsync", "fchmod", "rename", "close"}) {
             for (const int error : {EIO, ENOSPC, ESTALE, EACCES, EINTR}) {
                 for (int place = 1, hit = -1; hit == -1; ++place) {
-                    QVERIFY(AppSettings::Store("key", QString("old")) &&
-                            AppSettings::Store("other", QString("kept")));
+                    QVERIFY(AppSettings::Store({{"key", QString("old")}}) &&
+                            AppSettings::Store({{"other", QString("kept")}}));
                     fail(call, error, place);
                     faultyFolder = settingsFolder.constData();
-                    const bool isStored = AppSettings::Store("key", QString("new"));
+                    const bool isStored = AppSettings::Store({{"key", QString("new")}});
                     hit = faults[CallPlace];
                     endFaults();
                     const QString what = QString("%1 %2 %3").arg(call).arg(error).arg(place);

@@ -276,6 +276,48 @@ private slots:
         }
     }
 
+    void evaluatorMaySaveWhileItIsAsked()
+    {
+        struct Saving : FavoriteExpressionEvaluator
+        {
+            explicit Saving(FavoritesStore* asking)
+                : store(asking)
+            {
+            }
+            QString evaluate(const Favorite& favorite) override
+            {
+                store->save();
+                return favorite.path;
+            }
+            FavoritesStore* store;
+        };
+        QVERIFY(makeFile(file, 0600));
+        FavoritesStore store;
+        store.setPreferences(file, "p");
+        store.setEvaluator(new Saving(&store));
+        store.initialize();
+        QCOMPARE(stored(file), QString("x:/x"));
+        // Whoever empties the file, or reads it late, removes nothing.
+        QVERIFY(QFile::resize(file, 0));
+        store.save();
+        QCOMPARE(stored(file), QString("x:/x"));
+    }
+
+    void removesWhatWasLeft()
+    {
+        const mode_t mode = ::getuid() == 0 ? 0400 : 0600; // others may not write what has no right to write
+        const QString left = folder.filePath(".favorites.new");
+        for (const int kind : {0, 1, 2}) {
+            QVERIFY(makeFile(file, mode) && (kind == 0   ? makeFile(left, 0)
+                                             : kind == 1 ? ::mkfifo(qPrintable(left), 0600) == 0
+                                                         : QFile::link("/no/such/file", left)));
+            QCOMPARE(messagesOfSaver("plain", file), QString());
+            QVERIFY(stored(file).startsWith("0:/0") && files() == QStringList("favorites"));
+            QCOMPARE(QFile::permissions(file).testFlag(QFile::WriteOwner), mode == 0600);
+            QVERIFY(QFile::remove(file));
+        }
+    }
+
     void initializesDefaultsOnce()
     {
         for (const bool persist : {false, true}) {

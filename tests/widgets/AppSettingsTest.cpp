@@ -31,17 +31,67 @@ private slots:
                 AppSettings().setValue("G r/" + key, text);
                 QCOMPARE(AppSettings::Text("G r/" + key).value_or("none"), text);
                 AppSettings().setValue("G r/" + key, "of a size of its own");
-                QVERIFY(AppSettings::Store("G r/" + key, text));
+                QVERIFY(AppSettings::Store({{"G r/" + key, text}}));
                 QCOMPARE(AppSettings().value("G r/" + key).toString(), text);
             }
         }
-        QVERIFY(AppSettings::Store("New/size", QSize(7, 8)) && AppSettings::Store("New/flag", true) &&
-                AppSettings::Store("New/number", -7));
+        QVERIFY(AppSettings::Store({{"New/size", QSize(7, 8)}}) && AppSettings::Store({{"New/flag", true}}) &&
+                AppSettings::Store({{"New/number", -7}}));
         QCOMPARE(AppSettings().value("New/size").toSize(), QSize(7, 8));
         QCOMPARE(AppSettings::Size("New/size").value_or(QSize()), QSize(7, 8));
         QVERIFY(AppSettings().value("New/flag").toBool() && AppSettings::Flag("New/flag").value_or(false));
         QVERIFY(AppSettings().value("New/number") == -7 && AppSettings::Number("New/number") == -7);
         QCOMPARE(AppSettings().allKeys().size(), 7);
+    }
+
+    // Files that others wrote: what QSettings finds is found, and stays for QSettings when a value is stored.
+    void understandsWhatQSettingsDoes()
+    {
+        const QByteArray files[] = {
+            "\xef\xbb\xbf[G]\nk=v\n",
+            "[ G ]\nk=v\nz=1\n",
+            "[G] ; note\n k =v ; note\nz=1",
+            "[G/sub]\nk=v\n[G]\nsub\\z=1\n",
+            "[G]\r\nk=v\r\nz=1\r\n",
+            "[G]\rk=v\rz=1\r",
+            "[G]\n%6b=v\nz=1\n",
+            "[G]\nk=\"a\nb\"\nz=1\n[P]\nx=1\n",
+            "[G]\nk=a\\\nz=2\nz=1\n",
+            "[A]\ny=\"\n[G]\nk=no\"\n[G]\nk=v\n",
+            "k=v\n[General]\nz=1\n",
+            "[%General]\nk=v\n[general]\nk=w\n",
+            "[G]\nk=a\nk=v\n[A]\n[G]\nk=w\n",
+            ";[G]\n[G\nk=v\n=\n",
+            "",
+        };
+        int number = 0;
+        for (const QByteArray& text : files) {
+            for (const QString key : {"G/k", "G/sub/k", "G//k/", "k", "General/k", "new"}) {
+                AppSettings::SetName("Studio " +
+                                     std::to_string(++number)); // QSettings remembers what it read
+                QFile file(AppSettings::FilePath());
+                QVERIFY(file.open(QFile::WriteOnly) && file.write(text) == text.size());
+                file.close();
+                QMap<QString, QString> expected;
+                {
+                    const AppSettings settings;
+                    for (const QString& one : settings.allKeys())
+                        expected[one] = settings.value(one).toString();
+                    const QString what = file.fileName() + key + '\n' + text;
+                    QVERIFY2(AppSettings::Text(key).value_or("none") == settings.value(key, "none"),
+                             qPrintable(what));
+                }
+                QVERIFY(AppSettings::Store({{key, QString("=;stored")}}));
+                AppSettings::SetName("Studio copy " + std::to_string(number));
+                QVERIFY(file.copy(AppSettings::FilePath()));
+                expected[key == "G//k/" ? QString("G/k") : key] = "=;stored";
+                QMap<QString, QString> found;
+                const AppSettings settings;
+                for (const QString& one : settings.allKeys())
+                    found[one] = settings.value(one).toString();
+                QVERIFY2(found == expected, qPrintable(key + '\n' + text));
+            }
+        }
     }
 
     void leavesAloneWhatItWasNotAskedFor()
@@ -57,7 +107,7 @@ private slots:
             QVERIFY2(!AppSettings::Text(key) && !AppSettings::Number(key) && !AppSettings::Size(key), key);
         QVERIFY(!AppSettings::Size("A/wide") && !AppSettings::Size("A/minus") &&
                 !AppSettings::Number("A/huge"));
-        QVERIFY(AppSettings::Store("A/new", 7) && AppSettings::Store("B/x", QString("a")));
+        QVERIFY(AppSettings::Store({{"A/new", 7}}) && AppSettings::Store({{"B/x", QString("a")}}));
         QVERIFY(file.open(QFile::ReadOnly));
         QCOMPARE(file.readAll(), bombs + "new=7\n[B]\nx=a\n");
     }
