@@ -4,7 +4,6 @@
 #include "base/SlowCalls.h"
 #include "base/Text.h"
 
-#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <dirent.h>
@@ -67,7 +66,7 @@ void FileGatherer::prepare(const std::string& directory)
 void FileGatherer::discardBatches()
 {
     auto left = m_names.reset();
-    if (std::any_of(left.begin(), left.end(), [](const auto& batch) { return batch != nullptr; }))
+    if (!left.empty())
         Base::callInBackground([left = std::move(left)] {});
     m_infos.reset();
     m_allNamesRead = false;

@@ -204,8 +204,7 @@ void FileManager::setNamesOrdered(bool ordered)
 NameOrder FileManager::takeNameOrder()
 {
     const auto taken = std::move(d->nameOrder);
-    const bool finished = taken && taken->isFinishing() && d->attempt([&] { taken->finish(); });
-    return finished ? std::move(*taken) : NameOrder();
+    return taken && taken->isFinished() ? std::move(*taken) : NameOrder();
 }
 
 bool FileManager::isInfoComplete() const

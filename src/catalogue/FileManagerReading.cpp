@@ -25,7 +25,7 @@ int errorOfOpening(const std::string& path)
 
 void FileManager::Private::insert(const std::vector<FileNameRecord>& names)
 {
-    if (nameOrder && nameOrder->isFinishing())
+    if (nameOrder && nameOrder->isFinished())
         nameOrder.reset();
     for (const FileNameRecord& record : names) {
         const FileInfo* file = index.add(record.name, record.kind == DT_DIR);
@@ -49,10 +49,12 @@ void FileManager::Private::takeNames()
 bool FileManager::Private::prepareList()
 {
     constexpr std::size_t AtOnce = 1000;
-    while (!index.settle(AtOnce) || (nameOrder && !nameOrder->finish(AtOnce))) {
+    while (!index.settle(AtOnce)) {
         if (turnIsOver())
             return false;
     }
+    if (nameOrder)
+        nameOrder->finish();
     return true;
 }
 

@@ -11,7 +11,7 @@ class FileInfo;
 /// The names of many entries and their order by sort key, kept close together: who filters looks at every
 /// name, and who sorts compares each with many others, where the entries are kilobytes apart.
 ///
-/// Entries can be added while they arrive. They are sorted in pieces then, and finish() merges these.
+/// Entries can be added while they arrive; finish() sorts them.
 class NameOrder
 {
 public:
@@ -35,15 +35,14 @@ public:
     /// bytes.
     static bool isKeyed(const FileInfo& entry);
 
-    /// The next entry, which may be null. Nothing is added once finish() was called.
+    /// The next entry, which may be null. Nothing is added after finish().
     void add(const FileInfo* entry);
-    /// Merges at most so many names further; true when all are in order. What follows is valid then.
-    bool finish(std::size_t most);
-    void finish() { finish(size()); }
-    bool isFinishing() const { return m_finishing; }
+    /// Sorts, once. What follows is valid from now on.
+    void finish();
+    bool isFinished() const { return m_finished; }
 
     /// How many were added.
-    std::size_t size() const { return m_size; }
+    std::size_t size() const { return m_keys.size(); }
     /// The number of each in the sequence of adding.
     const std::vector<int>& places() const { return m_places; }
     /// Of each of places(): the lower comes first, equal keys have equal ranks.
@@ -54,28 +53,12 @@ public:
     void apply(std::vector<FileInfo*>& entries) const;
 
 private:
-    struct Piece
-    {
-        Base::SortKeys keys; // behind each, the name
-        std::vector<int> places;
-        std::size_t merged = 0;
-    };
-
-    static bool comesLater(const Piece* a, const Piece* b);
-    void sortLastPiece();
-    void beginMerge();
-    void takeLeast();
-
     Places m_order;
-    std::size_t m_size = 0;
-    std::vector<Piece> m_pieces; // all but the last are sorted
-    std::vector<Piece*> m_heads; // a heap of those with something to merge, the least on top
+    Base::SortKeys m_keys;       // each followed by the name; sorted by finish()
     std::vector<int> m_unranked; // as they were added
-    const char* m_lastKey = nullptr;
-    int m_lastRank = 0;
-    bool m_finishing = false;
+    bool m_finished = false;
 
-    std::vector<const char*> m_names; // in the pieces
+    std::vector<const char*> m_names; // in m_keys
     std::vector<int> m_places;
     std::vector<int> m_ranks;
 };
