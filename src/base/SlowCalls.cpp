@@ -44,12 +44,13 @@ struct Calls
 {
     void makeSome()
     {
-        for (std::size_t index = next++; index < count; index = next++) {
+        std::size_t made = 0;
+        for (std::size_t index = next++; index < count; index = next++, ++made)
             call(index);
-            const std::lock_guard<std::mutex> lock(mutex);
-            if (--left == 0)
-                ended.notify_one();
-        }
+        const std::lock_guard<std::mutex> lock(mutex);
+        left -= made;
+        if (left == 0)
+            ended.notify_one();
     }
     void wait()
     {

@@ -40,8 +40,8 @@ void callInBackground(Work work) noexcept
             work();
         }
         Work work;
-        std::atomic<bool> given{
-            false}; // shows race detectors, which do not see Qt's locks, that the thread has work
+        // Race detectors do not see Qt's locks, which pass the task to the thread.
+        std::atomic<bool> given{false};
     };
     try {
         auto task = std::make_unique<Task>(work);

@@ -5,6 +5,7 @@
 #include <mutex>
 #include <new>
 #include <sys/mman.h>
+#include <utility>
 
 namespace Halvern::UI {
 
@@ -23,11 +24,6 @@ struct EntryPool::Block
     {
         std::destroy_n(entries, constructed);
         constructed = 0;
-    }
-    void free()
-    {
-        destroyEntries();
-        std::free(entries);
     }
     // Asked for together, pages come sooner than touched one by one. Meanwhile no other thread gets memory
     // from the system or gives any back, so that they are not too many.
@@ -54,7 +50,9 @@ struct EntryPool::Idle
     ~Idle()
     {
         for (Block& block : blocks)
-            block.free();
+            block.destroyEntries();
+        for (FileInfo* obtainedMemory : memory)
+            std::free(obtainedMemory);
     }
     // The last idle block that is wanted; null if there is none.
     template <class Wanted>
@@ -67,6 +65,20 @@ struct EntryPool::Idle
         blocks.erase(std::next(found).base());
         return block;
     }
+    // The system is slow to answer while another thread has pages put in place. So several blocks are asked
+    // for at once, as many as there are already, within a limit.
+    void obtainMemory()
+    {
+        memory.reserve(memory.size() + 1);
+        for (unused = std::min<std::size_t>(std::max<std::size_t>(obtained, 1), 16); unused > 0;
+             unused /= 2) {
+            next = static_cast<FileInfo*>(std::aligned_alloc(PageSize, unused * BlockBytes));
+            if (next) {
+                memory.push_back(next);
+                return;
+            }
+        }
+    }
     // A block without its pages; null if there is no memory.
     Block takeOrObtain()
     {
@@ -74,8 +86,13 @@ struct EntryPool::Idle
         if (block.entries)
             return block;
         blocks.reserve(obtained + 1); // so that giving blocks back needs no memory
-        block.entries = static_cast<FileInfo*>(std::aligned_alloc(PageSize, BlockBytes));
-        obtained += block.entries ? 1 : 0;
+        if (unused == 0)
+            obtainMemory();
+        if (unused == 0)
+            return block;
+        --unused;
+        ++obtained;
+        block.entries = std::exchange(next, next + BlockSize);
         return block;
     }
     void give(Block block)
@@ -86,7 +103,10 @@ struct EntryPool::Idle
 
     std::mutex mutex; // guards what follows, and is held in take() and takeOrObtain()
     std::vector<Block> blocks;
-    std::size_t obtained = 0; // blocks of the pool, here and in use
+    std::size_t obtained = 0;      // blocks of the pool, here and in use
+    std::vector<FileInfo*> memory; // one block or several each
+    FileInfo* next = nullptr;      // the first unused block of the last memory
+    std::size_t unused = 0;        // blocks from there on
 };
 
 EntryPool::EntryPool()
@@ -97,7 +117,7 @@ EntryPool::EntryPool()
 EntryPool::~EntryPool()
 {
     for (Block& block : m_blocks)
-        block.free();
+        block.destroyEntries();
 }
 
 FileInfo* EntryPool::create()
