@@ -1,8 +1,10 @@
 // Prints what the user interface asks the disk for, step by step, in folders of few and of many files and on
-// a disk that takes 1 ms and 50 ms for each question of the worker. Ends with 1 where a step asks for
-// anything but what is written beside it, however many files there are. Usage: disk-calls [FILES]
+// a disk that takes 1 ms and 50 ms for each question of the worker, and in a dialog with 20,000 files. Ends
+// with 1 if a step asks for anything but what is written beside it, however many files there are.
+// Usage: disk-calls [FILES]
 
 #include "browser/BrowserWindow.h"
+#include "dialog/FileDialog.h"
 #include "support/Faults.h"
 #include "support/SampleFiles.h"
 
@@ -17,6 +19,7 @@ namespace {
 
 constexpr int FewFiles = 20;
 constexpr int DefaultFiles = 1500;
+constexpr int DialogFiles = 20000;
 
 struct Step
 {
@@ -53,7 +56,7 @@ public:
             {"move the mouse", "none", [this] { window.hover(QStringLiteral("sub/")); }},
             {"sort", "settings file", [this] { window.list()->sortByColumn(1, Qt::DescendingOrder); }},
             {"sort again", "settings file", [this] { window.list()->sortByColumn(0, Qt::AscendingOrder); }},
-            {"click on a file", "access 1, statx 1", [this] { click(QStringLiteral("f0003.exr")); }},
+            {"click on a file", "statx 1", [this] { click(QStringLiteral("f0003.exr")); }},
             {"select by key", "none", [this] { QTest::keyClick(window.list(), Qt::Key_Down); }},
             {"change a check box", "settings file", [this] { changeCheckBox(); }},
             {"type a letter", "access 1, opendir 1, statx 3",
@@ -65,7 +68,7 @@ public:
             {"refresh", "access 1, opendir 1, statx 1", [this] { window.model()->refreshList(); }},
             {"type a folder", "access 1, opendir 1, statx 3",
              [this] { QTest::keyClicks(emptiedEdit(), QStringLiteral("s")); }},
-            {"click on a folder", "access 2, opendir 1, realpath 6, statx 9",
+            {"click on a folder", "access 1, opendir 1, realpath 6, statx 9",
              [this] { click(QStringLiteral("sub/")); }},
         };
     }
@@ -123,15 +126,14 @@ QString summary(const QStringList& calls, const QString& folder)
     return texts.isEmpty() ? QStringLiteral("none") : texts.join(QStringLiteral(", "));
 }
 
-/// Prints the calls of each step. False where they are not as expected, or where a step hung.
-bool walk(const QString& folder, int wait)
+/// Prints the calls of each step. False if they are not as expected, or if a step does not come to its end.
+bool walk(const std::vector<Step>& steps, const std::function<bool()>& finish, const QString& folder)
 {
-    Walk walk(folder);
-    bool asExpected = walk.waitForNames();
+    bool asExpected = true;
     takeCalls();
-    for (const Step& step : walk.steps(wait)) {
+    for (const Step& step : steps) {
         step.run();
-        const bool finished = walk.finishStep();
+        const bool finished = finish();
         const QString calls = summary(takeCalls(), folder);
         std::printf("%s: %s\n", step.name, qPrintable(calls));
         if (finished && calls == QLatin1String(step.calls))
@@ -140,6 +142,40 @@ bool walk(const QString& folder, int wait)
         asExpected = false;
     }
     return asExpected;
+}
+
+bool walkBrowser(const QString& folder, int wait)
+{
+    Walk browser(folder);
+    return browser.waitForNames() && walk(
+                                         browser.steps(wait), [&] { return browser.finishStep(); }, folder);
+}
+
+/// In a dialog, whose buttons follow what is selected.
+bool walkDialog(const QString& folder)
+{
+    using Halvern::UI::FileBrowser;
+    Halvern::UI::FileDialog dialog;
+    dialog.setMultipleSelections(true);
+    dialog.setSequencesEnabled(false);
+    dialog.setDirectory(QDir(folder), false, true);
+    dialog.show();
+    auto& list = *dialog.findChild<FileBrowser::FilesList*>();
+    const auto& model = *dialog.findChild<FileBrowser::DirectoryModel*>();
+    const auto isKnown = [&] {
+        return model.isListReady() && model.rowCount() > DialogFiles && model.hasAllAttributes();
+    };
+    const auto click = [&](int row) {
+        const QPoint place = list.visualRect(list.model()->index(row, 0)).center();
+        QTest::mouseClick(list.viewport(), Qt::LeftButton, Qt::NoModifier, place);
+    };
+    const auto queue = [&] { QMetaObject::invokeMethod(dialog.fileBrowser(), "nextClicked"); };
+    return QTest::qWaitFor([&] { return isKnown(); }) &&
+           walk({{"click on a file", "statx 1", [&] { click(3); }},
+                 {"select by key", "none", [&] { QTest::keyClick(&list, Qt::Key_Down); }},
+                 {"select all", "none", [&] { list.selectAll(); }},
+                 {"queue all", "none", queue}},
+                isKnown, folder);
 }
 
 bool makeFiles(const QString& folder, int files)
@@ -164,14 +200,18 @@ int main(int argc, char** argv)
     }
     constexpr int Millisecond = 1000;
     std::printf("%d files\n", FewFiles);
-    bool asExpected = walk(few.path(), 100);
+    bool asExpected = walkBrowser(few.path(), 100);
     faultyCall = "fstatat";
     faults[CallDelay] = Millisecond;
     std::printf("\n%d files, at 1 ms for each question\n", files);
-    asExpected = walk(many.path(), files * 3 / 2) && asExpected;
+    asExpected = walkBrowser(many.path(), files * 3 / 2) && asExpected;
     faults[CallDelay] = 50 * Millisecond;
     std::printf("\n%d files, at 50 ms\n", files);
-    asExpected = walk(many.path(), 100) && asExpected;
+    asExpected = walkBrowser(many.path(), 100) && asExpected;
+    endFaults();
+    const QTemporaryDir large;
+    std::printf("\n%d files, in a dialog\n", DialogFiles);
+    asExpected = makeFiles(large.path(), DialogFiles) && walkDialog(large.path()) && asExpected;
     std::printf("\n%s\n", asExpected ? "as expected" : "NOT AS EXPECTED");
     return asExpected ? 0 : 1;
 }

@@ -16,6 +16,7 @@
 #include <QListView>
 #include <QLoggingCategory>
 #include <QPixmapCache>
+#include <QPointer>
 #include <QPushButton>
 #include <QSettings>
 #include <QTemporaryDir>

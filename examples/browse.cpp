@@ -56,6 +56,7 @@ bool waitForRows(QAbstractItemModel& rows)
         listed = true;
         quiet.restart();
     });
+    QObject::connect(&rows, &QAbstractItemModel::dataChanged, &rows, [&] { quiet.restart(); });
     const auto complete = [&] {
         for (int row = 0; row < rows.rowCount(); ++row) {
             const QDateTime modified = rows.index(row, ModifiedColumn).data().toDateTime();

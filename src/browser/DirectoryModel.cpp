@@ -1,13 +1,14 @@
 #include "browser/DirectoryModel.h"
 
-#include "browser/FilesMenu.h"
+#include "browser/PickList.h"
 #include "catalogue/FileSequenceEvaluator.h"
 #include "paths/Path.h"
 
 #include <QDateTime>
 #include <QFont>
-#include <QPointer>
+#include <QScopedValueRollback>
 #include <algorithm>
+#include <utility>
 
 namespace Halvern::UI {
 
@@ -26,36 +27,16 @@ QVariant sizeText(unsigned long long bytes)
 
 } // namespace
 
-// The time in which a host's evaluator is asked. The host may destroy the model in it.
-class FileBrowser::DirectoryModel::Evaluating
+FileBrowser::DirectoryModel::DirectoryModel(const PickList& pickList, bool assumeZeroPadding,
+                                            QObject* browser)
+    : QAbstractItemModel(browser)
+    , m_pickList(pickList)
 {
-public:
-    explicit Evaluating(DirectoryModel* asking)
-        : model(asking)
-    {
-        model->evaluating = true;
-    }
-    ~Evaluating()
-    {
-        if (model)
-            model->evaluating = false;
-    }
-    Evaluating(const Evaluating&) = delete;
-    Evaluating& operator=(const Evaluating&) = delete;
-
-private:
-    const QPointer<DirectoryModel> model;
-};
-
-FileBrowser::DirectoryModel::DirectoryModel(FileBrowser* owner)
-    : QAbstractItemModel(owner)
-    , browser(owner)
-{
-    entries.reserve(TypicalRowCount);
-    manager.setAssumeZeroPadding(_assumeZeroPadding);
+    m_entries.reserve(TypicalRowCount);
+    m_manager.setAssumeZeroPadding(assumeZeroPadding);
     setSequenceMode(SequenceMode::Expanded);
-    connect(&manager, SIGNAL(refreshList()), browser, SLOT(managerRefreshList()));
-    connect(&manager, SIGNAL(infoUpdated(int, int)), browser, SLOT(managerFilesUpdated(int, int)));
+    connect(&m_manager, SIGNAL(refreshList()), browser, SLOT(managerRefreshList()));
+    connect(&m_manager, SIGNAL(infoUpdated(int, int)), browser, SLOT(managerFilesUpdated(int, int)));
 }
 
 QModelIndex FileBrowser::DirectoryModel::index(int row, int column, const QModelIndex& /*parent*/) const
@@ -70,7 +51,7 @@ QModelIndex FileBrowser::DirectoryModel::parent(const QModelIndex& /*child*/) co
 
 int FileBrowser::DirectoryModel::rowCount(const QModelIndex& parent) const
 {
-    return parent.isValid() ? 0 : static_cast<int>(entries.size());
+    return parent.isValid() ? 0 : static_cast<int>(m_entries.size());
 }
 
 int FileBrowser::DirectoryModel::columnCount(const QModelIndex& parent) const
@@ -80,14 +61,14 @@ int FileBrowser::DirectoryModel::columnCount(const QModelIndex& parent) const
 
 FileInfo* FileBrowser::DirectoryModel::entry(int row) const
 {
-    const bool there = listReady && row >= 0 && row < static_cast<int>(entries.size());
-    return there ? entries[static_cast<std::size_t>(row)] : nullptr;
+    const bool exists = m_listReady && row >= 0 && row < static_cast<int>(m_entries.size());
+    return exists ? m_entries[static_cast<std::size_t>(row)] : nullptr;
 }
 
 const char* FileBrowser::DirectoryModel::displayName(int row) const
 {
     const auto index = static_cast<std::size_t>(row);
-    return namesFixed ? names.name(index) : entries[index]->displayName();
+    return m_namesFixed ? m_names.name(index) : m_entries[index]->displayName();
 }
 
 QVariant FileBrowser::DirectoryModel::data(const QModelIndex& index, int role) const
@@ -135,10 +116,10 @@ QVariant FileBrowser::DirectoryModel::displayText(const FileInfo& info, int colu
 
 QVariant FileBrowser::DirectoryModel::background(int row, const FileInfo& info) const
 {
-    if (!browser->pickList.isEmpty() && browser->pickList.contains(normalizeFile(getFullFilePath(info))))
-        return _alreadyQueuedColor;
-    if (row == hovered)
-        return _highlightColor;
+    if (!m_pickList.isEmpty() && m_pickList.contains(normalizeFile(getFullFilePath(info))))
+        return GetQueuedColor();
+    if (row == m_hoveredRow)
+        return GetHightlightColor();
     return {};
 }
 
@@ -160,111 +141,120 @@ QVariant FileBrowser::DirectoryModel::headerData(int section, Qt::Orientation /*
 
 void FileBrowser::DirectoryModel::setDirectory(const QDir& dir, SequenceMode /*mode*/, bool force)
 {
-    const bool started = manager.getFilesFromFolder(dir.absolutePath().toStdString(), force);
-    const bool entriesDied = entriesGeneration != manager.generation();
+    const bool started = m_manager.getFilesFromFolder(dir.absolutePath().toStdString(), force);
+    const bool entriesDied = m_entriesGeneration != m_manager.generation();
+    const QDir before = std::exchange(m_directory, dir);
+    m_entriesGeneration = m_manager.generation();
     if (entriesDied) {
-        hovered = -1;
-        browser->filesMenu->forgetItems();
+        m_hoveredRow = -1;
+        emit entriesExpire();
     }
     if (started) {
-        listReady = false;
-        entriesGeneration = manager.generation();
-    } else if (entriesDied || (!force && dir != directory)) {
+        m_listReady = false;
+        emit readStarted();
+    } else if (entriesDied || (!force && dir != before)) {
         beginResetModel();
-        entries.clear();
-        names = NameOrder();
-        entriesGeneration = manager.generation();
+        m_entries.clear();
+        m_names = NameOrder();
+        m_listReady = true;
         endResetModel();
+    } else if (readError() != 0) {
+        emit readFailed();
+        // A read of the same directory was under way and was stopped: what it found is the list.
+        if (!m_listReady)
+            buildLater();
     }
-    directory = dir;
 }
 
-void FileBrowser::DirectoryModel::setEvaluator(FileSequenceEvaluator* newEvaluator)
+void FileBrowser::DirectoryModel::setEvaluator(FileSequenceEvaluator* evaluator)
 {
-    evaluator = newEvaluator;
-    evaluatorLifetime.reset();
-    if (!evaluator)
+    m_evaluator = evaluator;
+    m_evaluatorLifetime.reset();
+    if (!m_evaluator)
         return;
-    evaluatorLifetime = evaluator->lifetime();
-    evaluator->setManager(&manager);
+    m_evaluatorLifetime = m_evaluator->lifetime();
+    m_evaluator->setManager(&m_manager);
 }
 
 void FileBrowser::DirectoryModel::buildRunningList()
 {
     using Base::FileHandle;
     // Asked again from within its answer, an evaluator might never come to an end.
-    if (evaluating) {
-        wantedAgain = true;
+    if (m_evaluating) {
+        m_wantedAgain = true;
         return;
     }
-    bool evaluated = hasEvaluator() && sequenceMode != SequenceMode::Expanded;
-    const FileInfo* hoveredEntry = entry(hovered);
-    // The host's code runs while the model still stands as it was. Where it made the browser read another
-    // directory, its answer is about entries that are gone.
-    const unsigned generation = manager.generation();
-    const FileSequenceEvaluator* const asked = evaluator;
-    wantedAgain = false;
-    const QPointer<DirectoryModel> self(this);
+    bool evaluated = hasEvaluator() && m_sequenceMode != SequenceMode::Expanded;
+    const FileInfo* hoveredEntry = entry(m_hoveredRow);
+    // The host's code runs before the model changes. If it makes the browser read another directory, its
+    // answer is about entries that are gone.
+    const unsigned generation = m_manager.generation();
+    const FileSequenceEvaluator* const asked = m_evaluator;
+    m_wantedAgain = false;
     std::vector<FileInfo*> evaluatedRows = evaluated ? evaluateFiles() : std::vector<FileInfo*>();
-    if (!self)
-        return;
-    if (generation != manager.generation() || asked != evaluator) {
-        if (wantedAgain)
-            QMetaObject::invokeMethod(this, &DirectoryModel::buildRunningList, Qt::QueuedConnection);
+    if (generation != m_manager.generation() || asked != m_evaluator) {
+        if (m_wantedAgain)
+            buildLater();
         return;
     }
-    evaluated = evaluated && hasEvaluator() && sequenceMode != SequenceMode::Expanded;
+    evaluated = evaluated && hasEvaluator() && m_sequenceMode != SequenceMode::Expanded;
     beginResetModel();
     if (evaluated)
-        entries.swap(evaluatedRows);
-    else if (sequenceMode == SequenceMode::Expanded)
-        manager.buildRunningList(&entries, FileHandle::AllFiles);
+        m_entries.swap(evaluatedRows);
+    else if (m_sequenceMode == SequenceMode::Expanded)
+        m_manager.buildRunningList(&m_entries, FileHandle::AllFiles);
     else
-        manager.buildRunningList(&entries, splitSequences ? FileHandle::RegisteredSplitSequences
-                                                          : FileHandle::RegisteredSequences);
-    entriesGeneration = manager.generation();
+        m_manager.buildRunningList(&m_entries, m_splitSequences ? FileHandle::RegisteredSplitSequences
+                                                                : FileHandle::RegisteredSequences);
+    m_entriesGeneration = m_manager.generation();
     orderRows(evaluated);
-    listReady = true;
-    if (entry(hovered) != hoveredEntry) {
-        const auto found = std::find(entries.begin(), entries.end(), hoveredEntry);
-        hovered = hoveredEntry && found != entries.end() ? static_cast<int>(found - entries.begin()) : -1;
+    m_listReady = true;
+    if (entry(m_hoveredRow) != hoveredEntry) {
+        const auto found = std::find(m_entries.begin(), m_entries.end(), hoveredEntry);
+        m_hoveredRow =
+            hoveredEntry && found != m_entries.end() ? static_cast<int>(found - m_entries.begin()) : -1;
     }
     endResetModel();
+}
+
+// As if the manager had announced the names.
+void FileBrowser::DirectoryModel::buildLater()
+{
+    QMetaObject::invokeMethod(QObject::parent(), "managerRefreshList", Qt::QueuedConnection);
 }
 
 // An evaluator's rows stay in its order, and it may rename them.
 void FileBrowser::DirectoryModel::orderRows(bool evaluated)
 {
-    namesFixed = !evaluated;
-    names = manager.takeNameOrder();
-    if (evaluated || sequenceMode != SequenceMode::Expanded || names.size() != entries.size())
-        names = NameOrder(entries, evaluated ? NameOrder::AsAdded : NameOrder::ByKey);
+    m_namesFixed = !evaluated;
+    m_names = m_manager.takeNameOrder();
+    if (evaluated || m_sequenceMode != SequenceMode::Expanded || m_names.size() != m_entries.size())
+        m_names = NameOrder(m_entries, evaluated ? NameOrder::AsAdded : NameOrder::ByKey);
     if (!evaluated)
-        names.apply(entries);
+        m_names.apply(m_entries);
 }
 
 void FileBrowser::DirectoryModel::setSequenceMode(SequenceMode mode)
 {
-    sequenceMode = mode;
-    manager.setNamesOrdered(mode == SequenceMode::Expanded);
+    m_sequenceMode = mode;
+    m_manager.setNamesOrdered(mode == SequenceMode::Expanded);
 }
 
 std::vector<FileInfo*> FileBrowser::DirectoryModel::evaluateFiles()
 {
     std::vector<FileInfo*> files;
-    manager.buildRunningList(&files, Base::FileHandle::AllFiles);
-    manager.forgetFollowers();
-    // Rows of the host's own making may not outlive its next answer.
-    browser->filesMenu->forgetItems();
-    evaluator->setManager(&manager);
-    const Evaluating guard(this);
-    return evaluator->evaluateFiles(files);
+    m_manager.buildRunningList(&files, Base::FileHandle::AllFiles);
+    m_manager.forgetFollowers();
+    emit entriesExpire();
+    m_evaluator->setManager(&m_manager);
+    const QScopedValueRollback<bool> guard(m_evaluating, true);
+    return m_evaluator->evaluateFiles(files);
 }
 
 void FileBrowser::DirectoryModel::refreshList()
 {
-    if (!entries.empty())
-        setDirectory(directory, browser->getSequenceMode(), true);
+    if (!m_entries.empty() || readError() != 0)
+        setDirectory(m_directory, m_sequenceMode, true);
 }
 
 void FileBrowser::DirectoryModel::resetModel()
@@ -285,12 +275,12 @@ void FileBrowser::DirectoryModel::updateInfo(int /*first*/, int /*count*/)
 
 QString FileBrowser::DirectoryModel::getFullFilePath(const FileInfo& info) const
 {
-    return Base::withSeparator(directory.absolutePath()) + QString::fromUtf8(info.displayName());
+    return Base::withSeparator(m_directory.absolutePath()) + QString::fromUtf8(info.displayName());
 }
 
 QString FileBrowser::DirectoryModel::getFullFilePath(int row) const
 {
-    return getFullFilePath(*entries[static_cast<std::size_t>(row)]);
+    return getFullFilePath(*m_entries[static_cast<std::size_t>(row)]);
 }
 
 } // namespace Halvern::UI

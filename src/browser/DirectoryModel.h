@@ -5,16 +5,19 @@
 #include "catalogue/NameOrder.h"
 
 #include <QAbstractItemModel>
+#include <QDir>
 #include <memory>
 #include <vector>
 
 namespace Halvern::UI {
 
+class PickList;
+
 /// The rows of one directory as a flat table of name, size and modification time. It owns the manager that
 /// reads the directory; the entries of its rows belong to that manager.
 ///
 /// Between the start of a read and buildRunningList() the rows keep their number and are empty: their entries
-/// are gone. entry() is null for them and for every row that is not there, so that nothing follows them.
+/// are gone. entry() is null for them and for every row that does not exist.
 class FileBrowser::DirectoryModel : public QAbstractItemModel
 {
     Q_OBJECT
@@ -28,7 +31,10 @@ public:
         ColumnCount
     };
 
-    explicit DirectoryModel(FileBrowser* owner);
+    /// Rows whose path is in @p pickList are painted in the queued colour; the list outlives the model.
+    /// @p browser is the parent, and its slots managerRefreshList() and managerFilesUpdated(int, int) are
+    /// told what the manager announces. @p assumeZeroPadding: see FileManager::setAssumeZeroPadding().
+    DirectoryModel(const PickList& pickList, bool assumeZeroPadding, QObject* browser);
 
     QModelIndex index(int row, int column, const QModelIndex& parent = QModelIndex()) const override;
     QModelIndex parent(const QModelIndex& child) const override;
@@ -39,13 +45,14 @@ public:
     QVariant data(const QModelIndex& index, int role = Qt::DisplayRole) const override;
     QVariant headerData(int section, Qt::Orientation orientation, int role = Qt::DisplayRole) const override;
 
-    /// Begins to read @p dir; with @p force also where it is the present directory. @p mode is not read: the
-    /// mode in force is that of setSequenceMode().
+    /// Begins to read @p dir; with @p force also if it is the present directory. @p mode is not read: the
+    /// mode in force is that of setSequenceMode(). A present directory that can't be opened keeps its rows.
     void setDirectory(const QDir& dir, SequenceMode mode, bool force);
+    const QDir& directory() const { return m_directory; }
     /// Rebuilds the rows from the entries that have arrived and resets the model. While an evaluator
     /// is asked it waits for the answer.
     void buildRunningList();
-    /// Reads the present directory again; does nothing while there are no rows.
+    /// Reads the present directory again. Does nothing while there are no rows, unless the last read failed.
     void refreshList();
     void resetModel();
     /// Announces the cells from @p topLeft to @p bottomRight as changed.
@@ -54,64 +61,73 @@ public:
     void updateInfo(int first, int count);
 
     /// The row under the mouse, -1 for none. Setting it announces nothing.
-    int hoveredRow() const { return hovered; }
-    void setHoveredRow(int row) { hovered = row; }
+    int hoveredRow() const { return m_hoveredRow; }
+    void setHoveredRow(int row) { m_hoveredRow = row; }
 
     /// Expanded (the initial mode) gives every file its row. Takes effect at the next buildRunningList().
     void setSequenceMode(SequenceMode mode);
     /// Whether the built-in rules split sequences at gaps (default: no); takes effect in the same way.
-    void setSplitSequences(bool split) { splitSequences = split; }
+    void setSplitSequences(bool split) { m_splitSequences = split; }
     /// Null for the built-in rules, which also stand in for one that was destroyed. Takes effect in the same
     /// way; not owned.
-    void setEvaluator(FileSequenceEvaluator* newEvaluator);
-    bool hasEvaluator() const { return !evaluatorLifetime.expired(); }
+    void setEvaluator(FileSequenceEvaluator* evaluator);
+    bool hasEvaluator() const { return !m_evaluatorLifetime.expired(); }
 
     /// False while a read is under way whose rows were not built yet.
-    bool isListReady() const { return listReady; }
+    bool isListReady() const { return m_listReady; }
+    /// Why the listing is empty or incomplete: an error number of the system, 0 if it succeeded.
+    int readError() const { return m_manager.readError(); }
     /// Whether every file that was read has its size and time.
-    bool hasAllAttributes() const { return manager.isInfoComplete(); }
-    /// The rows in source order, which is by name; those of an evaluator, and where names have no such order,
+    bool hasAllAttributes() const { return m_manager.isInfoComplete(); }
+    /// The rows in source order, which is by name; those of an evaluator, and if names have no such order,
     /// as they were given. To be looked at while isListReady() only.
-    const std::vector<FileInfo*>& rows() const { return entries; }
+    const std::vector<FileInfo*>& rows() const { return m_entries; }
     /// Of rows(), as they were when these were built.
-    const NameOrder& nameOrder() const { return names; }
+    const NameOrder& nameOrder() const { return m_names; }
     /// The name of a row with an entry, as it is displayed, without range and "/".
     const char* displayName(int row) const;
-    /// The entry of a row, borrowed; null where there is none to follow.
+    /// The entry of a row, borrowed; null if there is none to follow.
     FileInfo* entry(int row) const;
-    /// The entry of a row that is known to be there.
+    /// The entry of a row that is known to exist.
     FileInfo* fileInfo(const QModelIndex& index) const
     {
-        return entries[static_cast<std::size_t>(index.row())];
+        return m_entries[static_cast<std::size_t>(index.row())];
     }
     /// The path of an entry; a sequence gives its name with placeholder and range.
     QString getFullFilePath(const FileInfo& info) const;
     QString getFullFilePath(int row) const;
     QString getFullFilePath(const QModelIndex& index) const { return getFullFilePath(index.row()); }
 
-private:
-    class Evaluating;
+signals:
+    /// A read has begun: the rows are empty.
+    void readStarted();
+    /// The present directory could not be opened; its rows stay.
+    void readFailed();
+    /// Entries die, or an evaluator is asked, which may free rows of its own making.
+    void entriesExpire();
 
+private:
     std::vector<FileInfo*> evaluateFiles();
     void orderRows(bool evaluated);
+    void buildLater();
     QVariant displayText(const FileInfo& info, int column) const;
     QVariant background(int row, const FileInfo& info) const;
 
-    FileSequenceEvaluator* evaluator = nullptr; // to be followed only while hasEvaluator()
-    std::weak_ptr<const void> evaluatorLifetime;
-    bool evaluating = false;
-    bool wantedAgain = false; // a list, while the evaluator was asked for it
-    QDir directory;
-    int hovered = -1;
-    bool listReady = false;
-    FileBrowser* browser;
-    std::vector<FileInfo*> entries;
-    NameOrder names;
-    bool namesFixed = true;         // as they are in names
-    unsigned entriesGeneration = 0; // of the manager when the entries were taken
-    FileManager manager;
-    SequenceMode sequenceMode;
-    bool splitSequences = false;
+    const PickList& m_pickList;
+    FileSequenceEvaluator* m_evaluator = nullptr; // to be followed only while hasEvaluator()
+    std::weak_ptr<const void> m_evaluatorLifetime;
+    bool m_evaluating = false;
+    bool m_wantedAgain = false; // a list, while the evaluator was asked for it
+    QDir m_directory;
+    int m_hoveredRow = -1;
+    bool m_listReady = false;
+    std::vector<FileInfo*> m_entries;
+    NameOrder m_names;
+    bool m_namesFixed = true;         // as they are in m_names
+    unsigned m_entriesGeneration = 0; // of the manager when the entries were taken
+    FileManager m_manager;
+    SequenceMode m_sequenceMode;
+    bool m_splitSequences = false;
 };
 
 } // namespace Halvern::UI

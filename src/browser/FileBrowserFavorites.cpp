@@ -2,6 +2,7 @@
 
 #include "browser/FileBrowser.h"
 
+#include "browser/FileBrowserPrivate.h"
 #include "favorites/EditFavoriteDialog.h"
 #include "favorites/FavoritesList.h"
 #include "favorites/FavoritesModel.h"
@@ -9,109 +10,103 @@
 #include "favorites/FavoritesStore.h"
 
 #include <QAction>
-#include <QCoreApplication>
 #include <QMenu>
 #include <QMessageBox>
 #include <QPushButton>
 
 namespace Halvern::UI {
 
-void FileBrowser::prepareFavorites()
+void FileBrowser::Private::initFavorites()
 {
-    FavoritesStore& store = FavoritesStore::instance();
-    store.setProductFolder(QCoreApplication::applicationDirPath());
-    store.initialize();
-    store.resolveAll();
-}
+    m_favoritesModel = new FavoritesModel(Favorites(), &s_classWide.highlightColour, q);
+    m_favoritesProxy = new FavoritesProxy(m_favoritesModel, q);
+    m_favoritesList = new FavoritesList(m_favoritesProxy, q);
+    m_favoritesList->setObjectName(QStringLiteral("favoritesList"));
+    m_favoritesList->setAccessibleName(tr("Favorites"));
 
-void FileBrowser::initFavoritesList()
-{
-    favoritesModel = new FavoritesModel(Favorites(), &_highlightColor, this);
-    favoritesProxy = new FavoritesProxy(favoritesModel, this);
-    favoritesList = new FavoritesList(favoritesProxy, this);
-    favoritesList->setObjectName(QStringLiteral("favoritesList"));
-
-    favoritesMenu = new QMenu(this);
-    favoritesMenu->setObjectName(QStringLiteral("favoritesMenu"));
-    const auto addAction = [this](const char* name, const QString& text, const char* slot) {
-        QAction* action = favoritesMenu->addAction(text, this, slot);
+    auto* menu = new QMenu(q);
+    menu->setObjectName(QStringLiteral("favoritesMenu"));
+    const auto addAction = [this, menu](const char* name, const QString& text, const char* slot) {
+        QAction* action = menu->addAction(text, q, slot);
         action->setObjectName(QLatin1String(name));
         return action;
     };
-    editFavoriteAction = addAction("editFavoriteAction", tr("Edit..."), SLOT(editFavorite()));
-    removeFavoriteAction = addAction("removeFavoriteAction", tr("Remove"), SLOT(removeFavorite()));
-    favoritesMenu->addSeparator();
-    addCurrentAction = addAction("addCurrentAction", tr("Add Current..."), SLOT(addFavorite()));
-    favoritesList->setMenu(favoritesMenu, editFavoriteAction, removeFavoriteAction);
+    QAction* edit = addAction("editFavoriteAction", tr("Edit..."), SLOT(editFavorite()));
+    QAction* remove = addAction("removeFavoriteAction", tr("Remove"), SLOT(removeFavorite()));
+    menu->addSeparator();
+    addAction("addCurrentAction", tr("Add Current..."), SLOT(addFavorite()));
+    m_favoritesList->setMenu(menu, edit, remove);
 
-    connect(favoritesList->selectionModel(), SIGNAL(currentChanged(const QModelIndex&, const QModelIndex&)),
-            this, SLOT(favoriteSelected(QModelIndex)));
-    connect(favoritesList, SIGNAL(clickedAgain(QModelIndex)), this, SLOT(favoriteSelected(QModelIndex)));
-    connect(favoritesList, SIGNAL(entered(QModelIndex)), this, SLOT(hoverFavorite(QModelIndex)));
+    QObject::connect(m_favoritesList->selectionModel(),
+                     SIGNAL(currentChanged(const QModelIndex&, const QModelIndex&)), q,
+                     SLOT(favoriteSelected(QModelIndex)));
+    QObject::connect(m_favoritesList, SIGNAL(clickedAgain(QModelIndex)), q,
+                     SLOT(favoriteSelected(QModelIndex)));
+    QObject::connect(m_favoritesList, SIGNAL(entered(QModelIndex)), q, SLOT(hoverFavorite(QModelIndex)));
 }
 
 void FileBrowser::setFaveType(FaveType type)
 {
-    faveType = type;
-    const QModelIndex current = favoritesList->currentIndex();
+    d->m_faveType = type;
+    const QModelIndex current = d->m_favoritesList->currentIndex();
     // Else the view would take its neighbour for the current one, and the browser would go there.
-    if (current.isValid() && !favoritesModel->shown(favoritesProxy->sourceRow(current)).isFor(type))
-        favoritesList->setCurrentIndex(QModelIndex());
-    favoritesProxy->setFaveType(type);
+    if (current.isValid() && !d->m_favoritesModel->shown(d->m_favoritesProxy->sourceRow(current)).isFor(type))
+        d->m_favoritesList->setCurrentIndex(QModelIndex());
+    d->m_favoritesProxy->setFaveType(type);
 }
 
 void FileBrowser::refreshFavorites()
 {
     FavoritesStore::instance().resolveAll();
-    resetFavoritesModel();
+    d->resetFavoritesModel();
 }
 
-void FileBrowser::resetFavoritesModel()
+void FileBrowser::Private::resetFavoritesModel()
 {
-    favoritesModel->resetModel();
+    m_favoritesModel->resetModel();
     // A reset takes the current row away without announcing it.
-    favoriteSelected(QModelIndex());
+    q->favoriteSelected(QModelIndex());
 }
 
 void FileBrowser::favoriteSelected(QModelIndex current)
 {
-    const Favorite* favorite = favoritesProxy->favorite(current);
+    const Favorite* favorite = d->m_favoritesProxy->favorite(current);
     const bool editable = favorite && favorite->isEditable();
-    editFavoriteButton->setEnabled(editable);
-    removeFavoriteButton->setEnabled(editable);
-    const int row = favoritesProxy->sourceRow(current);
+    d->m_controls.editFavoriteButton->setEnabled(editable);
+    d->m_controls.removeFavoriteButton->setEnabled(editable);
+    const int row = d->m_favoritesProxy->sourceRow(current);
     if (row < 0)
         return;
     // What the row shows, though another browser may have changed it since.
-    const Favorite shown = favoritesModel->shown(row);
+    const Favorite shown = d->m_favoritesModel->shown(row);
     if (shown.hasFolder())
         setDirectory(shown.dir, false, true);
 }
 
 void FileBrowser::hoverFavorite(QModelIndex index)
 {
-    favoritesModel->hover(favoritesProxy->sourceRow(index));
+    d->m_favoritesModel->hover(d->m_favoritesProxy->sourceRow(index));
 }
 
 void FileBrowser::addFavorite()
 {
     Favorite favorite(false, true);
-    favorite.path = currentDirectory.absolutePath();
+    favorite.path = d->m_directory.absolutePath();
     favorite.name = QDir(favorite.path).dirName();
-    favorite.type = faveType;
+    favorite.type = d->m_faveType;
     if (!showEditFavoriteDialog(favorite))
         return;
     FavoritesStore& store = FavoritesStore::instance();
     store.resolve(favorite);
     store.add(favorite);
-    resetFavoritesModel();
-    favoritesChanged = true;
+    d->resetFavoritesModel();
+    d->m_favoritesChanged = true;
 }
 
 // A copy of the favourite in a row, if the user may change it.
-std::optional<Favorite> FileBrowser::editableFavorite(int row) const
+std::optional<Favorite> FileBrowser::Private::editableFavorite(int row) const
 {
-    const Favorite* favorite = favoritesModel->favorite(row);
+    const Favorite* favorite = m_favoritesModel->favorite(row);
     return favorite && favorite->isEditable() ? std::optional<Favorite>(*favorite) : std::nullopt;
 }
 
@@ -119,8 +114,8 @@ std::optional<Favorite> FileBrowser::editableFavorite(int row) const
 
 void FileBrowser::editFavorite()
 {
-    const int row = favoritesProxy->sourceRow(favoritesList->currentIndex());
-    const std::optional<Favorite> before = editableFavorite(row);
+    const int row = d->m_favoritesProxy->sourceRow(d->m_favoritesList->currentIndex());
+    const std::optional<Favorite> before = d->editableFavorite(row);
     if (!before)
         return;
     Favorite edited = *before;
@@ -128,18 +123,18 @@ void FileBrowser::editFavorite()
         return;
     // The host's evaluator may change the list.
     FavoritesStore::instance().resolve(edited);
-    const int position = favoritesModel->positionInList(*before, row);
+    const int position = d->m_favoritesModel->positionInList(*before, row);
     if (position < 0)
         return;
     Favorites()->replace(position, edited);
-    resetFavoritesModel();
-    favoritesChanged = true;
+    d->resetFavoritesModel();
+    d->m_favoritesChanged = true;
 }
 
 void FileBrowser::removeFavorite()
 {
-    const int row = favoritesProxy->sourceRow(favoritesList->currentIndex());
-    const std::optional<Favorite> before = editableFavorite(row);
+    const int row = d->m_favoritesProxy->sourceRow(d->m_favoritesList->currentIndex());
+    const std::optional<Favorite> before = d->editableFavorite(row);
     if (!before)
         return;
     const QPointer<QMessageBox> box = new QMessageBox(
@@ -153,18 +148,18 @@ void FileBrowser::removeFavorite()
     if (!box)
         return;
     delete box;
-    const int position = confirmed ? favoritesModel->positionInList(*before, row) : -1;
+    const int position = confirmed ? d->m_favoritesModel->positionInList(*before, row) : -1;
     if (position < 0)
         return;
     Favorites()->removeAt(position);
-    resetFavoritesModel();
-    favoritesChanged = true;
+    d->resetFavoritesModel();
+    d->m_favoritesChanged = true;
 }
 
 bool FileBrowser::showEditFavoriteDialog(Favorite& fav)
 {
     const QPointer<EditFavoriteDialog> dialog = new EditFavoriteDialog(this, fav);
-    dialog->setShowChooserTypes(showChooserTypes);
+    dialog->setShowChooserTypes(d->m_showChooserTypes);
     const bool accepted = dialog->exec() == QDialog::Accepted && dialog;
     if (accepted)
         dialog->applyTo(fav);

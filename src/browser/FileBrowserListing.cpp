@@ -3,27 +3,27 @@
 #include "browser/FileBrowser.h"
 
 #include "browser/DirectoryModel.h"
-#include "browser/FilesList.h"
+#include "browser/FileBrowserPrivate.h"
+#include "browser/ListNotice.h"
 #include "browser/ProxyModel.h"
 #include "frames/Placeholder.h"
 #include "widgets/AppSettings.h"
 #include "widgets/FilePathEdit.h"
 
-#include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QElapsedTimer>
 #include <QFileInfo>
+#include <QLabel>
 #include <QPushButton>
-#include <QTimer>
 #include <algorithm>
 
 namespace Halvern::UI {
 
-// The part of the filename field behind its last separator, which narrows the listing.
-QString FileBrowser::typedNamePrefix() const
+// The part of the filename field after its last separator, which narrows the listing.
+QString FileBrowser::Private::typedNamePrefix() const
 {
-    const QString text = filenameEdit->text();
+    const QString text = m_controls.filenameEdit->text();
     int separator = text.lastIndexOf(QLatin1Char('/'));
     if (separator < 0 || text.endsWith(QLatin1Char('\\')))
         separator = text.lastIndexOf(QLatin1Char('\\'));
@@ -32,40 +32,69 @@ QString FileBrowser::typedNamePrefix() const
 
 void FileBrowser::refresh()
 {
-    listed = true;
-    proxyModel->setNamePrefix(QString());
-    directoryModel->setDirectory(currentDirectory, getSequenceMode(), false);
-    proxyModel->setFilterBlocked(filterBlock);
-    proxyModel->setNamePrefix(typedNamePrefix());
-    proxyModel->setFilterPattern(filterCombo->currentText());
-    proxyModel->apply();
-    filesList->clearSelection();
-    if (proxyModel->rowCount() != 1)
+    const bool anyChosen = d->m_filesList->selectionModel()->hasSelection();
+    d->m_listed = true;
+    d->m_proxy->setNamePrefix(QString());
+    d->m_model->setDirectory(d->m_directory, getSequenceMode(), false);
+    d->m_proxy->setFilterBlocked(d->m_filterBlock);
+    d->m_proxy->setNamePrefix(d->typedNamePrefix());
+    d->m_proxy->setFilterPattern(d->m_controls.filterCombo->currentText());
+    d->m_proxy->apply();
+    d->m_filesList->clearSelection();
+    d->m_awaited.selected.clear();
+    d->m_awaitsTypedRow = !d->m_model->isListReady();
+    d->selectTypedRow();
+    // Rows that the filter takes away leave the selection without announcing it.
+    if (anyChosen)
+        emit choiceChanged();
+}
+
+// A row that is the only one becomes the current row if the filename field names it.
+void FileBrowser::Private::selectTypedRow()
+{
+    if (m_proxy->rowCount() != 1)
         return;
-    const QModelIndex only = proxyModel->index(0, 0);
-    const FileInfo* info = directoryModel->entry(proxyModel->mapToSource(only).row());
+    const QModelIndex only = m_proxy->index(0, 0);
+    const FileInfo* info = m_model->entry(m_proxy->mapToSource(only).row());
     if (info &&
-        directoryModel->getFullFilePath(*info).compare(filenameEdit->text(), Qt::CaseInsensitive) == 0)
-        filesList->setCurrentIndex(only);
+        m_model->getFullFilePath(*info).compare(m_controls.filenameEdit->text(), Qt::CaseInsensitive) == 0)
+        m_filesList->setCurrentIndex(only);
 }
 
 void FileBrowser::showEvent(QShowEvent* event)
 {
     QWidget::showEvent(event);
-    if (!listed)
+    if (!d->m_listed)
         refresh();
 }
 
+// What is selected and current is found again when the list of this read is there.
 void FileBrowser::refreshDirectory()
 {
-    directoryModel->refreshList();
+    const bool wasReady = d->m_model->isListReady();
+    if (wasReady)
+        d->m_awaited = d->m_filesList->choice();
+    d->m_model->refreshList();
+    if (wasReady && d->m_model->isListReady())
+        d->m_awaited = {};
+}
+
+void FileBrowser::setFilterBlock(bool block)
+{
+    d->m_filterBlock = block;
+}
+
+void FileBrowser::resetFileFilter()
+{
+    d->m_proxy->setFilterPattern(QString());
+    d->m_proxy->apply();
 }
 
 void FileBrowser::setFilters(QStringList& filters, bool doRefresh)
 {
     {
-        const QSignalBlocker blocker(filterCombo);
-        filterCombo->addItems(filters);
+        const QSignalBlocker blocker(d->m_controls.filterCombo);
+        d->m_controls.filterCombo->addItems(filters);
     }
     if (doRefresh)
         refresh();
@@ -73,113 +102,107 @@ void FileBrowser::setFilters(QStringList& filters, bool doRefresh)
 
 void FileBrowser::filterChanged(QString /*text*/)
 {
-    clearFilterBlock();
+    d->clearFilterBlock();
     refresh();
 }
 
 void FileBrowser::showSequences(bool state)
 {
-    splitCheck->setEnabled(state);
+    d->m_controls.splitCheck->setEnabled(state);
     const SequenceMode mode = state ? SequenceMode::Collapsed : SequenceMode::Expanded;
-    if (sequencesEnabled)
-        AppSettings::Store({{_sequencesIdentifier, static_cast<int>(mode)}});
-    directoryModel->setSequenceMode(mode);
-    buildRowsAfterClick();
+    if (d->m_sequencesEnabled)
+        AppSettings::Store({{Private::s_classWide.sequencesKey, static_cast<int>(mode)}});
+    d->m_model->setSequenceMode(mode);
+    d->buildRows();
 }
 
 void FileBrowser::setSequencesEnabled(bool enabled)
 {
-    sequencesCheck->setVisible(enabled);
-    directoryModel->setSequenceMode(enabled ? SequenceMode::Collapsed : SequenceMode::Expanded);
-    if (!buildRows())
-        return;
-    sequencesEnabled = enabled;
-    _updateSplitSequencesButton();
+    d->m_controls.sequencesCheck->setVisible(enabled);
+    d->m_model->setSequenceMode(enabled ? SequenceMode::Collapsed : SequenceMode::Expanded);
+    d->m_sequencesEnabled = enabled;
+    d->buildRows();
+    d->updateSplitSequencesButton();
 }
 
 void FileBrowser::splitIncompleteSequences(bool state)
 {
-    if (sequencesEnabled)
-        AppSettings::Store({{_splitSequencesIdentifier, state}});
-    directoryModel->setSplitSequences(state);
-    buildRowsAfterClick();
+    if (d->m_sequencesEnabled)
+        AppSettings::Store({{Private::s_classWide.splitSequencesKey, state}});
+    d->m_model->setSplitSequences(state);
+    d->buildRows();
 }
 
-void FileBrowser::_updateSplitSequencesButton()
+void FileBrowser::Private::updateSplitSequencesButton()
 {
-    splitCheck->setVisible(sequencesEnabled && !directoryModel->hasEvaluator());
+    m_controls.splitCheck->setVisible(m_sequencesEnabled && !m_model->hasEvaluator());
 }
 
 void FileBrowser::setFileSequenceEvaluator(FileSequenceEvaluator* evaluator)
 {
-    directoryModel->setEvaluator(evaluator);
-    if (buildRows())
-        _updateSplitSequencesButton();
+    d->m_model->setEvaluator(evaluator);
+    d->buildRows();
+    d->updateSplitSequencesButton();
 }
 
-// False where a host destroyed the browser while its evaluator was asked.
-bool FileBrowser::buildRows()
+// Builds the rows anew, with what is selected and current found again by name.
+void FileBrowser::Private::buildRows()
 {
-    const QPointer<FileBrowser> self(this);
-    directoryModel->buildRunningList();
-    return self;
-}
-
-// The same in answer to a check box, which goes on with itself afterwards.
-void FileBrowser::buildRowsAfterClick()
-{
-    if (!directoryModel->hasEvaluator()) {
-        directoryModel->buildRunningList();
+    if (m_rowsHeld)
         return;
-    }
-    QTimer::singleShot(0, directoryModel, [this] {
-        // A read that has begun in the meantime builds them at its end.
-        if (directoryModel->isListReady())
-            directoryModel->buildRunningList();
-    });
+    const bool wasReady = m_model->isListReady();
+    const FilesList::Choice choice = wasReady ? m_filesList->choice() : std::exchange(m_awaited, {});
+    m_model->buildRunningList();
+    m_filesList->choose(choice);
+    emit q->choiceChanged();
 }
 
 FileBrowser::SequenceMode FileBrowser::getSequenceMode() const
 {
-    return sequencesCheck->isChecked() ? SequenceMode::Collapsed : SequenceMode::Expanded;
+    return d->m_controls.sequencesCheck->isChecked() ? SequenceMode::Collapsed : SequenceMode::Expanded;
 }
 
 void FileBrowser::managerRefreshList()
 {
-    attributesTimer->setInterval(0);
-    if (!buildRows())
-        return;
-    _updateSplitSequencesButton(); // the evaluator may be gone
-    const FileInfo folder{QFileInfo(currentDirectory.path())};
-    newFolderButton->setEnabled(folder.isWritable());
+    d->m_attributesTimer.setInterval(0);
+    d->buildRows();
+    if (std::exchange(d->m_awaitsTop, false)) {
+        d->m_filesList->scrollToTop();
+        d->m_filesList->scrollTo(d->m_filesList->currentIndex());
+    }
+    if (std::exchange(d->m_awaitsTypedRow, false))
+        d->selectTypedRow();
+    d->updateSplitSequencesButton(); // the evaluator may be gone
+    const FileInfo folder{QFileInfo(d->m_directory.path())};
+    d->m_controls.newFolderButton->setEnabled(folder.isWritable());
 }
 
 void FileBrowser::managerFilesUpdated(int /*start*/, int /*end*/)
 {
-    if (directoryModel->hasAllAttributes())
-        attributesTimer->setInterval(0);
-    if (!attributesTimer->isActive())
-        attributesTimer->start();
+    d->m_proxy->noteAttributes();
+    if (d->m_model->hasAllAttributes())
+        d->m_attributesTimer.setInterval(0);
+    if (!d->m_attributesTimer.isActive())
+        d->m_attributesTimer.start();
 }
 
-void FileBrowser::showArrivedAttributes()
+void FileBrowser::Private::showArrivedAttributes()
 {
-    if (!directoryModel->isListReady())
-        return;
-    // A row that goes between press and release takes the click with it.
-    constexpr int ClickTime = 50; // milliseconds
-    if (QApplication::mouseButtons() != Qt::NoButton) {
-        attributesTimer->start(ClickTime);
-        return;
-    }
     // Sorting many rows takes its time; the pause leaves the greater part of the thread to the user. Few rows
     // would come faster than an eye follows, and painting each state takes the processor from the reading.
     constexpr int PauseFactor = 4;
     constexpr int ShortestPause = 40; // milliseconds
     QElapsedTimer timer;
     timer.start();
-    filesList->keepPlace(FilesList::Keep::Selection, [this] { directoryModel->resetModel(); });
-    attributesTimer->setInterval(std::max(ShortestPause, PauseFactor * static_cast<int>(timer.elapsed())));
+    m_proxy->showAttributes();
+    m_attributesTimer.setInterval(std::max(ShortestPause, PauseFactor * static_cast<int>(timer.elapsed())));
+}
+
+void FileBrowser::Private::showNotice()
+{
+    m_filesList->setNotice(m_notice->emptyText());
+    m_controls.problemLabel->setText(m_notice->problemText());
+    m_controls.problemLabel->setVisible(!m_notice->problemText().isEmpty());
 }
 
 QString FileBrowser::replaceHashes(const QString& name)
@@ -189,7 +212,7 @@ QString FileBrowser::replaceHashes(const QString& name)
 
 QString FileBrowser::normalizeFile(const QString& name)
 {
-    return _sequenceMode != SequenceMode::Collapsed ? replaceHashes(name) : name;
+    return GetDefaultSequenceMode() != SequenceMode::Collapsed ? replaceHashes(name) : name;
 }
 
 } // namespace Halvern::UI

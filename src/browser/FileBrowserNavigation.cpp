@@ -2,7 +2,8 @@
 
 #include "browser/FileBrowser.h"
 
-#include "browser/FilesList.h"
+#include "browser/DirectoryModel.h"
+#include "browser/FileBrowserPrivate.h"
 #include "browser/ProxyModel.h"
 #include "catalogue/FileInfo.h"
 #include "paths/Path.h"
@@ -13,104 +14,114 @@
 #include <QInputDialog>
 #include <QKeyEvent>
 #include <QMessageBox>
-#include <QPointer>
 #include <QPushButton>
 
 namespace Halvern::UI {
 
 // Qt has the resources of the program in directories that begin with a colon, which no read can list.
-bool FileBrowser::isOnDisk(const QDir& dir)
+bool FileBrowser::Private::isOnDisk(const QDir& dir)
 {
     return dir.exists() && !dir.path().startsWith(QLatin1Char(':'));
 }
 
+QDir FileBrowser::directory() const
+{
+    return d->m_directory;
+}
+
 void FileBrowser::setDirectory(QDir dir, bool keepFilename, bool doRefresh)
 {
-    if ((hasDirectory && dir == currentDirectory) || !isOnDisk(dir))
+    if ((d->m_hasDirectory && dir == d->m_directory) || !Private::isOnDisk(dir))
         return;
-    currentDirectory = dir;
-    hasDirectory = true;
-    listed = false;
-    // Back and forward set the index first and find the directory there already.
-    if (historyIndex < 0 || history.value(historyIndex) != dir) {
-        while (history.size() > historyIndex + 1)
-            history.removeLast();
-        history.append(dir);
-        ++historyIndex;
-    }
-    updateNavigationButtons();
+    d->m_directory = dir;
+    d->m_hasDirectory = true;
+    d->m_listed = false;
+    d->m_awaited = {};
+    d->m_awaitsTop = true;
+    d->m_history.visit(dir);
+    d->updateNavigationButtons();
     if (!keepFilename) {
-        const QPointer<FileBrowser> self(this);
-        filenameEdit->setText(Base::withSeparator(dir.absolutePath()));
-        if (self)
-            emit fileSelected(FileInfo(dir.path().toUtf8().constData(), false), currentDirectory);
-        if (!self)
-            return;
+        d->m_controls.filenameEdit->setText(Base::withSeparator(dir.absolutePath()));
+        emit fileSelected(FileInfo(dir.path().toUtf8().constData(), false), d->m_directory);
     }
     if (doRefresh)
         refresh();
 }
 
-void FileBrowser::updateNavigationButtons()
+void FileBrowser::Private::updateNavigationButtons()
 {
-    forwardButton->setEnabled(historyIndex < history.size() - 1);
-    backButton->setEnabled(historyIndex >= 1);
-    upButton->setEnabled(currentDirectory != QDir(QDir::rootPath()));
+    m_controls.forwardButton->setEnabled(m_history.canGoForward());
+    m_controls.backButton->setEnabled(m_history.canGoBack());
+    m_controls.upButton->setEnabled(m_directory != QDir(QDir::rootPath()));
 }
 
 void FileBrowser::navigateBack()
 {
-    if (historyIndex > 0)
-        setDirectory(history.at(--historyIndex), false, true);
+    if (!d->m_history.canGoBack())
+        return;
+    const QDir left = d->m_directory;
+    setDirectory(d->m_history.goBack(), false, true);
+    d->awaitFolder(left);
 }
 
 void FileBrowser::navigateForwards()
 {
-    if (historyIndex < history.size() - 1)
-        setDirectory(history.at(++historyIndex), false, true);
+    if (d->m_history.canGoForward())
+        setDirectory(d->m_history.goForward(), false, true);
+}
+
+// The folder that was left becomes the current row, if the list that comes has it.
+void FileBrowser::Private::awaitFolder(const QDir& left)
+{
+    const QFileInfo folder(left.absolutePath());
+    if (folder.path() == m_directory.absolutePath())
+        m_awaited.current = folder.fileName().toUtf8();
 }
 
 void FileBrowser::navigateUp()
 {
     constexpr int MostSteps = 100;
-    QDir parent = currentDirectory;
+    const QDir left = d->m_directory;
+    QDir parent = left;
     bool found = parent.cdUp();
     for (int step = 0; !found && step < MostSteps; ++step) {
         parent.setPath(parent.absolutePath() + QLatin1String("/.."));
         parent.makeAbsolute();
         found = parent.exists();
     }
-    if (found)
-        setDirectory(parent, false, true);
+    if (!found)
+        return;
+    setDirectory(parent, false, true);
+    d->awaitFolder(left);
 }
 
 void FileBrowser::setFilename(const QString& name)
 {
     const bool hasFolder = name.contains(QLatin1Char('/'));
-    const QFileInfo info = hasFolder ? QFileInfo(name) : QFileInfo(currentDirectory, name);
+    const QFileInfo info = hasFolder ? QFileInfo(name) : QFileInfo(d->m_directory, name);
     setDirectory(info.dir(), false, true);
     const QString path = info.filePath();
     const int nameLength = info.fileName().length();
-    filenameEdit->setText(path);
-    filenameEdit->setFocus(Qt::OtherFocusReason);
-    filenameEdit->setSelection(path.length() - nameLength, nameLength);
+    d->m_controls.filenameEdit->setText(path);
+    d->m_controls.filenameEdit->setFocus(Qt::OtherFocusReason);
+    d->m_controls.filenameEdit->setSelection(path.length() - nameLength, nameLength);
     if (!name.isEmpty() && !name.endsWith(QLatin1Char('/')))
         setFilterBlock(true);
 }
 
 // Typing and filtering narrow the listing again after setFilename().
-void FileBrowser::clearFilterBlock()
+void FileBrowser::Private::clearFilterBlock()
 {
-    if (!filterBlock)
+    if (!m_filterBlock)
         return;
-    filterBlock = false;
-    proxyModel->setFilterBlocked(false);
+    m_filterBlock = false;
+    m_proxy->setFilterBlocked(false);
 }
 
 void FileBrowser::autoComplete(QString text)
 {
     QFileInfo info(text);
-    clearFilterBlock();
+    d->clearFilterBlock();
     const bool home = text == QLatin1String("~/");
     if (home) {
         setDirectory(QDir(QDir::homePath()), false, true);
@@ -118,13 +129,13 @@ void FileBrowser::autoComplete(QString text)
     }
     if (!home && text.endsWith(QLatin1Char('/'))) {
         QString folder = text;
-        if (text.startsWith(QLatin1String("./")) && !_defaultPath.isEmpty())
-            folder.replace(0, 1, _defaultPath);
+        if (text.startsWith(QLatin1String("./")) && !Private::s_classWide.defaultPath.isEmpty())
+            folder.replace(0, 1, Private::s_classWide.defaultPath);
         setDirectory(QDir(folder), true, true);
     } else {
         setDirectory(info.dir(), true, true);
     }
-    emit fileSelected(FileInfo(info), currentDirectory);
+    emit fileSelected(FileInfo(info), d->m_directory);
     refresh();
 }
 
@@ -134,13 +145,13 @@ bool FileBrowser::eventFilter(QObject* /*watched*/, QEvent* event)
         return false;
     switch (static_cast<QKeyEvent*>(event)->key()) {
     case Qt::Key_Up:
-        filesList->setCurrentIndex(filesList->rowAbove());
+        d->m_filesList->setCurrentIndex(d->m_filesList->rowAbove());
         return true;
     case Qt::Key_Down:
-        filesList->setCurrentIndex(filesList->rowBelow());
+        d->m_filesList->setCurrentIndex(d->m_filesList->rowBelow());
         return true;
     case Qt::Key_Tab:
-        completeTypedName();
+        d->completeTypedName();
         return true;
     default:
         return false;
@@ -151,13 +162,13 @@ void FileBrowser::keyPressEvent(QKeyEvent* event)
 {
     const bool isReturn = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
     const QWidget* focus = focusWidget();
-    const bool answersOpen = focus == filenameEdit && openButton->isVisible();
-    const bool filters = focus == filterCombo || focus == filterCombo->lineEdit();
+    const bool answersOpen = focus == d->m_controls.filenameEdit && d->m_controls.openButton->isVisible();
+    const bool filters = focus == d->m_controls.filterCombo || focus == d->m_controls.filterCombo->lineEdit();
     if (!isReturn || (!answersOpen && !filters))
         QWidget::keyPressEvent(event);
 }
 
-void FileBrowser::completeTypedName()
+void FileBrowser::Private::completeTypedName()
 {
     QString prefix = getCommonPrefix();
     if (prefix.isEmpty())
@@ -165,23 +176,32 @@ void FileBrowser::completeTypedName()
     if (prefix.endsWith(QLatin1Char('/')))
         prefix.chop(1);
     // Of the texts: Qt takes a name that begins with a colon for a path of its own.
-    QString path = Base::withSeparator(currentDirectory.path()) + prefix;
+    QString path = Base::withSeparator(m_directory.path()) + prefix;
     if (QFileInfo(path).isDir())
         path += QLatin1Char('/');
-    filenameEdit->setText(path);
-    autoComplete(path);
+    m_controls.filenameEdit->setText(path);
+    q->autoComplete(path);
 }
 
-QString FileBrowser::getCommonPrefix() const
+// The displayed name of a row; of a sequence without its runs, which no path has.
+QString FileBrowser::Private::completionText(int row) const
 {
-    const int rows = proxyModel->rowCount();
+    const QModelIndex index = m_proxy->index(row, 0);
+    const FileInfo* info = m_model->entry(m_proxy->mapToSource(index).row());
+    const bool hasRuns = info && info->isSequence() && !info->isDirectory();
+    return hasRuns ? normalizeFile(QString::fromUtf8(info->displayName())) : index.data().toString();
+}
+
+QString FileBrowser::Private::getCommonPrefix() const
+{
+    const int rows = m_proxy->rowCount();
     if (rows < 1)
         return {};
-    const QString first = proxyModel->index(0, 0).data().toString();
+    const QString first = completionText(0);
     const QString firstLower = first.toLower();
     int length = first.length();
     for (int row = 1; row < rows; ++row) {
-        const QString other = proxyModel->index(row, 0).data().toString().toLower();
+        const QString other = completionText(row).toLower();
         length = qMin(length, other.length());
         if (length < 1)
             break;
@@ -203,7 +223,7 @@ void FileBrowser::newFolder()
                                                QLineEdit::Normal, QStringLiteral("New Folder"));
     if (name.isEmpty())
         return;
-    if (!currentDirectory.mkdir(name)) {
+    if (!d->m_directory.mkdir(name)) {
         auto* box = new QMessageBox(QMessageBox::Warning, tr("New Folder"), tr("Can't create folder ") + name,
                                     QMessageBox::Ok, this);
         box->setTextFormat(Qt::PlainText);
@@ -212,7 +232,7 @@ void FileBrowser::newFolder()
         box->exec();
         return;
     }
-    QDir created = currentDirectory;
+    QDir created = d->m_directory;
     if (created.cd(name))
         setDirectory(created, false, true);
     refresh();

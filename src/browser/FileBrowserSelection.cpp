@@ -3,156 +3,186 @@
 #include "browser/FileBrowser.h"
 
 #include "browser/DirectoryModel.h"
-#include "browser/FilesList.h"
+#include "browser/FileBrowserPrivate.h"
 #include "browser/FilesMenu.h"
 #include "browser/ProxyModel.h"
 #include "widgets/FilePathEdit.h"
 
-namespace Halvern::UI {
+#include <QFileInfo>
+#include <algorithm>
 
-// The selected rows, in selection order, as far as there is an entry to follow.
-QModelIndexList FileBrowser::selectedSourceRows() const
-{
-    QModelIndexList rows;
-    for (const QModelIndex& selected : filesList->selectionModel()->selectedRows()) {
-        const QModelIndex source = proxyModel->mapToSource(selected);
-        if (directoryModel->entry(source.row()))
-            rows.append(source);
-    }
-    return rows;
-}
+namespace Halvern::UI {
 
 QStringList FileBrowser::selectedFiles() const
 {
     QStringList files;
-    if (multipleSelections) {
-        for (const QModelIndex& row : selectedSourceRows())
-            files.append(normalizeFile(directoryModel->getFullFilePath(row)));
+    if (d->m_multipleSelections) {
+        for (const QModelIndex& row : d->m_filesList->selectedSourceRows())
+            files.append(normalizeFile(d->m_model->getFullFilePath(row)));
     }
-    if (!multipleSelections || pickList.isEmpty())
-        files.append(normalizeFile(filenameEdit->text()));
-    files.append(pickList);
+    if (!d->m_multipleSelections || d->m_pickList.isEmpty())
+        files.append(normalizeFile(d->m_controls.filenameEdit->text()));
+    files.append(d->m_pickList.paths());
     removeListDuplicates(files);
     return files;
 }
 
+const QStringList& FileBrowser::pickedFiles() const
+{
+    return d->m_pickList.paths();
+}
+
+FileBrowser::Acceptance FileBrowser::acceptance() const
+{
+    if (d->isAwaited())
+        return Acceptance::None;
+    const bool acceptable = d->isAcceptable();
+    if (acceptable && d->m_multipleSelections)
+        return Acceptance::OpenAndNext;
+    const bool queued = d->m_multipleSelections && !d->m_pickList.isEmpty();
+    return acceptable || d->m_mayNotExist || queued ? Acceptance::Open : Acceptance::None;
+}
+
+// Whether selectedFiles() would leave out rows that were selected and are being read again.
+bool FileBrowser::Private::isAwaited() const
+{
+    return m_multipleSelections && !m_awaited.selected.isEmpty();
+}
+
+bool FileBrowser::Private::takesFolders() const
+{
+    return m_selectionType == SelectionType::Directories ||
+           m_selectionType == SelectionType::FilesAndDirectories;
+}
+
+// Whether what is selected, or without a selection what is typed, can be opened.
+bool FileBrowser::Private::isAcceptable() const
+{
+    const QModelIndexList rows = m_filesList->selectedSourceRows();
+    if (rows.isEmpty())
+        return takesFolders() && QFileInfo(m_controls.filenameEdit->text()).isDir();
+    return (rows.size() == 1 || m_multipleSelections) &&
+           std::all_of(rows.begin(), rows.end(),
+                       [this](const QModelIndex& row) { return isAcceptable(*m_model->fileInfo(row)); });
+}
+
+bool FileBrowser::Private::isAcceptable(const FileInfo& info) const
+{
+    if (m_selectionType == SelectionType::FilesAndDirectories)
+        return true;
+    const bool isDirectory = info.isInfoValid() ? info.isDirectory() : info.isDirSafe(m_directory);
+    return isDirectory == (m_selectionType == SelectionType::Directories);
+}
+
 void FileBrowser::fileSelectionChanged()
 {
-    if (filesList->selectionModel()->selectedRows().size() != 1)
-        return;
-    const QModelIndexList rows = selectedSourceRows();
-    if (rows.isEmpty())
-        return;
-    const int row = rows.first().row();
-    filenameEdit->setText(normalizeFile(directoryModel->getFullFilePath(row)));
-    // Whoever listens to the field may have gone to another directory by now.
-    const FileInfo* entry = directoryModel->entry(row);
-    if (!entry)
-        return;
-    // A copy: a receiver that changes the directory would take the entry from those behind it.
-    const FileInfo info = *entry;
-    const QSignalBlocker blocker(filenameEdit);
-    emit fileSelected(info, currentDirectory);
+    const QModelIndexList rows = d->m_filesList->selectedSourceRows();
+    if (rows.size() == 1) {
+        const int row = rows.first().row();
+        QLineEdit& edit = *d->m_controls.filenameEdit;
+        const QString path = normalizeFile(d->m_model->getFullFilePath(row));
+        const auto sensitivity = d->m_mayNotExist ? Qt::CaseInsensitive : Qt::CaseSensitive;
+        if (edit.text().compare(path, sensitivity) != 0)
+            edit.setText(path);
+        // Whoever listens to the field may have gone to another directory by now.
+        if (const FileInfo* entry = d->m_model->entry(row)) {
+            // A copy: a receiver that changes the directory would take the entry from those after it.
+            const FileInfo info = *entry;
+            const QSignalBlocker blocker(edit);
+            emit fileSelected(info, d->m_directory);
+        }
+    }
+    emit choiceChanged();
 }
 
 void FileBrowser::fileClicked(QModelIndex index)
 {
-    const FileInfo* info = directoryModel->entry(proxyModel->mapToSource(index).row());
-    if (info && info->isDirSafe(currentDirectory))
-        setDirectory(QDir(directoryModel->getFullFilePath(*info)), false, true);
+    const FileInfo* info = d->m_model->entry(d->m_proxy->mapToSource(index).row());
+    if (info && info->isDirSafe(d->m_directory))
+        setDirectory(QDir(d->m_model->getFullFilePath(*info)), false, true);
 }
 
 void FileBrowser::fileDoubleClicked(QModelIndex index)
 {
-    const FileInfo* entry = directoryModel->entry(proxyModel->mapToSource(index).row());
+    const FileInfo* entry = d->m_model->entry(d->m_proxy->mapToSource(index).row());
     if (!entry)
         return;
     const FileInfo info = *entry;
-    const QPointer<FileBrowser> self(this);
     emit fileDoubleClick(info);
-    if (self)
-        emit fileDoubleClick();
+    emit fileDoubleClick();
 }
 
 void FileBrowser::hoverItem(QModelIndex index)
 {
-    const int row = proxyModel->mapToSource(index).row();
-    if (row == directoryModel->hoveredRow() || !directoryModel->entry(row))
+    DirectoryModel& model = *d->m_model;
+    const int row = d->m_proxy->mapToSource(index).row();
+    if (row == model.hoveredRow() || !model.entry(row))
         return;
-    directoryModel->setHoveredRow(row);
-    directoryModel->refreshModel(directoryModel->index(row, 0),
-                                 directoryModel->index(row, DirectoryModel::ColumnCount - 1));
+    model.setHoveredRow(row);
+    model.refreshModel(model.index(row, 0), model.index(row, DirectoryModel::ColumnCount - 1));
 }
 
 void FileBrowser::nextClicked()
 {
-    const QModelIndexList rows = selectedSourceRows();
+    const QModelIndexList rows = d->m_filesList->selectedSourceRows();
     for (const QModelIndex& row : rows)
-        pickList.append(normalizeFile(directoryModel->getFullFilePath(row)));
-    const bool takesDirectory =
-        selectionType == SelectionType::Directories || selectionType == SelectionType::FilesAndDirectories;
-    if (rows.isEmpty() && takesDirectory)
-        pickList.append(normalizeFile(directory().absolutePath()));
-    // The selection stays, so that a second press is about the same rows.
-    filesList->keepPlace(FilesList::Keep::Selection, [this] { showQueue(); });
+        d->m_pickList.append(normalizeFile(d->m_model->getFullFilePath(row)));
+    // The directory is what is meant only if nothing in it was selected before it was read again.
+    const bool addsDirectory = rows.isEmpty() && d->takesFolders() && d->m_awaited.selected.isEmpty();
+    if (addsDirectory)
+        d->m_pickList.append(normalizeFile(directory().absolutePath()));
+    d->showQueue(!rows.isEmpty() || addsDirectory);
 }
 
 void FileBrowser::addItemToQueue()
 {
-    filesMenu->updateEditData(false);
-    QSet<QString> queued = queuedPaths();
-    for (const FileInfo* info : filesMenu->items()) {
-        const bool wanted = selectionType == SelectionType::Files ||
-                            selectionType == SelectionType::FilesAndDirectories ||
-                            (selectionType == SelectionType::Directories && info->isDirectory());
-        const QString path = directoryModel->getFullFilePath(*info);
-        if (!wanted || queued.contains(path))
-            continue;
-        pickList.append(normalizeFile(path));
-        queued.insert(pickList.last());
+    d->m_filesMenu->updateEditData(false);
+    for (const FileInfo* info : d->m_filesMenu->items()) {
+        const QString path = d->m_model->getFullFilePath(*info);
+        const bool wanted = d->m_selectionType == SelectionType::Files || d->takesFolders();
+        const bool fits = info->isDirectory() || d->m_selectionType != SelectionType::Directories;
+        if (wanted && fits && !d->m_pickList.contains(path))
+            d->m_pickList.append(normalizeFile(path));
     }
-    finishQueueing();
+    d->m_filesMenu->finishEditing();
+    d->showQueue(!d->m_filesMenu->items().isEmpty());
 }
 
 void FileBrowser::removeItemFromQueue()
 {
-    filesMenu->updateEditData(false);
-    for (const FileInfo* info : filesMenu->items())
-        pickList.removeOne(normalizeFile(directoryModel->getFullFilePath(*info)));
-    finishQueueing();
+    d->m_filesMenu->updateEditData(false);
+    QStringList paths;
+    for (const FileInfo* info : d->m_filesMenu->items())
+        paths.append(normalizeFile(d->m_model->getFullFilePath(*info)));
+    d->m_pickList.remove(paths);
+    d->m_filesMenu->finishEditing();
+    d->showQueue(!paths.isEmpty());
 }
 
-// To be asked for many rows; the list itself would be searched for each.
-QSet<QString> FileBrowser::queuedPaths() const
+// Shows the queued colours as they are now. An action on nothing leaves the selection alone.
+void FileBrowser::Private::showQueue(bool changed)
 {
-    QSet<QString> paths;
-    for (const QString& path : pickList)
-        paths.insert(path);
-    return paths;
-}
-
-void FileBrowser::finishQueueing()
-{
-    filesMenu->finishEditing();
-    filesList->keepPlace(FilesList::Keep::CurrentRow, [this] { showQueue(); });
-}
-
-// Shows the queued colours as they are now.
-void FileBrowser::showQueue()
-{
-    if (directoryModel->isListReady())
-        directoryModel->resetModel();
-    filesList->setFocus(Qt::MouseFocusReason);
+    if (changed && m_model->isListReady()) {
+        FilesList::Choice choice;
+        choice.current = m_filesList->currentName();
+        m_model->resetModel();
+        m_filesList->choose(choice);
+    } else {
+        m_filesList->viewport()->update();
+    }
+    m_filesList->setFocus(Qt::MouseFocusReason);
+    emit q->choiceChanged();
 }
 
 void FileBrowser::fileMenuClosed()
 {
-    filesMenu->enableActions();
+    d->m_filesMenu->enableActions();
 }
 
 void FileBrowser::accept()
 {
-    emit accepted();
+    if (!d->isAwaited())
+        emit accepted();
 }
 
 void FileBrowser::reject()

@@ -3,76 +3,71 @@
 #include "browser/FileBrowser.h"
 
 #include "browser/DirectoryModel.h"
-#include "browser/FilesList.h"
+#include "browser/FileBrowserPrivate.h"
 #include "widgets/AppSettings.h"
 
 #include <QCheckBox>
 #include <QHeaderView>
+#include <QScopedValueRollback>
 
 namespace Halvern::UI {
-
-QString FileBrowser::_orderLogicalIndexIdentifier = QStringLiteral("FileBrowser/orderlogicalindex");
-QString FileBrowser::_sortOrderIdentifier = QStringLiteral("FileBrowser/sortorder");
-QString FileBrowser::_sequencesIdentifier = QStringLiteral("FileBrowser/sequences");
-QString FileBrowser::_splitSequencesIdentifier = QStringLiteral("FileBrowser/splitsequences");
-QString FileBrowser::_directoryIdentifier = QStringLiteral("FileBrowser/directory");
-QString FileBrowser::_previewIdentifier = QStringLiteral("FileBrowser/preview");
-QString FileBrowser::_sizeIdentifier = QStringLiteral("FileBrowser/size");
 
 void FileBrowser::buildSettingsNamespace(const QString& ns)
 {
     if (ns.isEmpty())
         return;
     const QString prefix = QLatin1String("FileBrowser/") + ns;
-    _orderLogicalIndexIdentifier = prefix + QLatin1String("/orderlogicalindex");
-    _sortOrderIdentifier = prefix + QLatin1String("/sortorder");
-    _sequencesIdentifier = prefix + QLatin1String("/sequences");
-    _splitSequencesIdentifier = prefix + QLatin1String("/splitsequences");
-    _directoryIdentifier = prefix + QLatin1String("/directory");
+    Private::ClassWide& keys = Private::s_classWide;
+    keys.sortColumnKey = prefix + QLatin1String("/orderlogicalindex");
+    keys.sortOrderKey = prefix + QLatin1String("/sortorder");
+    keys.sequencesKey = prefix + QLatin1String("/sequences");
+    keys.splitSequencesKey = prefix + QLatin1String("/splitsequences");
+    keys.directoryKey = prefix + QLatin1String("/directory");
     updateFromPreferences();
 }
 
 void FileBrowser::updateFromPreferences()
 {
-    if (sequencesEnabled) {
-        const int mode = AppSettings::Number(_sequencesIdentifier).value_or(0);
-        const bool split = AppSettings::Flag(_splitSequencesIdentifier).value_or(false);
-        directoryModel->setSplitSequences(split);
-        if (!buildRows())
-            return;
-        splitCheck->setChecked(split);
+    if (d->m_sequencesEnabled) {
+        const int mode = AppSettings::Number(Private::s_classWide.sequencesKey).value_or(0);
+        const bool split = AppSettings::Flag(Private::s_classWide.splitSequencesKey).value_or(false);
         const bool expanded = mode == static_cast<int>(SequenceMode::Expanded);
-        directoryModel->setSequenceMode(expanded ? SequenceMode::Expanded : SequenceMode::Collapsed);
-        if (!buildRows())
-            return;
-        sequencesCheck->setChecked(!expanded);
+        {
+            // The slots of the boxes would build the rows for each.
+            const QScopedValueRollback<bool> hold(d->m_rowsHeld, true);
+            d->m_model->setSplitSequences(split);
+            d->m_controls.splitCheck->setChecked(split);
+            d->m_model->setSequenceMode(expanded ? SequenceMode::Expanded : SequenceMode::Collapsed);
+            d->m_controls.sequencesCheck->setChecked(!expanded);
+        }
+        d->buildRows();
     }
-    loadSortOrder();
+    d->loadSortOrder();
     loadDirectorySettings();
 }
 
-void FileBrowser::loadSortOrder()
+void FileBrowser::Private::loadSortOrder()
 {
-    const int column = AppSettings::Number(_orderLogicalIndexIdentifier).value_or(0);
-    const int order = AppSettings::Number(_sortOrderIdentifier).value_or(0);
+    const int column = AppSettings::Number(s_classWide.sortColumnKey).value_or(0);
+    const int order = AppSettings::Number(s_classWide.sortOrderKey).value_or(0);
     // A column that the list does not have would leave it in the order of the disk.
     const bool known = column >= 0 && column < DirectoryModel::ColumnCount;
-    filesList->header()->setSortIndicator(
+    m_filesList->header()->setSortIndicator(
         known ? column : 0, order == Qt::DescendingOrder ? Qt::DescendingOrder : Qt::AscendingOrder);
 }
 
 void FileBrowser::sortingChanged(int region, Qt::SortOrder sort)
 {
-    AppSettings::Store(
-        {{_orderLogicalIndexIdentifier, region}, {_sortOrderIdentifier, static_cast<int>(sort)}});
+    AppSettings::Store({{Private::s_classWide.sortColumnKey, region},
+                        {Private::s_classWide.sortOrderKey, static_cast<int>(sort)}});
 }
 
 void FileBrowser::loadDirectorySettings()
 {
-    const std::optional<QString> stored = AppSettings::Text(_directoryIdentifier);
-    const QDir candidate(_useLastSavedDir && stored ? *stored : QDir::currentPath());
+    const std::optional<QString> stored = AppSettings::Text(Private::s_classWide.directoryKey);
+    const QDir candidate(GetUseLastSavedDir() && stored ? *stored : QDir::currentPath());
     setDirectory(candidate, false, false);
-    if (!isOnDisk(candidate))
+    if (!Private::isOnDisk(candidate))
         navigateUp();
 }
 

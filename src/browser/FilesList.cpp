@@ -1,29 +1,58 @@
 #include "browser/FilesList.h"
 
 #include "browser/DirectoryModel.h"
-#include "browser/FilesMenu.h"
 #include "browser/ProxyModel.h"
 #include "widgets/LegibleDelegate.h"
 
-#include <QApplication>
 #include <QContextMenuEvent>
 #include <QHeaderView>
 #include <QKeyEvent>
-#include <QPushButton>
-#include <QScrollBar>
-#include <algorithm>
+#include <QPainter>
+#include <QShortcut>
 
 namespace Halvern::UI {
 
-FileBrowser::FilesList::FilesList(FileBrowser* owner)
-    : browser(owner)
+FileBrowser::FilesList::FilesList(DirectoryModel* model, ProxyModel* proxy)
+    : m_model(model)
+    , m_proxy(proxy)
 {
+    constexpr int SmallestSide = 250;
     setItemDelegate(new LegibleDelegate(this));
+    setUniformRowHeights(true);
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
+    setSelectionBehavior(SelectRows);
+    setRootIsDecorated(false);
+    setItemsExpandable(false);
+    setSortingEnabled(true);
+    setTextElideMode(Qt::ElideMiddle);
+    setEditTriggers(EditKeyPressed);
+    setContextMenuPolicy(Qt::CustomContextMenu);
+    setDragDropMode(DragOnly);
+    setModel(proxy);
+    setMinimumSize(SmallestSide, SmallestSide);
+    setMouseTracking(true);
+    header()->setStretchLastSection(true);
+    header()->setSectionsMovable(false);
+    connect(model, SIGNAL(readStarted()), this, SLOT(clearSelection()));
+
+    // The header takes no focus.
+    for (int column = 0; column < DirectoryModel::ColumnCount; ++column) {
+        auto* shortcut = new QShortcut(QKeySequence(QStringLiteral("Ctrl+%1").arg(column + 1)), this);
+        shortcut->setContext(Qt::WidgetShortcut);
+        connect(shortcut, &QShortcut::activated, this, [this, column] { sortByKey(column); });
+    }
+}
+
+void FileBrowser::FilesList::sortByKey(int column)
+{
+    const bool reverse =
+        header()->sortIndicatorSection() == column && header()->sortIndicatorOrder() == Qt::AscendingOrder;
+    header()->setSortIndicator(column, reverse ? Qt::DescendingOrder : Qt::AscendingOrder);
 }
 
 QSize FileBrowser::FilesList::sizeHint() const
 {
-    return {widthHint, 200};
+    return {m_widthHint, 200};
 }
 
 bool FileBrowser::FilesList::event(QEvent* event)
@@ -34,70 +63,26 @@ bool FileBrowser::FilesList::event(QEvent* event)
         return QTreeView::event(event);
     const QModelIndex current = currentIndex();
     const QPoint place = viewport()->mapToGlobal(visualRect(current).bottomLeft());
-    browser->filesMenu->popupMenu(place, browser->proxyModel->mapToSource(current));
+    emit menuRequested(place, m_proxy->mapToSource(current));
     return true;
 }
 
 void FileBrowser::FilesList::mousePressEvent(QMouseEvent* event)
 {
-    if (event->button() != Qt::RightButton) {
-        pressedTime = event->timestamp();
-        pressedPlace = event->pos();
-        pressedFolder = browser->currentDirectory.path();
-        pressedName = nameAt(event->pos());
-        QTreeView::mousePressEvent(event);
+    if (event->button() == Qt::RightButton) {
+        emit menuRequested(event->globalPos(), m_proxy->mapToSource(indexAt(event->pos())));
         return;
     }
-    const QModelIndex source = browser->proxyModel->mapToSource(indexAt(event->pos()));
-    browser->filesMenu->popupMenu(event->globalPos(), source);
+    m_pressedFolder = m_model->directory().path();
+    QTreeView::mousePressEvent(event);
 }
 
-// The name of an entry, which stays while its row comes and goes with each reset; empty for none.
-const char* FileBrowser::FilesList::nameAt(const QPoint& place) const
-{
-    const int row = browser->proxyModel->mapToSource(indexAt(place)).row();
-    const FileInfo* info = browser->directoryModel->entry(row);
-    return info ? info->fileName() : "";
-}
-
-bool FileBrowser::FilesList::followsPress(const QMouseEvent& event) const
-{
-    return pressedPlace &&
-           (event.pos() - *pressedPlace).manhattanLength() <= QApplication::startDragDistance() &&
-           event.timestamp() - pressedTime <= static_cast<ulong>(QApplication::doubleClickInterval());
-}
-
+// The first click may have opened the folder that it was on. The second was meant for that folder too, not
+// for what is in its place now.
 void FileBrowser::FilesList::mouseDoubleClickEvent(QMouseEvent* event)
 {
-    const QPersistentModelIndex index = indexAt(event->pos());
-    // Only a program sends one without a press just before it.
-    if (followsPress(*event)) {
-        // The first click may have opened the folder that it was on. The second was meant for that folder
-        // too, not for what is in its place by now.
-        if (pressedFolder != browser->currentDirectory.path())
-            return;
-        if (pressedName != nameAt(event->pos())) {
-            mousePressEvent(event);
-            return;
-        }
-    }
-    if (!index.isValid())
-        return;
-    // A host may destroy the list in answer, and the standard handling would go on with it.
-    {
-        const QSignalBlocker blocker(this);
+    if (m_pressedFolder.isEmpty() || m_pressedFolder == m_model->directory().path())
         QTreeView::mouseDoubleClickEvent(event);
-    }
-    const QPointer<FilesList> self(this);
-    emit doubleClicked(index);
-    if (self && event->button() == Qt::LeftButton)
-        emit activated(index);
-}
-
-void FileBrowser::FilesList::mouseMoveEvent(QMouseEvent* event)
-{
-    mouseRow = indexAt(event->localPos().toPoint()).row();
-    QTreeView::mouseMoveEvent(event);
 }
 
 void FileBrowser::FilesList::keyPressEvent(QKeyEvent* event)
@@ -111,23 +96,23 @@ bool FileBrowser::FilesList::navigates(const QKeyEvent& event)
 {
     const bool control = (event.modifiers() & Qt::ControlModifier) != 0;
     if (event.key() == Qt::Key_Backspace || (control && event.key() == Qt::Key_Left)) {
-        browser->backButton->click();
+        emit backRequested();
         return true;
     }
     if (!control)
         return false;
     switch (event.key()) {
     case Qt::Key_Up:
-        browser->upButton->click();
+        emit upRequested();
         return true;
     case Qt::Key_Right:
-        browser->forwardButton->click();
+        emit forwardRequested();
         return true;
     case Qt::Key_Down: {
         const QModelIndexList selected = selectedIndexes();
         if (selected.isEmpty())
             return false;
-        browser->fileClicked(selected.first());
+        emit enterRequested(selected.first());
         return true;
     }
     default:
@@ -137,64 +122,93 @@ bool FileBrowser::FilesList::navigates(const QKeyEvent& event)
 
 void FileBrowser::FilesList::leaveEvent(QEvent* /*event*/)
 {
-    DirectoryModel& model = *browser->directoryModel;
-    const int row = model.hoveredRow();
+    const int row = m_model->hoveredRow();
     if (row < 0)
         return;
-    model.setHoveredRow(-1);
-    model.refreshModel(model.index(row, 0), model.index(row, DirectoryModel::ColumnCount - 1));
+    m_model->setHoveredRow(-1);
+    m_model->refreshModel(m_model->index(row, 0), m_model->index(row, DirectoryModel::ColumnCount - 1));
 }
 
-void FileBrowser::FilesList::keepPlace(Keep what, const std::function<void()>& reset)
+void FileBrowser::FilesList::setNotice(const QString& text)
 {
-    const ProxyModel& proxy = *browser->proxyModel;
-    std::vector<int> selected;
-    if (what == Keep::Selection) {
-        for (const QModelIndex& index : selectionModel()->selectedRows())
-            selected.push_back(proxy.mapToSource(index).row());
-    }
-    const int current = proxy.mapToSource(currentIndex()).row();
-    const int scrolled = verticalScrollBar()->value();
-
-    reset();
-
-    const auto viewRow = [&](int sourceRow) {
-        return proxy.mapFromSource(browser->directoryModel->index(sourceRow, 0)).row();
-    };
-    std::transform(selected.begin(), selected.end(), selected.begin(), viewRow);
-    selected.erase(std::remove(selected.begin(), selected.end(), -1), selected.end());
-    const QSignalBlocker blocker(selectionModel());
-    selectRows(std::move(selected));
-    if (current >= 0)
-        selectionModel()->setCurrentIndex(proxy.index(viewRow(current), 0), QItemSelectionModel::NoUpdate);
-    executeDelayedItemsLayout();
-    verticalScrollBar()->setValue(scrolled);
+    m_notice = text;
+    setAccessibleDescription(text);
+    viewport()->update();
 }
 
-void FileBrowser::FilesList::selectRows(std::vector<int> rows)
+void FileBrowser::FilesList::paintEvent(QPaintEvent* event)
 {
-    if (rows.empty())
+    QTreeView::paintEvent(event);
+    if (m_notice.isEmpty())
         return;
-    std::vector<std::pair<int, int>> ranges; // first and last row of each
-    const auto findRanges = [&] {
-        ranges.clear();
-        for (const int row : rows) {
-            if (ranges.empty() || row != ranges.back().second + 1)
-                ranges.emplace_back(row, row);
-            ranges.back().second = row;
-        }
-    };
-    findRanges();
-    // The toolkit takes time that grows with the square of the ranges.
-    constexpr std::size_t MostRanges = 500;
-    if (ranges.size() > MostRanges) {
-        std::sort(rows.begin(), rows.end());
-        findRanges();
+    constexpr double Strength = 0.6; // grey, and still legible
+    const int margin = fontMetrics().height();
+    QColor colour = palette().color(QPalette::Text);
+    colour.setAlphaF(Strength);
+    QPainter painter(viewport());
+    painter.setPen(colour);
+    painter.drawText(viewport()->rect().adjusted(margin, margin, -margin, -margin),
+                     Qt::AlignCenter | Qt::TextWordWrap, m_notice);
+}
+
+QItemSelectionModel::SelectionFlags FileBrowser::FilesList::selectionCommand(const QModelIndex& index,
+                                                                             const QEvent* event) const
+{
+    return m_model->isListReady() ? QTreeView::selectionCommand(index, event) : QItemSelectionModel::NoUpdate;
+}
+
+QModelIndexList FileBrowser::FilesList::selectedSourceRows() const
+{
+    QModelIndexList rows;
+    for (const QModelIndex& selected : selectionModel()->selectedRows()) {
+        const QModelIndex source = m_proxy->mapToSource(selected);
+        if (m_model->entry(source.row()))
+            rows.append(source);
     }
-    const ProxyModel& proxy = *browser->proxyModel;
+    return rows;
+}
+
+// Empty for a row without an entry.
+QByteArray FileBrowser::FilesList::nameOf(const QModelIndex& index) const
+{
+    const FileInfo* info = m_model->entry(m_proxy->mapToSource(index).row());
+    return info ? info->displayName() : "";
+}
+
+FileBrowser::FilesList::Choice FileBrowser::FilesList::choice() const
+{
+    Choice choice;
+    for (const QModelIndex& source : selectedSourceRows())
+        choice.selected.insert(m_model->displayName(source.row()));
+    choice.current = currentName();
+    return choice;
+}
+
+void FileBrowser::FilesList::choose(const Choice& choice)
+{
+    if (choice.selected.isEmpty() && choice.current.isEmpty())
+        return;
     QItemSelection selection;
-    for (const auto& [first, last] : ranges)
-        selection.select(proxy.index(first, 0), proxy.index(last, DirectoryModel::ColumnCount - 1));
+    QModelIndex current;
+    int first = -1; // of the selected rows that follow each other
+    const int rows = m_proxy->rowCount();
+    for (int row = 0; row <= rows; ++row) {
+        const QByteArray name = row < rows ? nameOf(m_proxy->index(row, 0)) : QByteArray();
+        const bool isSelected = choice.selected.contains(name);
+        if (isSelected && first < 0)
+            first = row;
+        if (!isSelected && first >= 0) {
+            selection.select(m_proxy->index(first, 0),
+                             m_proxy->index(row - 1, DirectoryModel::ColumnCount - 1));
+            first = -1;
+        }
+        if (!name.isEmpty() && name == choice.current)
+            current = m_proxy->index(row, 0);
+    }
+    const bool scrolls = hasAutoScroll();
+    setAutoScroll(false);
+    selectionModel()->setCurrentIndex(current, QItemSelectionModel::NoUpdate);
+    setAutoScroll(scrolls);
     selectionModel()->select(selection, QItemSelectionModel::ClearAndSelect);
 }
 

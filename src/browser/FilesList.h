@@ -2,65 +2,78 @@
 
 #include "browser/FileBrowser.h"
 
+#include <QSet>
 #include <QTreeView>
-#include <functional>
-#include <optional>
-#include <vector>
 
 namespace Halvern::UI {
 
 /// The view of the files: keyboard navigation through directories, hover, and the pick-list menu on a right
-/// click, which neither selects nor moves the current row.
+/// click, which neither selects nor moves the current row. While a read is under way its rows are empty, and
+/// none is selected or can be.
 class FileBrowser::FilesList : public QTreeView
 {
     Q_OBJECT
 
 public:
-    explicit FilesList(FileBrowser* owner);
+    /// Shows @p proxy, whose source is @p model. Both outlive the list.
+    FilesList(DirectoryModel* model, ProxyModel* proxy);
 
     /// Pixels that the list would like to be wide.
-    void setWidthHint(int width) { widthHint = width; }
+    void setWidthHint(int width) { m_widthHint = width; }
     QSize sizeHint() const override;
 
-    /// The row of the view that was under the mouse when it moved last, -1 for none.
-    int hoveredViewRow() const { return mouseRow; }
     /// Where the cursor key would go: the index one row above or below the current one.
     QModelIndex rowAbove() { return moveCursor(MoveUp, Qt::NoModifier); }
     QModelIndex rowBelow() { return moveCursor(MoveDown, Qt::NoModifier); }
+    /// The selected rows that have an entry, in selection order, as indexes of the source.
+    QModelIndexList selectedSourceRows() const;
 
-    enum class Keep
+    /// Rows by the names of their entries, to be found again after the rows were built anew.
+    struct Choice
     {
-        Selection, ///< With the current row and the scroll position.
-        CurrentRow ///< With the scroll position; nothing is selected any more.
+        QSet<QByteArray> selected;
+        QByteArray current;
     };
-    /// Runs @p reset, which resets the model but leaves its rows as they are, and puts back what is to be
-    /// kept without announcing a change of it. Rows stay in the order in which they were selected, unless
-    /// they lie in hundreds of places.
-    void keepPlace(Keep what, const std::function<void()>& reset);
+    Choice choice() const;
+    /// The name of the current row, empty if it has no entry.
+    QByteArray currentName() const { return nameOf(currentIndex()); }
+    /// Selects the rows of @p choice that exist, and no others, and makes its current row the current one.
+    /// The scroll position stays.
+    void choose(const Choice& choice);
+
+    /// A text in the middle of the list, in place of rows; empty for none.
+    void setNotice(const QString& text);
+
+signals:
+    void backRequested();
+    void upRequested();
+    void forwardRequested();
+    /// The selected row is to be entered, if it is a folder.
+    void enterRequested(QModelIndex index);
+    /// For the row of @p sourceIndex, which may be invalid.
+    void menuRequested(const QPoint& globalPosition, const QModelIndex& sourceIndex);
 
 protected:
     /// The menu key opens the menu at the current row.
     bool event(QEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;
-    void mouseMoveEvent(QMouseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void leaveEvent(QEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+    QItemSelectionModel::SelectionFlags selectionCommand(const QModelIndex& index,
+                                                         const QEvent* event) const override;
 
 private:
     bool navigates(const QKeyEvent& event);
-    const char* nameAt(const QPoint& place) const;
-    bool followsPress(const QMouseEvent& event) const;
-    void selectRows(std::vector<int> rows);
+    void sortByKey(int column);
+    QByteArray nameOf(const QModelIndex& index) const;
 
-    FileBrowser* browser;
-    // When a button was pressed last, but for the right one, and on what.
-    ulong pressedTime = 0; // in milliseconds, of the event
-    std::optional<QPoint> pressedPlace;
-    QString pressedFolder;
-    QByteArray pressedName;
-    int widthHint = 0;
-    int mouseRow = -1;
+    DirectoryModel* m_model;
+    ProxyModel* m_proxy;
+    QString m_pressedFolder; // in which the mouse was pressed last
+    QString m_notice;
+    int m_widthHint = 0;
 };
 
 } // namespace Halvern::UI

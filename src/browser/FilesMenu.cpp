@@ -2,109 +2,119 @@
 
 #include "browser/DirectoryModel.h"
 #include "browser/FilesList.h"
+#include "browser/PickList.h"
 
 #include <QKeySequence>
 
 namespace Halvern::UI {
 
-FileBrowser::FilesMenu::FilesMenu(FileBrowser* owner)
-    : QMenu(owner)
-    , browser(owner)
+FileBrowser::FilesMenu::FilesMenu(DirectoryModel* model, FilesList* list, const PickList& pickList,
+                                  QWidget* browser)
+    : QMenu(browser)
+    , m_model(model)
+    , m_list(list)
+    , m_pickList(pickList)
 {
+    connect(model, SIGNAL(entriesExpire()), this, SLOT(forgetItems()));
+    connect(list, SIGNAL(menuRequested(const QPoint&, const QModelIndex&)), this,
+            SLOT(popupMenu(const QPoint&, const QModelIndex&)));
 }
 
-QAction* FileBrowser::FilesMenu::makeAction(const QString& text, const char* slot)
+QAction* FileBrowser::FilesMenu::makeAction(const char* name, const QString& text, const char* slot)
 {
     auto* action = new QAction(text, this);
+    action->setObjectName(QLatin1String(name));
     action->setShortcutContext(Qt::WidgetShortcut);
-    connect(action, SIGNAL(triggered()), browser, slot);
+    connect(action, SIGNAL(triggered()), parentWidget(), slot);
     QMenu::addAction(action);
-    browser->filesList->addAction(action);
+    m_list->addAction(action);
     return action;
 }
 
 void FileBrowser::FilesMenu::defaultSetup()
 {
-    connect(this, SIGNAL(aboutToHide()), browser, SLOT(fileMenuClosed()));
-    addAction = makeAction(tr("Add"), SLOT(addItemToQueue()));
-    addAction->setObjectName(QStringLiteral("addAction"));
-    addAction->setShortcut(QKeySequence(QStringLiteral("Space")));
-    removeAction = makeAction(tr("Remove"), SLOT(removeItemFromQueue()));
-    removeAction->setObjectName(QStringLiteral("removeAction"));
-    refreshAction = makeAction(tr("Refresh"), SLOT(refreshDirectory()));
-    refreshAction->setObjectName(QStringLiteral("refreshAction"));
-    refreshAction->setShortcut(QKeySequence(QStringLiteral("F5")));
+    connect(this, SIGNAL(aboutToHide()), parentWidget(), SLOT(fileMenuClosed()));
+    m_addAction = makeAction("addAction", tr("Add"), SLOT(addItemToQueue()));
+    m_addAction->setShortcut(QKeySequence(QStringLiteral("Space")));
+    m_removeAction = makeAction("removeAction", tr("Remove"), SLOT(removeItemFromQueue()));
+    m_refreshAction = makeAction("refreshAction", tr("Refresh"), SLOT(refreshDirectory()));
+    m_refreshAction->setShortcut(QKeySequence(QStringLiteral("F5")));
 }
 
 void FileBrowser::FilesMenu::popupMenu(const QPoint& globalPosition, const QModelIndex& sourceIndex)
 {
-    setEditActionsVisible(browser->multipleSelections);
-    if (!browser->multipleSelections) {
+    const bool multiple = m_list->selectionMode() == QAbstractItemView::ExtendedSelection;
+    setEditActionsVisible(multiple);
+    if (!multiple) {
         popup(globalPosition);
         return;
     }
-    const DirectoryModel& model = *browser->directoryModel;
-    editItems.clear();
+    m_editItems.clear();
     bool clickedIsSelected = false;
     bool anyQueued = false;
     bool anyUnqueued = false;
-    const QSet<QString> queued = browser->queuedPaths();
-    for (const QModelIndex& selected : browser->selectedSourceRows()) {
+    for (const QModelIndex& selected : m_list->selectedSourceRows()) {
         clickedIsSelected = clickedIsSelected || selected.row() == sourceIndex.row();
-        FileInfo* info = model.fileInfo(selected);
-        editItems.append(info);
+        FileInfo* info = m_model->fileInfo(selected);
+        m_editItems.append(info);
         if (info->isDirectory())
             continue;
-        const bool isQueued = queued.contains(normalizeFile(model.getFullFilePath(*info)));
+        const bool isQueued = m_pickList.contains(normalizeFile(m_model->getFullFilePath(*info)));
         (isQueued ? anyQueued : anyUnqueued) = true;
     }
-    bool mayAdd = editItems.isEmpty() || !anyQueued || anyUnqueued;
-    bool mayRemove = editItems.isEmpty() || !anyUnqueued || anyQueued;
+    bool mayAdd = m_editItems.isEmpty() || !anyQueued || anyUnqueued;
+    bool mayRemove = m_editItems.isEmpty() || !anyUnqueued || anyQueued;
 
-    FileInfo* clicked = sourceIndex.isValid() ? model.entry(sourceIndex.row()) : nullptr;
+    FileInfo* clicked = sourceIndex.isValid() ? m_model->entry(sourceIndex.row()) : nullptr;
     if (!clickedIsSelected && clicked) {
-        editItems = {clicked};
-        mayRemove = queued.contains(model.getFullFilePath(*clicked));
+        m_editItems = {clicked};
+        mayRemove = m_pickList.contains(m_model->getFullFilePath(*clicked));
         mayAdd = !mayRemove;
     }
-    addAction->setEnabled(mayAdd);
-    removeAction->setEnabled(mayRemove);
-    menuOpen = true;
+    m_addAction->setEnabled(mayAdd);
+    m_removeAction->setEnabled(mayRemove);
+    m_menuOpen = true;
     popup(globalPosition);
 }
 
 void FileBrowser::FilesMenu::updateEditData(bool force)
 {
-    if (force || !menuOpen)
+    if (force || !m_menuOpen)
         prepareItemsForEditing();
 }
 
 void FileBrowser::FilesMenu::prepareItemsForEditing()
 {
-    const DirectoryModel& model = *browser->directoryModel;
-    editItems.clear();
+    const int hoveredRow = m_model->hoveredRow();
+    m_editItems.clear();
     bool hoveredIsSelected = false;
-    for (const QModelIndex& selected : browser->selectedSourceRows()) {
-        editItems.append(model.fileInfo(selected));
-        hoveredIsSelected = hoveredIsSelected || selected.row() == model.hoveredRow();
+    for (const QModelIndex& selected : m_list->selectedSourceRows()) {
+        m_editItems.append(m_model->fileInfo(selected));
+        hoveredIsSelected = hoveredIsSelected || selected.row() == hoveredRow;
     }
     if (!hoveredIsSelected) {
-        editItems.clear();
-        if (FileInfo* hovered = model.entry(model.hoveredRow()))
-            editItems.append(hovered);
+        m_editItems.clear();
+        if (FileInfo* hovered = m_model->entry(hoveredRow))
+            m_editItems.append(hovered);
     }
-    menuOpen = true;
+    m_menuOpen = true;
+}
+
+void FileBrowser::FilesMenu::forgetItems()
+{
+    m_editItems.clear();
+    m_menuOpen = false;
 }
 
 void FileBrowser::FilesMenu::setEditActionsVisible(bool visible)
 {
-    addAction->setVisible(visible);
-    removeAction->setVisible(visible);
+    m_addAction->setVisible(visible);
+    m_removeAction->setVisible(visible);
 }
 
 void FileBrowser::FilesMenu::enableActions()
 {
-    for (QAction* action : {addAction, removeAction, refreshAction})
+    for (QAction* action : {m_addAction, m_removeAction, m_refreshAction})
         action->setEnabled(true);
 }
 

@@ -6,6 +6,8 @@
 
 namespace Halvern::UI {
 
+class PickList;
+
 /// The context menu of the file list, whose actions also work by their shortcuts while the list has the
 /// focus. It keeps what the next "Add" or "Remove" is about: what the menu was opened on, or for a shortcut
 /// the selection if the mouse is over it, else the row under the mouse.
@@ -14,42 +16,43 @@ class FileBrowser::FilesMenu : public QMenu
     Q_OBJECT
 
 public:
-    explicit FilesMenu(FileBrowser* owner);
+    /// All outlive the menu. The actions call slots of @p browser, which is the parent.
+    FilesMenu(DirectoryModel* model, FilesList* list, const PickList& pickList, QWidget* browser);
 
     /// Makes the actions and connects them.
     void defaultSetup();
-    /// Pops up for the row of @p sourceIndex, which may be invalid. A single-selection browser offers
-    /// "Refresh" alone.
-    void popupMenu(const QPoint& globalPosition, const QModelIndex& sourceIndex);
-    /// Collects the items for a shortcut. The menu's items are kept where it was opened before and @p force
+    /// Shows or hides "Add" and "Remove".
+    void setEditActionsVisible(bool visible);
+    /// Collects the items for a shortcut. The menu's items are kept if it was opened before and @p force
     /// is not set.
     void updateEditData(bool force);
     void prepareItemsForEditing();
-    /// Shows or hides "Add" and "Remove".
-    void setEditActionsVisible(bool visible);
     /// Enables all actions.
     void enableActions();
 
     /// The entries that the next "Add" or "Remove" acts on.
-    const QList<FileInfo*>& items() const { return editItems; }
+    const QList<FileInfo*>& items() const { return m_editItems; }
     /// "Add" or "Remove" was carried out: the next shortcut collects its items anew.
-    void finishEditing() { menuOpen = false; }
+    void finishEditing() { m_menuOpen = false; }
+
+public slots:
+    /// Pops up for the row of @p sourceIndex, which may be invalid. For a list of single selection it offers
+    /// "Refresh" alone.
+    void popupMenu(const QPoint& globalPosition, const QModelIndex& sourceIndex);
     /// The entries are about to die: the next shortcut collects its items anew.
-    void forgetItems()
-    {
-        editItems.clear();
-        menuOpen = false;
-    }
+    void forgetItems();
 
 private:
-    QAction* makeAction(const QString& text, const char* slot);
+    QAction* makeAction(const char* name, const QString& text, const char* slot);
 
-    FileBrowser* browser;
-    bool menuOpen = false;
-    QList<FileInfo*> editItems;
-    QAction* addAction = nullptr;
-    QAction* removeAction = nullptr;
-    QAction* refreshAction = nullptr;
+    DirectoryModel* m_model;
+    FilesList* m_list;
+    const PickList& m_pickList;
+    bool m_menuOpen = false;
+    QList<FileInfo*> m_editItems;
+    QAction* m_addAction = nullptr;
+    QAction* m_removeAction = nullptr;
+    QAction* m_refreshAction = nullptr;
 };
 
 } // namespace Halvern::UI

@@ -2,160 +2,167 @@
 
 #include "base/Text.h"
 #include "browser/DirectoryModel.h"
-#include "browser/RowRanks.h"
+#include "catalogue/FileInfo.h"
 #include "frames/Placeholder.h"
 
 #include <algorithm>
 #include <cstring>
-#include <functional>
 
 namespace Halvern::UI {
 
-namespace {
-
-// Names with equal keys come before each other in both directions, and so does the answer.
-bool nameLess(const FileInfo& left, const FileInfo& right)
-{
-    if (NameOrder::isKeyed(left) && NameOrder::isKeyed(right))
-        return std::strcmp(left.getStringSortName(), right.getStringSortName()) <= 0;
-    return std::strcoll(left.displayName(), right.displayName()) <= 0;
-}
-
-bool sizeLess(const FileInfo& left, const FileInfo& right)
-{
-    if (left.isDirectory() != right.isDirectory())
-        return left.isDirectory();
-    if (left.isDirectory() || left.size() == right.size())
-        return nameLess(left, right);
-    return left.size() < right.size();
-}
-
-} // namespace
-
-FileBrowser::ProxyModel::ProxyModel(FileBrowser* owner)
-    : QSortFilterProxyModel(owner)
-    , browser(owner)
+FileBrowser::ProxyModel::ProxyModel(DirectoryModel* source, QObject* parent)
+    : QSortFilterProxyModel(parent)
+    , m_model(source)
 {
     setDynamicSortFilter(false);
     setSortCaseSensitivity(Qt::CaseInsensitive);
-    // Before the connections of the base class, which show the rows at once.
-    connect(owner->directoryModel, SIGNAL(modelReset()), this, SLOT(forgetRanks()));
-    setSourceModel(owner->directoryModel);
+    // Before the connections of the base class, which sorts at once.
+    for (const char* signal : {SIGNAL(modelReset()), SIGNAL(readStarted())})
+        connect(m_model, signal, this, SLOT(readKeys()));
+    connect(this, SIGNAL(layoutAboutToBeChanged()), this, SLOT(readNewKeys()));
+    setSourceModel(m_model);
 }
 
 void FileBrowser::ProxyModel::setNamePrefix(const QString& text)
 {
-    namePrefix = Placeholder::withHashes(text).toUtf8().constData();
+    m_namePrefix = Placeholder::withHashes(text).toUtf8().constData();
 }
 
 void FileBrowser::ProxyModel::setFilterPattern(const QString& patterns)
 {
-    if (patterns != nameFilter.text())
-        nameFilter = NameFilter(patterns);
+    if (patterns != m_nameFilter.text())
+        m_nameFilter = NameFilter(patterns);
 }
 
 void FileBrowser::ProxyModel::apply()
 {
-    if (browser->directoryModel->isListReady())
+    if (m_model->isListReady())
         invalidate();
 }
 
-void FileBrowser::ProxyModel::sort(int column, Qt::SortOrder order)
+void FileBrowser::ProxyModel::showAttributes()
 {
-    forgetRanks();
-    fromSourceOrder = false;
-    QSortFilterProxyModel::sort(column, order);
+    if (!m_model->isListReady() || m_model->rowCount() == 0)
+        return;
+    const bool kindsChanged = readKeys();
+    if (kindsChanged && !m_nameFilter.text().isEmpty()) {
+        // A link that turned out to be a folder passes every filter.
+        invalidate();
+    } else if (isSortedByAttribute()) {
+        // Views keep a selection faster if they know that rows only move.
+        emit layoutAboutToBeChanged({}, VerticalSortHint);
+        {
+            const QSignalBlocker blocker(this);
+            invalidate();
+        }
+        emit layoutChanged({}, VerticalSortHint);
+    }
+    m_model->updateInfo(0, -1);
+}
+
+bool FileBrowser::ProxyModel::isSortedByAttribute() const
+{
+    return sortColumn() == DirectoryModel::SizeColumn || sortColumn() == DirectoryModel::ModifiedColumn;
+}
+
+void FileBrowser::ProxyModel::readNewKeys()
+{
+    if (m_keysAreOld)
+        readKeys();
+}
+
+// Whether a row is a file that was none before, or the other way round.
+bool FileBrowser::ProxyModel::readKeys()
+{
+    m_keysAreOld = false;
+    if (!m_model->isListReady()) {
+        m_keys.clear();
+        return true;
+    }
+    const std::vector<FileInfo*>& rows = m_model->rows();
+    bool kindsChanged = m_keys.size() != rows.size();
+    m_keys.resize(rows.size());
+    for (std::size_t row = 0; row < rows.size(); ++row) {
+        RowKey& key = m_keys[row];
+        key.entry = rows[row];
+        if (!key.entry)
+            continue;
+        const bool isFile = !key.entry->isDirectory();
+        kindsChanged = kindsChanged || key.isFile != isFile;
+        key.size = isFile ? key.entry->size() : 0;
+        key.time = key.entry->modificationTime();
+        key.place = m_model->nameOrder().ranks()[row];
+        key.isFile = isFile;
+    }
+    return kindsChanged;
 }
 
 bool FileBrowser::ProxyModel::filterAcceptsRow(int sourceRow, const QModelIndex& /*sourceParent*/) const
 {
-    const DirectoryModel& model = *browser->directoryModel;
-    // Filtering begins here, and sorting follows it; sizes and times may have arrived.
-    if (sourceRow == 0) {
-        rankedColumn = NoColumn;
-        fromSourceOrder = true;
-    }
-    if (!model.isListReady())
+    if (!m_model->isListReady())
         return true;
-    const FileInfo* info = model.entry(sourceRow);
+    const FileInfo* info = m_model->entry(sourceRow);
     if (!info)
         return false;
-    const char* name = model.displayName(sourceRow);
-    if (!nameFilter.text().isEmpty()) {
-        if (filterBlocked && name[0] == '.')
+    const char* name = m_model->displayName(sourceRow);
+    if (!m_nameFilter.text().isEmpty()) {
+        if (m_filterBlocked && name[0] == '.')
             return false;
-        if (filterBlocked && info->isDirectory())
+        if (m_filterBlocked && info->isDirectory())
             return true;
-        if (!info->isDirectory() && !nameFilter.matches(QString::fromUtf8(info->fileName())))
+        if (!info->isDirectory() && !m_nameFilter.matches(QString::fromUtf8(info->fileName())))
             return false;
     }
-    return filterBlocked || matchesPrefix(name);
+    return m_filterBlocked || matchesPrefix(name);
+}
+
+FileBrowser::ProxyModel::Reason FileBrowser::ProxyModel::reasonForNoRows() const
+{
+    for (int row = 0; row < m_model->rowCount(); ++row) {
+        const char* name = m_model->entry(row) ? m_model->displayName(row) : ".";
+        if (m_filterBlocked ? name[0] != '.' : matchesPrefix(name))
+            return Filtered;
+    }
+    return m_filterBlocked || m_namePrefix.empty() ? NothingThere : NoSuchPrefix;
 }
 
 bool FileBrowser::ProxyModel::matchesPrefix(const char* name) const
 {
-    if (name[0] == '.' && (namePrefix.empty() || namePrefix[0] != '.'))
+    if (name[0] == '.' && (m_namePrefix.empty() || m_namePrefix[0] != '.'))
         return false;
     // A name that ends early differs at its terminator.
-    return (namePrefix.empty() || name[0] != '\0') &&
-           std::equal(namePrefix.begin(), namePrefix.end(), name, [](char wanted, char present) {
+    return (m_namePrefix.empty() || name[0] != '\0') &&
+           std::equal(m_namePrefix.begin(), m_namePrefix.end(), name, [](char wanted, char present) {
                return Base::lowerCase(wanted) == Base::lowerCase(present);
            });
 }
 
-// None while there are no rows to rank.
-std::vector<int> FileBrowser::ProxyModel::ranksBy(int column) const
+bool FileBrowser::ProxyModel::isNameLess(const RowKey& left, const RowKey& right)
 {
-    const DirectoryModel& model = *browser->directoryModel;
-    if (!model.isListReady())
-        return {};
-    if (column == DirectoryModel::SizeColumn)
-        return RowRanks::bySize(model.rows(), model.nameOrder());
-    if (column == DirectoryModel::ModifiedColumn)
-        return RowRanks::byTime(model.rows(), placesOfEqualTimes());
-    return model.nameOrder().ranks();
-}
-
-// Sorting keeps equal rows as they stand, which is the order of the names then, and not that in which the
-// list was built.
-std::vector<int> FileBrowser::ProxyModel::placesOfEqualTimes() const
-{
-    if (!fromSourceOrder)
-        return {};
-    std::vector<int> places = browser->directoryModel->nameOrder().places();
-    if (sortOrder() == Qt::DescendingOrder)
-        std::transform(places.begin(), places.end(), places.begin(), std::negate<>());
-    return places;
+    if (left.place != NameOrder::NoRank && right.place != NameOrder::NoRank)
+        return left.place <= right.place;
+    return std::strcoll(left.entry->displayName(), right.entry->displayName()) <= 0;
 }
 
 bool FileBrowser::ProxyModel::lessThan(const QModelIndex& left, const QModelIndex& right) const
 {
-    const int column = left.column();
-    if (column != right.column())
-        return false;
-    if (column != rankedColumn) {
-        ranks = ranksBy(column);
-        rankedColumn = column;
-    }
     const auto leftRow = static_cast<std::size_t>(left.row());
     const auto rightRow = static_cast<std::size_t>(right.row());
-    if (leftRow < ranks.size() && rightRow < ranks.size()) {
-        const int leftRank = ranks[leftRow];
-        const int rightRank = ranks[rightRow];
-        if (leftRank != NameOrder::NoRank && rightRank != NameOrder::NoRank)
-            return column == DirectoryModel::ModifiedColumn ? leftRank < rightRank : leftRank <= rightRank;
-    }
-    const FileInfo* leftInfo = browser->directoryModel->entry(left.row());
-    const FileInfo* rightInfo = browser->directoryModel->entry(right.row());
-    if (!leftInfo || !rightInfo)
+    if (left.column() != right.column() || leftRow >= m_keys.size() || rightRow >= m_keys.size())
         return false;
-    switch (column) {
+    const RowKey& a = m_keys[leftRow];
+    const RowKey& b = m_keys[rightRow];
+    if (!a.entry || !b.entry)
+        return false;
+    switch (left.column()) {
     case DirectoryModel::NameColumn:
-        return nameLess(*leftInfo, *rightInfo);
+        return isNameLess(a, b);
     case DirectoryModel::SizeColumn:
-        return sizeLess(*leftInfo, *rightInfo);
+        if (a.isFile != b.isFile)
+            return b.isFile;
+        return a.size != b.size ? a.size < b.size : isNameLess(a, b);
     case DirectoryModel::ModifiedColumn:
-        return leftInfo->modificationTime() < rightInfo->modificationTime();
+        return a.time < b.time;
     default:
         return false;
     }

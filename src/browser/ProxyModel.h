@@ -17,44 +17,67 @@ class FileBrowser::ProxyModel : public QSortFilterProxyModel
     Q_OBJECT
 
 public:
-    explicit ProxyModel(FileBrowser* owner);
+    /// @p model is the source. It outlives the proxy.
+    ProxyModel(DirectoryModel* model, QObject* parent);
 
     /// Rows must begin with @p text in any letter case, with "#" in place of printf tokens; a leading "."
     /// shows hidden names too.
     void setNamePrefix(const QString& text);
     /// The prefix as rows are compared with it, UTF-8.
-    const std::string& prefix() const { return namePrefix; }
+    const std::string& prefix() const { return m_namePrefix; }
     /// Wildcard patterns that files must match, as NameFilter takes them; empty for all.
     void setFilterPattern(const QString& patterns);
+    const QString& filterPattern() const { return m_nameFilter.text(); }
     /// While set, folders always pass and the name prefix is not looked at.
-    void setFilterBlocked(bool blocked) { filterBlocked = blocked; }
-    /// Filters and sorts afresh. While a read is under way nothing happens: the rows are built anew after it.
+    void setFilterBlocked(bool blocked) { m_filterBlocked = blocked; }
+    /// Filters and sorts again. While a read is under way nothing happens: the rows are built anew after it.
     void apply();
-    void sort(int column, Qt::SortOrder order = Qt::AscendingOrder) override;
+    /// Attributes have arrived: the next sorting and showAttributes() look at them.
+    void noteAttributes() { m_keysAreOld = true; }
+    /// Shows the attributes of the rows as they are now, and sorts again if these decide the order. Rows that
+    /// are equal then stand as in the source, in whichever order their attributes arrived. Selection, current
+    /// row and scroll position stay.
+    void showAttributes();
 
-private slots:
-    void forgetRanks() { rankedColumn = NoColumn; }
+    enum Reason
+    {
+        NothingThere,
+        NoSuchPrefix,
+        Filtered
+    };
+    /// Why no row is accepted. Only for a list that is ready and has no rows.
+    Reason reasonForNoRows() const;
 
 protected:
     bool filterAcceptsRow(int sourceRow, const QModelIndex& sourceParent) const override;
+    /// Deliberately not a strict order: by name and size, rows with equal keys are less both ways.
     bool lessThan(const QModelIndex& left, const QModelIndex& right) const override;
 
+private slots:
+    bool readKeys();
+    void readNewKeys();
+
 private:
-    static constexpr int NoColumn = -1;
+    /// What decides the place of a row. Keys stand close together; entries are kilobytes apart.
+    struct RowKey
+    {
+        const FileInfo* entry;
+        unsigned long long size;
+        long long time;
+        int place; ///< Of the name, NameOrder::NoRank if its sort key does not decide.
+        bool isFile;
+    };
 
     bool matchesPrefix(const char* name) const;
-    std::vector<int> ranksBy(int column) const;
-    std::vector<int> placesOfEqualTimes() const;
+    bool isSortedByAttribute() const;
+    static bool isNameLess(const RowKey& left, const RowKey& right);
 
-    std::string namePrefix;
-    NameFilter nameFilter;
-    FileBrowser* browser;
-    bool filterBlocked = false;
-
-    // Of the rows in the column by which it is being sorted; the first comparison finds them.
-    mutable std::vector<int> ranks;
-    mutable int rankedColumn = NoColumn;
-    mutable bool fromSourceOrder = true; // sorts rows as the source has them, not as they are sorted already
+    std::string m_namePrefix;
+    NameFilter m_nameFilter;
+    DirectoryModel* m_model;
+    bool m_filterBlocked = false;
+    std::vector<RowKey> m_keys; // of the source rows, none during a read
+    bool m_keysAreOld = false;
 };
 
 } // namespace Halvern::UI

@@ -283,8 +283,10 @@ bool FileInfo::isDirSafe(const QDir& dir) const
     if (isSequence())
         return isDirectory();
     const QFileInfo info(dir, QString::fromLatin1(m_fileName));
+    if (info.isDir())
+        return true;
     if (info.exists())
-        return info.isDir();
+        return false;
     // A name outside ASCII is rarely what its Latin-1 reading says; the system knows it by its bytes.
     const QByteArray path = QFile::encodeName(dir.absolutePath()) + '/' + m_fileName;
     return Base::isDirectory(path.constData());

@@ -4,7 +4,8 @@
 #include "browser/FileBrowser.h"
 
 #include <QDialog>
-#include <tuple>
+
+class QLineEdit;
 
 namespace Halvern::UI {
 
@@ -13,8 +14,9 @@ namespace Halvern::UI {
 /// dropped on it.
 ///
 /// The host makes it, runs it with exec(), reads selectedFiles() after it was accepted, and destroys it;
-/// title and place are the host's. Configuration calls go to the browser's member of the same name, which
-/// documents them.
+/// title and place are the host's. A slot of one of its signals that destroys it does so with deleteLater(),
+/// as with every QDialog. Configuration calls go to the browser's member of the same name, which documents
+/// them.
 class HVCOREUI_EXPORT FileDialog : public QDialog
 {
     Q_OBJECT
@@ -23,36 +25,36 @@ public:
     /// The texts name the Open button and its tooltip, as Latin-1; null leaves what the browser has.
     explicit FileDialog(QWidget* parent = nullptr, const char* acceptText = nullptr,
                         const char* acceptTooltip = nullptr);
-    /// Stores the size; the browser stores what it remembers.
+    /// Stores the size, if the dialog was shown; the browser stores what it remembers.
     ~FileDialog() override;
 
-    void setFilterBlock(bool block);
-    void setDirectory(const QDir& dir, bool keepFilename, bool doRefresh);
-    void setFilename(const QString& name);
-    void setFilters(QStringList& filters, bool doRefresh);
+    void setFilterBlock(bool block) { m_browser->setFilterBlock(block); }
+    void setFaveType(FaveType type) { m_browser->setFaveType(type); }
+    void setDirectory(const QDir& dir, bool keepFilename, bool doRefresh)
+    {
+        m_browser->setDirectory(dir, keepFilename, doRefresh);
+    }
+    void setFilename(const QString& name) { m_browser->setFilename(name); }
+    void setFilters(QStringList& filters, bool doRefresh) { m_browser->setFilters(filters, doRefresh); }
     /// While the preview is open the dialog may be larger; when it closes the dialog gets back the size that
     /// it had when the preview opened.
-    void setPreviewWidget(QWidget* widget);
-    void setSelectionType(FileBrowser::SelectionType type);
-    void setSequencesEnabled(bool enabled);
+    void setPreviewWidget(QWidget* widget) { m_browser->setPreviewWidget(widget); }
+    void setSelectionType(FileBrowser::SelectionType type) { m_browser->setSelectionType(type); }
+    void setSequencesEnabled(bool enabled) { m_browser->setSequencesEnabled(enabled); }
     /// Whether Open may be pressed for a name that does not exist.
-    void setMayNotExist(bool may);
-    void setMultipleSelections(bool multiple);
-    void buildSettingsNamespace(const QString& ns);
-    QDir directory() const;
-    QStringList selectedFiles() const;
+    void setMayNotExist(bool may) { m_browser->setMayNotExist(may); }
+    void setMultipleSelections(bool multiple) { m_browser->setMultipleSelections(multiple); }
+    void buildSettingsNamespace(const QString& ns) { m_browser->buildSettingsNamespace(ns); }
+    QDir directory() const { return m_browser->directory(); }
+    QStringList selectedFiles() const { return m_browser->selectedFiles(); }
     /// Applies the filename field and the filter to the list again, and then the state of the buttons.
     void refreshWidget();
 
     /// The browser that fills the dialog, owned by it.
-    FileBrowser* fileBrowser() const { return browser; }
+    FileBrowser* fileBrowser() const { return m_browser; }
 
     /// Shows the dialog with the filename field as it was prepared: what is selected in it stays selected.
     void setVisible(bool visible) override;
-
-    /// Closes the dialog with @p result and emits accepted() or rejected(), and then finished(). A host may
-    /// destroy the dialog in a slot of any of them; what is left is not emitted then.
-    void done(int result) override;
 
 protected:
     /// Accepts the drag of exactly one local file.
@@ -62,23 +64,16 @@ protected:
 
 private slots:
     void fileSelectionChanged();
-    void rowsChanged();
     void fileDoubleClicked(const Halvern::UI::FileInfo& info);
     void resetFileFilter();
     void onPreviewOpening();
     void onPreviewClosed();
 
 private:
-    // Selected rows, filename field, selection type, several selections, may not exist, pick list is empty.
-    using Grounds = std::tuple<int, QString, FileBrowser::SelectionType, bool, bool, bool>;
-
-    bool isAcceptable(const FileInfo& info) const;
-    bool selectionIsAcceptable() const;
-    Grounds grounds() const;
-
-    FileBrowser* browser;
-    QSize sizeBeforePreview{-1, -1};
-    Grounds decidedOn; // what the buttons show, unless the host set them by hand
+    FileBrowser* m_browser;
+    QLineEdit* m_filenameEdit; // of the browser
+    QSize m_sizeBeforePreview{-1, -1};
+    bool m_wasShown = false;
 };
 
 } // namespace Halvern::UI

@@ -1,10 +1,7 @@
 #include "widgets/FilePathEdit.h"
 
 #include <QDir>
-#include <QGuiApplication>
-#include <QInputMethod>
 #include <QKeyEvent>
-#include <QPointer>
 
 FilePathEdit::FilePathEdit(QWidget* parent)
     : QLineEdit(parent)
@@ -36,30 +33,11 @@ bool FilePathEdit::getNextPathSeparator(int& count) const
 
 void FilePathEdit::keyPressEvent(QKeyEvent* event)
 {
-    const bool isReturn = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
-    if (isReturn && hasAcceptableInput() && !completer()) {
-        announceReturn(*event);
-        return;
-    }
     const bool control = event->modifiers().testFlag(Qt::ControlModifier) && event->key() != Qt::Key_Control;
     if (control && editComponent(*event))
         event->accept();
     else
         QLineEdit::keyPressEvent(event);
-}
-
-// As the standard handling does it, which would go on with an editor that a host destroyed in answer.
-void FilePathEdit::announceReturn(QKeyEvent& event)
-{
-    const QPointer<FilePathEdit> self(this);
-    QGuiApplication::inputMethod()->commit();
-    QGuiApplication::inputMethod()->hide();
-    emit returnPressed();
-    if (!self)
-        return;
-    emit editingFinished();
-    if (self)
-        event.ignore();
 }
 
 bool FilePathEdit::editComponent(const QKeyEvent& event)

@@ -36,7 +36,6 @@ protected:
     void keyPressEvent(QKeyEvent* event) override;
 
 private:
-    void announceReturn(QKeyEvent& event);
     bool editComponent(const QKeyEvent& event);
     void backspaceTo(int position);
     void deleteForwards(int count);

@@ -6,6 +6,7 @@
 
 #include <QAbstractItemModelTester>
 #include <QDateTime>
+#include <QPointer>
 #include <algorithm>
 #include <functional>
 #include <unistd.h>
@@ -33,18 +34,19 @@ public:
     bool dies = false;
 };
 
-// Closes the window of whoever asks, if it has one to close.
+// Ends the browser that asks, if it is to.
 class Closer : public FileSequenceEvaluator
 {
 public:
     std::vector<FileInfo*> evaluateFiles(std::vector<FileInfo*> files) override
     {
-        if (!window)
-            return files;
-        window.reset();
-        return {};
+        ++asked;
+        if (browser)
+            browser->deleteLater();
+        return files;
     }
-    std::unique_ptr<BrowserWindow> window;
+    QPointer<FileBrowser> browser;
+    int asked = 0;
 };
 
 // Gives the files of the given names, in their order.
@@ -253,25 +255,25 @@ private slots:
         }
     }
 
-    // By a check box, which goes on with itself afterwards, and by the settings.
-    void evaluatorEndsItsBrowser()
+    // Each way to change how rows are built asks the evaluator once, at once; it may end the browser.
+    void evaluatorIsAskedOnceAndMayEndItsBrowser()
     {
         const QTemporaryDir folder;
         QVERIFY(SampleFiles::make(folder.path(), {"a", "b"}));
-        for (const char* box : {"sequencesCheck", "splitCheck", ""}) {
+        for (const bool byBox : {true, false}) {
             Closer closer;
-            auto window = std::make_unique<BrowserWindow>(folder.path());
-            window->browser.setFileSequenceEvaluator(&closer);
-            QTRY_COMPARE(window->rows(), (QStringList{"a", "b"}));
-            closer.window = std::move(window);
-            if (*box == '\0') {
-                closer.window->browser.updateFromPreferences();
-            } else {
-                auto* check = closer.window->control<QCheckBox>(box);
-                check->click();
-                check->click();
-            }
-            QTRY_VERIFY2(!closer.window, box);
+            const QPointer<FileBrowser> browser = new FileBrowser;
+            browser->setSequencesEnabled(true);
+            browser->setFileSequenceEvaluator(&closer);
+            QCOMPARE(closer.asked, 1);
+            closer.browser = browser;
+            AppSettings().setValue(QStringLiteral("FileBrowser/splitsequences"), true);
+            if (byBox)
+                browser->findChild<QCheckBox*>("splitCheck")->click();
+            else
+                browser->updateFromPreferences();
+            QCOMPARE(closer.asked, 2);
+            QTRY_VERIFY(!browser);
         }
     }
 

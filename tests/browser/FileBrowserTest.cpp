@@ -81,6 +81,21 @@ private slots:
         QCOMPARE(events.last(), QStringLiteral("opening"));
     }
 
+    void boxesKeepWhatIsStillThere()
+    {
+        const QTemporaryDir folder;
+        QVERIFY(SampleFiles::make(folder.path(), {"a", "b", "s.1.exr", "s.2.exr"}));
+        BrowserWindow window(folder.path());
+        window.browser.setMultipleSelections(true);
+        QTRY_COMPARE(window.rows(), (QStringList{"a", "b", "s.#.exr 1-2"}));
+        window.clickRow("s.#.exr 1-2");
+        window.clickRow("b", Qt::ControlModifier);
+        window.control<QCheckBox>("sequencesCheck")->click();
+        QCOMPARE(window.browser.selectedFiles().first(), folder.filePath("b"));
+        QCOMPARE(window.list()->currentIndex(), window.row("b"));
+        QCOMPARE(window.list()->selectionModel()->selectedRows().size(), 1);
+    }
+
     // Switched and destroyed at another moment of the read each time.
     void switchingAndDestructionInMidReadAreClean()
     {
@@ -108,27 +123,6 @@ private slots:
             readTheFirst();
         }
         QCoreApplication::processEvents();
-    }
-
-    void attributesLeaveTheSelectionAlone()
-    {
-        const QTemporaryDir folder;
-        QVERIFY(SampleFiles::makeFrames(folder.path(), "f%04d.txt", 1, 5000));
-        BrowserWindow window(folder.path());
-        window.browser.setMultipleSelections(true);
-        QTRY_COMPARE(window.rows().size(), 5000);
-        window.list()->scrollTo(window.row("f2500.txt"), QAbstractItemView::PositionAtTop);
-        window.clickRow("f2501.txt");
-        window.clickRow("f2503.txt", Qt::ControlModifier);
-        const QStringList selected = window.browser.selectedFiles();
-        const QPoint place = window.place("f2501.txt");
-        QSignalSpy resets(window.model(), SIGNAL(modelReset()));
-        QVERIFY(
-            QMetaObject::invokeMethod(&window.browser, "managerFilesUpdated", Q_ARG(int, 0), Q_ARG(int, 1)));
-        QTRY_VERIFY(!resets.isEmpty());
-        QCOMPARE(selected.size(), 2);
-        QCOMPARE(window.browser.selectedFiles(), selected);
-        QCOMPARE(window.place("f2501.txt"), place);
     }
 };
 

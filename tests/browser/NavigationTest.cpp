@@ -37,6 +37,30 @@ private slots:
         QCOMPARE(window.browser.directory().path(), path("a"));
     }
 
+    // Entering shows the top; coming back, the folder that was left is current, and nothing is selected.
+    void foldersAreFoundAgain()
+    {
+        for (const char* folder : {"b", "b/m"}) {
+            for (int i = 0; i < 60; ++i)
+                QVERIFY(QDir(path(folder)).mkpath(QStringLiteral("f%1").arg(i, 2, 10, QLatin1Char('0'))));
+            QVERIFY(QDir(path(folder)).mkpath("m"));
+        }
+        BrowserWindow window(path("b"));
+        for (const char* button : {"upButton", "backButton"}) {
+            QTRY_COMPARE(window.rows().size(), 61);
+            window.list()->scrollTo(window.row("m/"));
+            window.clickRow("m/");
+            QCOMPARE(window.browser.directory().path(), path("b/m"));
+            QTRY_VERIFY(window.model()->isListReady());
+            QCOMPARE(window.list()->indexAt(QPoint(5, 5)).row(), 0);
+            window.control(button)->click();
+            QTRY_VERIFY(window.model()->isListReady());
+            QCOMPARE(window.list()->currentIndex(), window.row("m/"));
+            QVERIFY(window.list()->viewport()->rect().contains(window.place("m/")));
+            QVERIFY(!window.list()->selectionModel()->hasSelection());
+        }
+    }
+
     void deletedDirectoriesAreLeftOut()
     {
         QVERIFY(QDir(path("c")).mkpath(QStringLiteral("x/y")));
@@ -70,11 +94,15 @@ private slots:
     void tabCompletes()
     {
         QVERIFY(QDir(path("b")).mkdir(QStringLiteral("cut")) && QDir().mkdir(path("b/:x")));
-        QVERIFY(SampleFiles::make(path("b"), {"cutout", "notes", "Shot_a", "shot_b"}));
+        QVERIFY(SampleFiles::make(
+            path("b"), {"cutout", "notes", "Shot_a", "shot_b", "w.1.exr", "w.2.exr", "w.4.exr", "w.5.exr"}));
         BrowserWindow window(path("b"));
-        QTRY_COMPARE(window.rows().size(), 6);
-        for (const auto& [typed, completed] :
-             {std::pair("no", "b/notes"), {"s", "b/Shot_"}, {":", "b/:x/"}, {"c", "b/cut/"}}) {
+        QTRY_COMPARE(window.rows().size(), 7);
+        for (const auto& [typed, completed] : {std::pair("no", "b/notes"),
+                                               {"s", "b/Shot_"},
+                                               {":", "b/:x/"},
+                                               {"w", "b/w.#.exr 1-5"},
+                                               {"c", "b/cut/"}}) {
             window.edit()->setText(path("b/"));
             QTest::keyClicks(window.edit(), QLatin1String(typed));
             QTRY_VERIFY(window.model()->isListReady());

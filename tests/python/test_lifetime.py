@@ -84,7 +84,7 @@ def test_entries_may_outlive_who_made_them(open_browser):
 
 
 @pytest.mark.parametrize("leave", [
-    lambda browser, _: sip.delete(browser),
+    lambda browser, _: browser.deleteLater(),
     lambda _, evaluators: sip.delete(evaluators.pop()),
     lambda browser, evaluators: [browser.setFileSequenceEvaluator(None), evaluators.clear()]],
     ids=["browser deleted", "evaluator deleted", "evaluator dropped"])
@@ -104,6 +104,7 @@ def test_either_may_go_while_the_evaluator_is_asked(open_browser, frames, leave,
         until(lambda: not leaving)
     else:
         browser.setSequencesEnabled(True)
+    QApplication.sendPostedEvents(None, QEvent.DeferredDelete)
     assert sip.isdeleted(browser) == bool(evaluators)
     if not evaluators:
         browser.setDirectory(QDir(str(frames)))

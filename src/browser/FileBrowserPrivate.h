@@ -1,0 +1,122 @@
+#pragma once
+
+#include "browser/Controls.h"
+#include "browser/FileBrowser.h"
+#include "browser/FilesList.h"
+#include "browser/History.h"
+#include "browser/PickList.h"
+
+#include <QPointer>
+#include <QTimer>
+#include <optional>
+
+class QMenu;
+
+namespace Halvern::UI {
+
+class FavoritesList;
+class FavoritesModel;
+class FavoritesProxy;
+class ListNotice;
+
+/// What a browser consists of, and what its member functions share.
+class FileBrowser::Private
+{
+public:
+    /// What all browsers of the process share. The first five settings keys get a namespace.
+    struct ClassWide
+    {
+        QColor highlightColour = Qt::black;
+        QColor queuedColour = Qt::red;
+        bool useLastSavedDir = true;
+        SequenceMode sequenceMode = SequenceMode::Collapsed;
+        bool assumeZeroPadding = false;
+        QString defaultPath;
+
+        QString sortColumnKey = QStringLiteral("FileBrowser/orderlogicalindex");
+        QString sortOrderKey = QStringLiteral("FileBrowser/sortorder");
+        QString sequencesKey = QStringLiteral("FileBrowser/sequences");
+        QString splitSequencesKey = QStringLiteral("FileBrowser/splitsequences");
+        QString directoryKey = QStringLiteral("FileBrowser/directory");
+        QString previewKey = QStringLiteral("FileBrowser/preview");
+    };
+    static ClassWide s_classWide;
+
+    explicit Private(FileBrowser* browser);
+    /// What points back to the browser goes before the browser does, and without calling it.
+    ~Private();
+
+    // FileBrowser.cpp
+    void initFilesList();
+
+    // FileBrowserFavorites.cpp
+    void initFavorites();
+    void resetFavoritesModel();
+    std::optional<Favorite> editableFavorite(int row) const;
+
+    // FileBrowserListing.cpp
+    QString typedNamePrefix() const;
+    void selectTypedRow();
+    void buildRows();
+    void showArrivedAttributes();
+    void showNotice();
+    void updateSplitSequencesButton();
+
+    // FileBrowserNavigation.cpp
+    static bool isOnDisk(const QDir& dir);
+    void updateNavigationButtons();
+    void awaitFolder(const QDir& left);
+    void clearFilterBlock();
+    void completeTypedName();
+    QString completionText(int row) const;
+    QString getCommonPrefix() const;
+
+    // FileBrowserSelection.cpp
+    bool isAwaited() const;
+    bool isAcceptable() const;
+    bool isAcceptable(const FileInfo& info) const;
+    bool takesFolders() const;
+    void showQueue(bool changed);
+
+    // FileBrowserSettings.cpp
+    void loadSortOrder();
+
+    FileBrowser* const q;
+
+    SelectionType m_selectionType = SelectionType::Files;
+    bool m_sequencesEnabled = true;
+    bool m_mayNotExist = false;
+    bool m_multipleSelections = false;
+    bool m_showChooserTypes = true;
+    bool m_filterBlock = false;
+    FaveType m_faveType = FaveAll;
+    bool m_favoritesChanged = false;
+
+    PickList m_pickList;
+    History m_history;
+    QDir m_directory;
+    bool m_hasDirectory = false;
+    bool m_listed = false; // refresh() ran, and no directory was set without it since
+
+    // What is done when the list of the present read is there.
+    FilesList::Choice m_awaited; // rows to be found again
+    bool m_awaitsTop = false;    // a list of another folder is shown from its top
+    bool m_awaitsTypedRow = false;
+    bool m_rowsHeld = false; // buildRows() follows when all that decides about them is set
+
+    // Brings attributes that arrived to the list, several batches at a time.
+    QTimer m_attributesTimer;
+
+    FavoritesModel* m_favoritesModel = nullptr;
+    FavoritesProxy* m_favoritesProxy = nullptr;
+    FavoritesList* m_favoritesList = nullptr;
+    DirectoryModel* m_model = nullptr;
+    ProxyModel* m_proxy = nullptr;
+    FilesList* m_filesList = nullptr;
+    FilesMenu* m_filesMenu = nullptr;
+    ListNotice* m_notice = nullptr;
+    Controls m_controls;
+    QPointer<QWidget> m_previewWidget;
+};
+
+} // namespace Halvern::UI

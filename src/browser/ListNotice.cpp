@@ -1,0 +1,102 @@
+#include "browser/ListNotice.h"
+
+#include "browser/DirectoryModel.h"
+#include "browser/ProxyModel.h"
+
+namespace Halvern::UI {
+
+namespace {
+
+constexpr int Patience = 300; // milliseconds
+
+// What a person typed or pasted, cut to what a line holds.
+QString shortened(const QString& text)
+{
+    constexpr int MostCharacters = 60;
+    return text.size() <= MostCharacters ? text : QString(text.left(MostCharacters) + QChar(0x2026));
+}
+
+// "permission denied", as it follows a colon.
+QString errorText(int error)
+{
+    const QString text = qt_error_string(error);
+    return text.left(1).toLower() + text.mid(1);
+}
+
+} // namespace
+
+ListNotice::ListNotice(FileBrowser::DirectoryModel* model, FileBrowser::ProxyModel* proxy, QObject* parent)
+    : QObject(parent)
+    , m_model(model)
+    , m_proxy(proxy)
+{
+    m_patience.setSingleShot(true);
+    m_patience.setInterval(Patience);
+    connect(model, SIGNAL(readStarted()), this, SLOT(startWaiting()));
+    connect(&m_patience, SIGNAL(timeout()), this, SLOT(stopWaiting()));
+    connect(model, SIGNAL(readFailed()), this, SLOT(update()));
+    for (const char* signal : {SIGNAL(modelReset()), SIGNAL(layoutChanged())})
+        connect(proxy, signal, this, SLOT(update()));
+}
+
+void ListNotice::startWaiting()
+{
+    m_patience.start();
+    m_waitedLong = false;
+    update();
+}
+
+void ListNotice::stopWaiting()
+{
+    m_waitedLong = true;
+    update();
+}
+
+void ListNotice::update()
+{
+    QString empty;
+    QString problem;
+    if (!m_model->isListReady()) {
+        if (m_waitedLong)
+            empty = FileBrowser::tr("Reading ") + QChar(0x2026);
+    } else {
+        const int error = m_model->readError();
+        if (error != 0 && hasNames())
+            problem = FileBrowser::tr("Not all of this folder could be read: %1").arg(errorText(error));
+        if (error != 0 && problem.isEmpty())
+            empty = FileBrowser::tr("This folder can't be read: %1").arg(errorText(error));
+        else if (m_proxy->rowCount() == 0)
+            empty = reasonForNoRows();
+    }
+    if (empty == m_emptyText && problem == m_problemText)
+        return;
+    m_emptyText = empty;
+    m_problemText = problem;
+    emit changed();
+}
+
+// Whether anything was read that is not hidden, "." and ".." included.
+bool ListNotice::hasNames() const
+{
+    for (int row = 0; row < m_model->rowCount(); ++row) {
+        if (m_model->entry(row) && m_model->displayName(row)[0] != '.')
+            return true;
+    }
+    return false;
+}
+
+QString ListNotice::reasonForNoRows() const
+{
+    switch (m_proxy->reasonForNoRows()) {
+    case FileBrowser::ProxyModel::Filtered:
+        return FileBrowser::tr("No file matches the filter %1.").arg(shortened(m_proxy->filterPattern()));
+    case FileBrowser::ProxyModel::NoSuchPrefix:
+        return FileBrowser::tr("Nothing here begins with \"%1\".")
+            .arg(shortened(QString::fromStdString(m_proxy->prefix())));
+    case FileBrowser::ProxyModel::NothingThere:
+        break;
+    }
+    return FileBrowser::tr("This folder is empty.");
+}
+
+} // namespace Halvern::UI

@@ -1,0 +1,248 @@
+#include "browser/BrowserWindow.h"
+#include "dialog/FileDialog.h"
+#include "support/Faults.h"
+#include "support/SampleFiles.h"
+#include "support/Test.h"
+#include "widgets/AppSettings.h"
+
+#include <QLabel>
+#include <cerrno>
+
+using namespace Halvern::UI;
+
+/// What a person sees and may do while storage is slow or fails.
+class SlowStorageTest : public Test
+{
+    Q_OBJECT
+
+private slots:
+    void init()
+    {
+        endFaults();
+        AppSettings().clear();
+        m_folder = std::make_unique<QTemporaryDir>();
+    }
+
+    // Rows are selected by keys, from one on, while attributes come and move them about.
+    void keysExtendTheSelectionWhileAttributesArrive()
+    {
+        QVERIFY(SampleFiles::makeFrames(m_folder->path(), "f%04d.txt", 1, 6000));
+        for (const int column : {0, 2}) {
+            delayEach("fstatat", 1000);
+            BrowserWindow window(m_folder->path());
+            window.browser.setMultipleSelections(true);
+            window.list()->sortByColumn(column, Qt::AscendingOrder);
+            QTRY_COMPARE(window.rows().size(), 6000);
+            QVERIFY(!window.model()->hasAllAttributes());
+            window.focusList();
+            const QString first = window.proxy()->index(100, 0).data().toString();
+            window.list()->scrollTo(window.proxy()->index(90, 0), QAbstractItemView::PositionAtTop);
+            window.clickRow(first);
+            int pressed = 0;
+            while (!window.model()->hasAllAttributes()) {
+                QSignalSpy batches(window.proxy(), SIGNAL(dataChanged(QModelIndex, QModelIndex)));
+                QVERIFY(batches.wait());
+                QTest::keyClick(window.list(), Qt::Key_Down, Qt::ShiftModifier);
+                ++pressed;
+                const auto* selection = window.list()->selectionModel();
+                QCOMPARE(selection->selection().size(), 1);
+                const QItemSelectionRange range = selection->selection().first();
+                QVERIFY(selection->isSelected(window.row(first)));
+                QCOMPARE(range.top() == window.row(first).row() ? range.bottom() : range.top(),
+                         window.list()->currentIndex().row());
+                if (column == 0)
+                    QCOMPARE(range.height(), pressed + 1);
+            }
+            QVERIFY(pressed > 2);
+        }
+    }
+
+    void rowsMoveWithTheirSelection()
+    {
+        QVERIFY(SampleFiles::makeFrames(m_folder->path(), "f%04d.txt", 1, 3000));
+        QVERIFY(SampleFiles::make(m_folder->path(), "f1500.txt", 9000));
+        delayEach("fstatat", 1000);
+        BrowserWindow window(m_folder->path());
+        window.browser.setMultipleSelections(true);
+        window.list()->sortByColumn(1, Qt::DescendingOrder);
+        QTRY_COMPARE(window.rows().size(), 3000);
+        QVERIFY(!window.model()->hasAllAttributes());
+        for (const char* name : {"f1500.txt", "f0700.txt"})
+            window.list()->selectionModel()->select(window.row(name),
+                                                    QItemSelectionModel::Select | QItemSelectionModel::Rows);
+        const QSignalSpy moves(window.proxy(), SIGNAL(layoutChanged()));
+        const QSignalSpy resets(window.proxy(), SIGNAL(modelReset()));
+        QTRY_VERIFY(window.model()->hasAllAttributes());
+        QTRY_COMPARE(window.rows().first(), QStringLiteral("f1500.txt"));
+        // Equal sizes stand by name, whichever came first.
+        QTRY_COMPARE(window.rows().last(), QStringLiteral("f0001.txt"));
+        QVERIFY(!moves.isEmpty() && resets.isEmpty());
+        QStringList selected = window.browser.selectedFiles();
+        selected.sort();
+        QCOMPARE(selected, (QStringList{path("f0700.txt"), path("f1500.txt")}));
+    }
+
+    // Nothing can be chosen while the cells are empty, and everything is chosen again afterwards.
+    void whatIsReadAgainStaysChosen()
+    {
+        QVERIFY(SampleFiles::make(m_folder->path(), {"a", "b", "c"}));
+        FileDialog dialog;
+        dialog.setMultipleSelections(true);
+        auto& list = show(dialog);
+        QTRY_COMPARE(names(list), (QStringList{"a", "b", "c"}));
+        for (const int row : {0, 2})
+            list.selectionModel()->setCurrentIndex(list.model()->index(row, 0),
+                                                   QItemSelectionModel::Select | QItemSelectionModel::Rows);
+        QVERIFY(button(dialog, "openButton").isEnabled());
+        delayEach("readdir", 50000);
+        QTest::keyClick(&list, Qt::Key_F5);
+        QVERIFY(!list.selectionModel()->hasSelection());
+        QTest::keyClick(&list, Qt::Key_Down);
+        for (const char* name : {"openButton", "nextButton"})
+            QVERIFY(!button(dialog, name).isEnabled());
+        QTest::keyClick(dialog.findChild<FilePathEdit*>(), Qt::Key_Return);
+        QVERIFY(dialog.isVisible());
+        QTRY_COMPARE(dialog.selectedFiles(), (QStringList{path("a"), path("c")}));
+        QCOMPARE(list.currentIndex().data().toString(), QStringLiteral("c"));
+        QVERIFY(button(dialog, "openButton").isEnabled());
+
+        QVERIFY(QFile::remove(path("c")));
+        QTest::keyClick(&list, Qt::Key_F5);
+        QTRY_COMPARE(dialog.selectedFiles(), QStringList(path("a")));
+    }
+
+    void nextTakesNoParentInMidRead()
+    {
+        QVERIFY(QDir(m_folder->path()).mkdir("sub"));
+        FileDialog dialog;
+        dialog.setMultipleSelections(true);
+        dialog.setSelectionType(FileBrowser::SelectionType::Directories);
+        auto& list = show(dialog);
+        QTRY_COMPARE(names(list), QStringList("sub/"));
+        list.setCurrentIndex(list.model()->index(0, 0));
+        delayEach("readdir", 50000);
+        QTest::keyClick(&list, Qt::Key_F5);
+        QVERIFY(QMetaObject::invokeMethod(dialog.fileBrowser(), "nextClicked"));
+        QVERIFY(dialog.fileBrowser()->pickedFiles().isEmpty());
+        QTRY_VERIFY(button(dialog, "nextButton").isEnabled());
+        button(dialog, "nextButton").click();
+        QCOMPARE(dialog.fileBrowser()->pickedFiles(), QStringList(path("sub")));
+    }
+
+    void typedRowBecomesCurrentWhenItIsListed()
+    {
+        QVERIFY(QDir(m_folder->path()).mkdir("sub"));
+        QVERIFY(SampleFiles::make(path("sub"), {"only", "other"}));
+        BrowserWindow window(m_folder->path());
+        QTRY_COMPARE(window.rows(), QStringList("sub/"));
+        delayEach("readdir", 20000);
+        window.edit()->setText(path("sub/onl"));
+        QTest::keyClicks(window.edit(), "y");
+        QVERIFY(!window.model()->isListReady());
+        QTRY_COMPARE(window.rows(), QStringList("only"));
+        QVERIFY(window.list()->selectionModel()->isSelected(window.row("only")));
+    }
+
+    // What the list says, and that F5 reads what could not be read.
+    void saysWhyThereIsNothing()
+    {
+        QVERIFY(QDir(m_folder->path()).mkdir("locked"));
+        QVERIFY(SampleFiles::make(path("locked"), {"a.exr", "b.exr", ".hidden"}));
+        QVERIFY(QDir(m_folder->path()).mkdir("empty"));
+        BrowserWindow window(path("empty"));
+        const auto says = [&](const QString& text) { return window.list()->accessibleDescription() == text; };
+        const auto problem = [&] {
+            const auto* label = window.control<QLabel>("problemLabel");
+            return label->isVisible() ? label->text() : QString();
+        };
+        QTRY_VERIFY(says("This folder is empty."));
+
+        fail("opendir", EACCES);
+        window.browser.setDirectory(QDir(path("locked")), false, true);
+        QVERIFY(says("This folder can't be read: permission denied"));
+        endFaults();
+        delayEach("readdir", 100000);
+        refresh(window);
+        QTRY_VERIFY(says(QStringLiteral("Reading ") + QChar(0x2026)));
+        endFaults();
+        QTRY_COMPARE(window.rows(), (QStringList{"a.exr", "b.exr"}));
+        QVERIFY(says(QString()));
+
+        window.control<QComboBox>("filterCombo")->setEditText("*.dpx");
+        QVERIFY(says("No file matches the filter *.dpx."));
+        window.control<QComboBox>("filterCombo")->setEditText("");
+        QTest::keyClicks(window.edit(), "xy");
+        QVERIFY(says("Nothing here begins with \"xy\"."));
+        QTest::keyClick(window.edit(), Qt::Key_Backspace);
+        QTest::keyClick(window.edit(), Qt::Key_Backspace);
+        QVERIFY(says(QString()) && window.rows().size() == 2);
+
+        // The rows stay where the folder can't be opened again, or is away for a moment.
+        fail("opendir", EIO);
+        refresh(window);
+        QCOMPARE(problem(), QStringLiteral("Not all of this folder could be read: input/output error"));
+        endFaults();
+        QVERIFY(QDir(m_folder->path()).rename("locked", "away"));
+        refresh(window);
+        QCOMPARE(window.rows().size(), 2);
+        QVERIFY(QDir(m_folder->path()).rename("away", "locked") && !problem().isEmpty());
+        refresh(window);
+        QTRY_VERIFY(problem().isEmpty() && window.rows().size() == 2);
+
+        // Half of it, and nothing of it.
+        for (const int names : {5, 1}) {
+            faults[MostNames] = names;
+            refresh(window);
+            QTRY_VERIFY(names > 1 ? window.rows().size() < 3 && problem().contains("input/output")
+                                  : says("This folder can't be read: input/output error"));
+            endFaults();
+            refresh(window);
+            QTRY_VERIFY(problem().isEmpty() && window.rows().size() == 2);
+        }
+    }
+
+private:
+    QString path(const char* name) const { return m_folder->path() + '/' + name; }
+
+    static void delayEach(const char* call, int microseconds)
+    {
+        endFaults();
+        faults[CallDelay] = microseconds;
+        faultyCall = call;
+    }
+    static void fail(const char* call, int error)
+    {
+        faults[CallError] = error;
+        faultyCall = call;
+    }
+    static void refresh(BrowserWindow& window)
+    {
+        QVERIFY(QMetaObject::invokeMethod(&window.browser, "refreshDirectory"));
+    }
+    static QPushButton& button(const FileDialog& dialog, const char* name)
+    {
+        return *dialog.findChild<QPushButton*>(QLatin1String(name));
+    }
+    static QStringList names(const QAbstractItemView& list)
+    {
+        QStringList texts;
+        for (int row = 0; row < list.model()->rowCount(); ++row)
+            texts.append(list.model()->index(row, 0).data().toString());
+        return texts;
+    }
+    // With the focus on the list.
+    QAbstractItemView& show(FileDialog& dialog) const
+    {
+        dialog.setDirectory(QDir(m_folder->path()), false, true);
+        dialog.show();
+        QApplication::setActiveWindow(&dialog);
+        auto& list = *dialog.findChild<FileBrowser::FilesList*>();
+        list.setFocus();
+        return list;
+    }
+
+    std::unique_ptr<QTemporaryDir> m_folder;
+};
+
+QTEST_MAIN(SlowStorageTest)
+#include "SlowStorageTest.moc"
