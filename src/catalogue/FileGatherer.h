@@ -107,8 +107,7 @@ private:
 
     // Worker only.
     const Preparation m_preparation;
-    std::vector<std::string>
-        m_readNames; // a text for each batch; each name follows its kind and is terminated
+    std::vector<std::string> m_readNames; // a text for each batch: of each file its kind, name and terminator
     std::size_t m_readCount = 0;
 
     // Shared by both threads.

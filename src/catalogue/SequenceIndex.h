@@ -21,6 +21,8 @@ namespace Halvern::UI {
 /// that was being added may be missing from some list types.
 class SequenceIndex
 {
+    struct Groups;
+
 public:
     /// Adds a file or folder and returns its entry. Numbered files wait for settle() to become members.
     FileInfo* add(const char* name, bool isDirectory);
@@ -37,6 +39,10 @@ public:
 
     /// Replaces @p out by the rows of the given list type.
     void rows(std::vector<FileInfo*>& out, Base::FileHandle::ListType type);
+
+    /// Forgets all entries; their memory is used again. Destroying what is returned takes time in proportion
+    /// to the number of files, and may be done on any thread.
+    Groups clear();
 
     /// See FileManager::setAssumeZeroPadding().
     void setAssumeZeroPadding(bool assume) { m_assumeZeroPadding = assume; }
@@ -107,12 +113,6 @@ private:
         std::size_t used = 0;
     };
 
-public:
-    /// Forgets all entries; their memory is used again. Destroying what is returned takes time in proportion
-    /// to the number of files, and may be done on any thread.
-    Groups clear();
-
-private:
     void group(std::size_t index, bool everyMemberSetsWidth);
     FileInfo* enter(const char* name, FileInfo* entry);
     FileInfo* reuse(Reusable& from);
