@@ -6,7 +6,6 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QLockFile>
 #include <cerrno>
 #include <chrono>
 #include <cstdio>
@@ -112,9 +111,6 @@ bool AppSettings::Store(std::initializer_list<Entry> entries)
 {
     const QString path = FilePath();
     QDir().mkpath(QFileInfo(path).path());
-    // The lock that QSettings takes, for hosts that use it. Some process may have left it.
-    QLockFile lock(path + QLatin1String(".lock"));
-    lock.tryLock(static_cast<int>(Patience.count()));
     const auto edit = [&](int error, std::string& contents) {
         QByteArray text = QByteArray::fromStdString(contents);
         for (const Entry& entry : entries)
