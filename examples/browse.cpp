@@ -13,7 +13,9 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QPalette>
+#include <QSettings>
 #include <QStandardPaths>
+#include <QTemporaryDir>
 #include <QTreeView>
 #include <iostream>
 #include <optional>
@@ -204,7 +206,14 @@ int main(int argc, char** argv)
     QApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
     const QApplication application(argc, argv);
     FileBrowser::SetUseLastSavedDir(false);
-    const QString settings = QStandardPaths::writableLocation(QStandardPaths::ConfigLocation);
+    FileBrowser::SetAssumeZeroPadding(true);
+    QString settings = QStandardPaths::writableLocation(QStandardPaths::ConfigLocation);
+    // Without a user, the user's settings and favourites are left alone.
+    std::optional<QTemporaryDir> own;
+    if (!options.isInteractive()) {
+        settings = own.emplace().path();
+        QSettings::setPath(QSettings::IniFormat, QSettings::UserScope, settings);
+    }
     QDir().mkpath(settings);
     FileBrowser::SetPreferencesPath(settings + QStringLiteral("/HvMirefoldCoreUI.favorites"),
                                     QStringLiteral("browse"));

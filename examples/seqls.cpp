@@ -55,6 +55,8 @@ int main(int argc, char** argv)
     for (const Halvern::UI::FileInfo& entry : list.entries()) {
         // A name may hold anything but "/": a line end in it would make two entries of one.
         const QByteArray line = QByteArray(entry.fileName()).replace('\n', "\\n");
+        if (line == "." || line == "..")
+            continue;
         std::cout << line.constData() << '\n';
     }
     return 0;
