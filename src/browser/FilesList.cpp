@@ -8,7 +8,6 @@
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QPainter>
-#include <QShortcut>
 
 namespace Halvern::UI {
 
@@ -34,20 +33,8 @@ FileBrowser::FilesList::FilesList(DirectoryModel* model, ProxyModel* proxy)
     header()->setStretchLastSection(true);
     header()->setSectionsMovable(false);
     connect(model, SIGNAL(readStarted()), this, SLOT(clearSelection()));
-
-    // The header takes no focus.
-    for (int column = 0; column < DirectoryModel::ColumnCount; ++column) {
-        auto* shortcut = new QShortcut(QKeySequence(QStringLiteral("Ctrl+%1").arg(column + 1)), this);
-        shortcut->setContext(Qt::WidgetShortcut);
-        connect(shortcut, &QShortcut::activated, this, [this, column] { sortByKey(column); });
-    }
-}
-
-void FileBrowser::FilesList::sortByKey(int column)
-{
-    const bool reverse =
-        header()->sortIndicatorSection() == column && header()->sortIndicatorOrder() == Qt::AscendingOrder;
-    header()->setSortIndicator(column, reverse ? Qt::DescendingOrder : Qt::AscendingOrder);
+    // The mouse is over no row any more.
+    connect(this, SIGNAL(viewportEntered()), this, SLOT(hoverNothing()));
 }
 
 QSize FileBrowser::FilesList::sizeHint() const
@@ -62,8 +49,12 @@ bool FileBrowser::FilesList::event(QEvent* event)
         static_cast<QContextMenuEvent*>(event)->reason() != QContextMenuEvent::Keyboard)
         return QTreeView::event(event);
     const QModelIndex current = currentIndex();
-    const QPoint place = viewport()->mapToGlobal(visualRect(current).bottomLeft());
-    emit menuRequested(place, m_proxy->mapToSource(current));
+    // The current row may be scrolled out of sight.
+    const QRect inside = viewport()->rect();
+    const QPoint below = visualRect(current).bottomLeft();
+    const QPoint place(qBound(inside.left(), below.x(), inside.right()),
+                       qBound(inside.top(), below.y(), inside.bottom()));
+    emit menuRequested(viewport()->mapToGlobal(place), m_proxy->mapToSource(current));
     return true;
 }
 
@@ -87,7 +78,7 @@ void FileBrowser::FilesList::mouseDoubleClickEvent(QMouseEvent* event)
 
 void FileBrowser::FilesList::keyPressEvent(QKeyEvent* event)
 {
-    if (!hasFocus() || !navigates(*event))
+    if (!hasFocus() || (!navigates(*event) && !sorts(*event)))
         QTreeView::keyPressEvent(event);
 }
 
@@ -120,7 +111,25 @@ bool FileBrowser::FilesList::navigates(const QKeyEvent& event)
     }
 }
 
+// Ctrl+1 to Ctrl+3, since the header takes no focus. A shortcut of the host with these keys comes first.
+bool FileBrowser::FilesList::sorts(const QKeyEvent& event)
+{
+    const int column = event.key() - Qt::Key_1;
+    const bool control = (event.modifiers() & ~Qt::KeypadModifier) == Qt::ControlModifier;
+    if (!control || column < 0 || column >= DirectoryModel::ColumnCount)
+        return false;
+    const bool reverse =
+        header()->sortIndicatorSection() == column && header()->sortIndicatorOrder() == Qt::AscendingOrder;
+    header()->setSortIndicator(column, reverse ? Qt::DescendingOrder : Qt::AscendingOrder);
+    return true;
+}
+
 void FileBrowser::FilesList::leaveEvent(QEvent* /*event*/)
+{
+    hoverNothing();
+}
+
+void FileBrowser::FilesList::hoverNothing()
 {
     const int row = m_model->hoveredRow();
     if (row < 0)

@@ -64,9 +64,12 @@ protected:
     QItemSelectionModel::SelectionFlags selectionCommand(const QModelIndex& index,
                                                          const QEvent* event) const override;
 
+private slots:
+    void hoverNothing();
+
 private:
     bool navigates(const QKeyEvent& event);
-    void sortByKey(int column);
+    bool sorts(const QKeyEvent& event);
     QByteArray nameOf(const QModelIndex& index) const;
 
     DirectoryModel* m_model;

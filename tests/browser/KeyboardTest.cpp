@@ -7,6 +7,7 @@
 
 #include <QAccessible>
 #include <QHeaderView>
+#include <QShortcut>
 #include <QVBoxLayout>
 
 using namespace Halvern::UI;
@@ -80,6 +81,41 @@ private slots:
         QTest::keyClick(window.menu(), Qt::Key_Down);
         QTest::keyClick(window.menu(), Qt::Key_Return);
         QCOMPARE(window.browser.pickedFiles(), QStringList(folder.path() + "/b"));
+    }
+
+    void menuKeyOpensTheMenuInsideTheList()
+    {
+        const QTemporaryDir folder;
+        QVERIFY(SampleFiles::makeFrames(folder.path(), "f%03d.txt", 1, 200));
+        BrowserWindow window(folder.path());
+        QTRY_COMPARE(window.rows().size(), 200);
+        const QWidget& viewport = *window.list()->viewport();
+        for (const int current : {0, 199}) {
+            window.list()->setCurrentIndex(window.proxy()->index(current, 0));
+            window.list()->scrollTo(window.proxy()->index(199 - current, 0));
+            QPoint place;
+            connect(window.list(), &FileBrowser::FilesList::menuRequested, &window.browser,
+                    [&](const QPoint& global) { place = viewport.mapFromGlobal(global); });
+            QContextMenuEvent menuKey(QContextMenuEvent::Keyboard, QPoint());
+            QApplication::sendEvent(window.list(), &menuKey);
+            QVERIFY(viewport.rect().contains(place));
+            window.menu()->hide();
+        }
+    }
+
+    void sortingKeysGiveWayToTheHost()
+    {
+        const QTemporaryDir folder;
+        BrowserWindow window(folder.path());
+        window.focusList();
+        QShortcut shortcut(QKeySequence(QStringLiteral("Ctrl+2")), &window.browser);
+        const QSignalSpy used(&shortcut, SIGNAL(activated()));
+        QTest::keyClick(window.browser.windowHandle(), Qt::Key_2, Qt::ControlModifier);
+        QTest::keyClick(window.browser.windowHandle(), Qt::Key_3, Qt::ControlModifier | Qt::ShiftModifier);
+        QCOMPARE(used.size(), 1);
+        QCOMPARE(window.list()->header()->sortIndicatorSection(), 0);
+        QTest::keyClick(window.browser.windowHandle(), Qt::Key_3, Qt::ControlModifier);
+        QCOMPARE(window.list()->header()->sortIndicatorSection(), 2);
     }
 
     // The dialog's default button is Open, which would accept once more.
