@@ -1,6 +1,7 @@
 #include "browser/Controls.h"
 
 #include "browser/FileBrowser.h"
+#include "browser/PickListLine.h"
 #include "widgets/DisclosureButton.h"
 #include "widgets/FilePathEdit.h"
 
@@ -156,6 +157,7 @@ void Controls::makeOptions(FileBrowser* browser)
     problemLabel = named(new QLabel(browser), "problemLabel", QString(), QString());
     problemLabel->setTextFormat(Qt::PlainText);
     problemLabel->hide();
+    pickListLine = named(new PickListLine(browser), "pickListLine", QString(), QString());
 }
 
 void Controls::makeButtons(FileBrowser* browser)
@@ -196,6 +198,7 @@ void Controls::layOut(FileBrowser* browser, QWidget* favoritesList, QWidget* fil
     auto* filesBox = new QVBoxLayout;
     filesBox->addWidget(filesList, 1);
     filesBox->addWidget(problemLabel);
+    filesBox->addWidget(pickListLine);
 
     auto* optionsRow = new QHBoxLayout;
     optionsRow->addWidget(sequencesCheck);

@@ -14,6 +14,7 @@ namespace Halvern::UI {
 
 class DisclosureButton;
 class FileBrowser;
+class PickListLine;
 
 /// The controls of a browser beside its two lists: each with its objectName, the name that screen readers
 /// say, its tooltip and the slot of the browser that it calls. The browser owns them.
@@ -34,6 +35,7 @@ struct Controls
     QPushButton* editFavoriteButton = nullptr;
     QPushButton* removeFavoriteButton = nullptr;
     QLabel* problemLabel = nullptr; ///< What is wrong with the list, hidden if nothing is.
+    PickListLine* pickListLine = nullptr;
     FilePathEdit* filenameEdit = nullptr;
     QCheckBox* sequencesCheck = nullptr;
     QCheckBox* splitCheck = nullptr;

@@ -6,6 +6,7 @@
 #include "browser/FileBrowserPrivate.h"
 #include "browser/FilesMenu.h"
 #include "browser/ListNotice.h"
+#include "browser/PickListLine.h"
 #include "browser/ProxyModel.h"
 #include "favorites/FavoritesList.h"
 #include "favorites/FavoritesModel.h"
@@ -62,6 +63,8 @@ FileBrowser::FileBrowser(QWidget* parent)
     d->initFavorites();
     d->initFilesList();
     d->m_controls.make(this, d->m_favoritesList, d->m_filesList);
+    connect(d->m_controls.pickListLine, &PickListLine::menuRequested, d->m_filesMenu,
+            [this](const QPoint& position) { d->m_filesMenu->popupMenu(position, QModelIndex()); });
     connect(d->m_filesList, SIGNAL(backRequested()), d->m_controls.backButton, SLOT(click()));
     connect(d->m_filesList, SIGNAL(upRequested()), d->m_controls.upButton, SLOT(click()));
     connect(d->m_filesList, SIGNAL(forwardRequested()), d->m_controls.forwardButton, SLOT(click()));

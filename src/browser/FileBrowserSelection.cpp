@@ -5,6 +5,7 @@
 #include "browser/DirectoryModel.h"
 #include "browser/FileBrowserPrivate.h"
 #include "browser/FilesMenu.h"
+#include "browser/PickListLine.h"
 #include "browser/ProxyModel.h"
 #include "widgets/FilePathEdit.h"
 
@@ -70,7 +71,7 @@ bool FileBrowser::Private::isAcceptable(const FileInfo& info) const
 {
     if (m_selectionType == SelectionType::FilesAndDirectories)
         return true;
-    const bool isDirectory = info.isInfoValid() ? info.isDirectory() : info.isDirSafe(m_directory);
+    const bool isDirectory = info.isInfoValid() ? info.isDirectory() : info.isDirSafe(m_model->directory());
     return isDirectory == (m_selectionType == SelectionType::Directories);
 }
 
@@ -98,7 +99,7 @@ void FileBrowser::fileSelectionChanged()
 void FileBrowser::fileClicked(QModelIndex index)
 {
     const FileInfo* info = d->m_model->entry(d->m_proxy->mapToSource(index).row());
-    if (info && info->isDirSafe(d->m_directory))
+    if (info && info->isDirSafe(d->m_model->directory()))
         setDirectory(QDir(d->m_model->getFullFilePath(*info)), false, true);
 }
 
@@ -159,9 +160,10 @@ void FileBrowser::removeItemFromQueue()
     d->showQueue(!paths.isEmpty());
 }
 
-// Shows the queued colours as they are now. An action on nothing leaves the selection alone.
+// Shows the pick list as it is now. An action on nothing leaves the selection alone.
 void FileBrowser::Private::showQueue(bool changed)
 {
+    m_controls.pickListLine->showPaths(m_pickList.paths());
     if (changed && m_model->isListReady()) {
         FilesList::Choice choice;
         choice.current = m_filesList->currentName();

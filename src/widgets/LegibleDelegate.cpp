@@ -22,15 +22,26 @@ double contrast(const QColor& one, const QColor& other)
     return a > b ? a / b : b / a;
 }
 
+QColor softened(const QColor& colour, const QColor& base)
+{
+    constexpr double MostOfBase = 0.6;
+    const double share = MostOfBase * colour.hsvSaturationF() * colour.valueF();
+    const auto mixed = [share](double part, double basePart) { return part + share * (basePart - part); };
+    return QColor::fromRgbF(mixed(colour.redF(), base.redF()), mixed(colour.greenF(), base.greenF()),
+                            mixed(colour.blueF(), base.blueF()));
+}
+
 } // namespace
 
 void LegibleDelegate::initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const
 {
-    constexpr double LeastContrast = 3;
+    constexpr double LeastContrast = 4.5;
     QStyledItemDelegate::initStyleOption(option, index);
     if (option->backgroundBrush.style() == Qt::NoBrush)
         return;
-    const QColor background = option->backgroundBrush.color();
+    const QColor background =
+        softened(option->backgroundBrush.color(), option->palette.color(QPalette::Base));
+    option->backgroundBrush = background;
     if (contrast(option->palette.color(QPalette::Text), background) >= LeastContrast)
         return;
     const bool white = contrast(Qt::white, background) > contrast(Qt::black, background);

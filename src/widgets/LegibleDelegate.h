@@ -4,8 +4,9 @@
 
 namespace Halvern::UI {
 
-/// Draws rows whose model gives them a background of its own so that they can be read: where that background
-/// is too near to the palette's text colour, the text is black or white.
+/// Draws rows whose model gives them a background of its own so that they are calm and can be read. The more
+/// vivid that background is, the more of the palette's base is mixed into it; greys stay as they are. If the
+/// result is too near to the palette's text colour, the text is black or white.
 class LegibleDelegate : public QStyledItemDelegate
 {
     Q_OBJECT

@@ -3,6 +3,10 @@
 #include "support/Test.h"
 #include "widgets/AppSettings.h"
 
+#include <QLabel>
+#include <QTextDocument>
+#include <cstdlib>
+
 using namespace Halvern::UI;
 
 /// What is chosen, and the pick list.
@@ -108,6 +112,70 @@ private slots:
         m_window->clickRow(QStringLiteral("b"));
         m_window->control("nextButton")->click();
         QVERIFY(picked({"b", "a", m_sequence, "b"}));
+    }
+
+    // Below the last row nothing is under the mouse, whatever was before.
+    void spaceOverNothingChangesNothing()
+    {
+        m_window->focusList();
+        m_window->clickRow(QStringLiteral("a"));
+        m_window->hover(QStringLiteral("b"));
+        QTest::mouseMove(m_window->list()->viewport(), m_window->place("sub/") + QPoint(0, 80));
+        QTRY_COMPARE(m_window->model()->hoveredRow(), -1);
+        QTest::keyClick(m_window->list(), Qt::Key_Space);
+        QVERIFY(picked({}));
+        QCOMPARE(m_window->browser.selectedFiles(), QStringList(path("a")));
+        QVERIFY(m_window->list()->selectionModel()->isSelected(m_window->row("a")));
+    }
+
+    void pickListIsShownBelowTheList()
+    {
+        auto* line = m_window->control<QLabel>("pickListLine");
+        QVERIFY(line && !line->isVisible());
+        QVERIFY(SampleFiles::make(m_folder->path(), {"<b>x"}));
+        m_window->model()->refreshList();
+        QTRY_COMPARE(m_window->rows().size(), 5);
+        for (const char* name : {"<b>x", "a"}) {
+            m_window->clickRow(QString::fromLatin1(name));
+            m_window->control("nextButton")->click();
+        }
+        QVERIFY(line->isVisible() && line->y() >= m_window->list()->geometry().bottom());
+        QCOMPARE(line->text(), QStringLiteral("2 in the pick list"));
+        QTextDocument tooltip;
+        tooltip.setHtml(line->toolTip());
+        QCOMPARE(tooltip.toPlainText(), path("<b>x") + '\n' + path("a"));
+
+        m_window->clickRow(QStringLiteral("a"));
+        QTest::mouseClick(line, Qt::LeftButton);
+        QTRY_VERIFY(m_window->menu()->isVisible());
+        m_window->menu()->hide();
+        action(1)->trigger();
+        QCOMPARE(line->text(), QStringLiteral("1 in the pick list"));
+        m_window->clickRow(QStringLiteral("<b>x"));
+        QTest::mouseClick(line, Qt::LeftButton);
+        m_window->menu()->hide();
+        action(1)->trigger();
+        QVERIFY(picked({}) && !line->isVisible());
+    }
+
+    // The colour of the model, softened by the more the more vivid it is.
+    void queuedRowsAreCalmAndLegible()
+    {
+        m_window->clickRow(QStringLiteral("b"));
+        m_window->control("nextButton")->click();
+        for (const auto& [base, text] : {std::pair(Qt::white, Qt::black), {Qt::black, Qt::white}}) {
+            QPalette palette;
+            palette.setColor(QPalette::Base, base);
+            palette.setColor(QPalette::Text, text);
+            m_window->list()->setPalette(palette);
+            const QImage picture = m_window->list()->viewport()->grab().toImage();
+            const QRect row = m_window->list()->visualRect(m_window->row("b").siblingAtColumn(1));
+            const QColor drawn = picture.pixelColor(row.left() + 2, row.center().y());
+            QVERIFY2(drawn.red() > drawn.green() + 60, qPrintable(drawn.name()));
+            QVERIFY2(std::abs(drawn.red() - QColor(base).red()) <= 128 &&
+                         std::abs(drawn.green() - QColor(base).green()) <= 128,
+                     qPrintable(drawn.name()));
+        }
     }
 
     void typeDecidesWhatIsQueued()
