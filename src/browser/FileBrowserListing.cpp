@@ -49,15 +49,25 @@ void FileBrowser::refresh()
         emit choiceChanged();
 }
 
-// A row that is the only one becomes the current row if the filename field names it.
+// The row that the filename field names becomes the current row. A row that is the only one may differ from
+// what was typed in case.
 void FileBrowser::Private::selectTypedRow()
 {
-    if (m_proxy->rowCount() != 1)
+    const QString text = m_controls.filenameEdit->text();
+    const int rows = m_proxy->rowCount();
+    for (int row = 0; row < rows && !text.endsWith(QLatin1Char('/')); ++row) {
+        const QModelIndex index = m_proxy->index(row, 0);
+        const FileInfo* info = m_model->entry(m_proxy->mapToSource(index).row());
+        if (info && m_model->getFullFilePath(*info) == text) {
+            m_filesList->setCurrentIndex(index);
+            return;
+        }
+    }
+    if (rows != 1)
         return;
     const QModelIndex only = m_proxy->index(0, 0);
     const FileInfo* info = m_model->entry(m_proxy->mapToSource(only).row());
-    if (info &&
-        m_model->getFullFilePath(*info).compare(m_controls.filenameEdit->text(), Qt::CaseInsensitive) == 0)
+    if (info && m_model->getFullFilePath(*info).compare(text, Qt::CaseInsensitive) == 0)
         m_filesList->setCurrentIndex(only);
 }
 
