@@ -46,6 +46,7 @@ void FileBrowser::setDirectory(QDir dir, bool keepFilename, bool doRefresh)
     }
     if (doRefresh)
         refresh();
+    emit choiceChanged();
 }
 
 void FileBrowser::Private::updateNavigationButtons()
@@ -107,6 +108,7 @@ void FileBrowser::setFilename(const QString& name)
     d->m_controls.filenameEdit->setSelection(path.length() - nameLength, nameLength);
     if (!name.isEmpty() && !name.endsWith(QLatin1Char('/')))
         setFilterBlock(true);
+    emit choiceChanged();
 }
 
 // Typing and filtering narrow the listing again after setFilename().

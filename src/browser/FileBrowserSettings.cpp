@@ -44,6 +44,8 @@ void FileBrowser::updateFromPreferences()
     }
     d->loadSortOrder();
     loadDirectorySettings();
+    if (isVisible() && !d->m_listed)
+        refresh();
 }
 
 void FileBrowser::Private::loadSortOrder()

@@ -11,6 +11,7 @@
 #include <QScreen>
 #include <QUrl>
 #include <QVBoxLayout>
+#include <utility>
 
 namespace Halvern::UI {
 
@@ -53,8 +54,9 @@ FileDialog::FileDialog(QWidget* parent, const char* acceptText, const char* acce
 
 FileDialog::~FileDialog()
 {
+    const bool grown = m_previewOpen && size() == m_sizeWithPreview && m_sizeBeforePreview.isValid();
     if (m_wasShown)
-        AppSettings::Store({{SizeKey, size()}});
+        AppSettings::Store({{SizeKey, grown ? m_sizeBeforePreview : size()}});
     // Before the rest of the dialog goes, to which its last signals are connected.
     delete m_browser;
 }
@@ -72,8 +74,14 @@ void FileDialog::setVisible(bool visible)
     const int cursor = m_filenameEdit->cursorPosition();
     const int start = m_filenameEdit->selectionStart();
     const int length = m_filenameEdit->selectedText().length();
-    QDialog::setVisible(visible);
+    const bool firstShow = visible && !m_wasShown;
     m_wasShown = m_wasShown || visible;
+    // The size may have been given after the preview was opened.
+    if (firstShow && m_previewOpen)
+        m_sizeBeforePreview = testAttribute(Qt::WA_Resized) ? size() : QSize();
+    QDialog::setVisible(visible);
+    if (firstShow)
+        noteSizeWithPreview();
     if (length > 0)
         m_filenameEdit->setSelection(start, length);
     else
@@ -100,12 +108,34 @@ void FileDialog::resetFileFilter()
 void FileDialog::onPreviewOpening()
 {
     m_sizeBeforePreview = size();
+    m_previewOpen = true;
+    QMetaObject::invokeMethod(this, "noteSizeWithPreview", Qt::QueuedConnection);
 }
 
 void FileDialog::onPreviewClosed()
 {
+    if (!std::exchange(m_previewOpen, false))
+        return;
     if (m_sizeBeforePreview.isValid())
         resize(m_sizeBeforePreview);
+    else
+        adjustSize();
+}
+
+void FileDialog::noteSizeWithPreview()
+{
+    if (!m_previewOpen || !isVisible())
+        return;
+    layout()->activate();
+    m_sizeWithPreview = size();
+}
+
+// Only the window system tells of a size that the user gave.
+void FileDialog::resizeEvent(QResizeEvent* event)
+{
+    QDialog::resizeEvent(event);
+    if (m_previewOpen && event->spontaneous())
+        m_sizeBeforePreview = event->size();
 }
 
 void FileDialog::dragEnterEvent(QDragEnterEvent* event)

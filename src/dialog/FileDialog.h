@@ -25,7 +25,8 @@ public:
     /// The texts name the Open button and its tooltip, as Latin-1; null leaves what the browser has.
     explicit FileDialog(QWidget* parent = nullptr, const char* acceptText = nullptr,
                         const char* acceptTooltip = nullptr);
-    /// Stores the size, if the dialog was shown; the browser stores what it remembers.
+    /// Stores the size, if the dialog was shown, without what an open preview added to it; the browser stores
+    /// what it remembers.
     ~FileDialog() override;
 
     void setFilterBlock(bool block) { m_browser->setFilterBlock(block); }
@@ -36,8 +37,8 @@ public:
     }
     void setFilename(const QString& name) { m_browser->setFilename(name); }
     void setFilters(QStringList& filters, bool doRefresh) { m_browser->setFilters(filters, doRefresh); }
-    /// While the preview is open the dialog may be larger; when it closes the dialog gets back the size that
-    /// it had when the preview opened.
+    /// While the preview is open the dialog may be larger. When it closes the dialog gets back the size that
+    /// it had when the preview opened, or that the user gave the window since.
     void setPreviewWidget(QWidget* widget) { m_browser->setPreviewWidget(widget); }
     void setSelectionType(FileBrowser::SelectionType type) { m_browser->setSelectionType(type); }
     void setSequencesEnabled(bool enabled) { m_browser->setSequencesEnabled(enabled); }
@@ -61,6 +62,7 @@ protected:
     void dragEnterEvent(QDragEnterEvent* event) override;
     /// Places the path of the first file in the filename field.
     void dropEvent(QDropEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
 
 private slots:
     void fileSelectionChanged();
@@ -68,11 +70,16 @@ private slots:
     void resetFileFilter();
     void onPreviewOpening();
     void onPreviewClosed();
+    void noteSizeWithPreview();
 
 private:
     FileBrowser* m_browser;
     QLineEdit* m_filenameEdit; // of the browser
-    QSize m_sizeBeforePreview{-1, -1};
+    // While the preview is open: the size to return to, invalid for the one that the contents ask for, and
+    // the size that the layout made of it.
+    QSize m_sizeBeforePreview;
+    QSize m_sizeWithPreview;
+    bool m_previewOpen = false;
     bool m_wasShown = false;
 };
 

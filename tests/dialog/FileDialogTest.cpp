@@ -136,6 +136,76 @@ private slots:
         }
     }
 
+    // Whatever changes what would be opened, nobody else tells the dialog.
+    void buttonsFollowTheCalls()
+    {
+        QVERIFY(QDir(path("sub")).mkdir("a"));
+        Window window(m_folder->path());
+        QTRY_COMPARE(window.names(), (QStringList{"a", "b", "sub/"}));
+        window.select({"a"});
+        window.dialog.setMultipleSelections(true);
+        QCOMPARE(window.buttons(), QString("ON"));
+        window.dialog.setSelectionType(SelectionType::Directories);
+        QCOMPARE(window.buttons(), QString("--"));
+        window.dialog.setMayNotExist(true);
+        QCOMPARE(window.buttons(), QString("O-"));
+        window.dialog.setMayNotExist(false);
+        window.list()->clearSelection();
+        window.edit()->setText(path("none"));
+        window.dialog.refreshWidget();
+        QCOMPARE(window.buttons(), QString("--"));
+
+        window.dialog.setFilename(path("sub"));
+        QCOMPARE(window.buttons(), QString("ON"));
+        window.dialog.setFilename(path("a"));
+        QCOMPARE(window.buttons(), QString("--"));
+        QVERIFY(drop(window, {QUrl::fromLocalFile(path("sub"))}));
+        QCOMPARE(window.buttons(), QString("ON"));
+        window.dialog.setFilename(path("a"));
+        window.dialog.setDirectory(QDir(path("sub")), false, false);
+        QCOMPARE(window.buttons(), QString("ON"));
+
+        // A list that is older than the directory: its rows are what they were.
+        window.dialog.setSelectionType(SelectionType::Files);
+        window.dialog.setFilterBlock(false); // setFilename() has set it
+        window.dialog.setDirectory(QDir(m_folder->path()), false, true);
+        QTRY_COMPARE(window.names(), (QStringList{"a", "b", "sub/"}));
+        window.select({"a"});
+        window.dialog.setDirectory(QDir(path("sub")), true, false);
+        QCOMPARE(window.buttons(), QString("ON"));
+        QCOMPARE(window.dialog.selectedFiles().first(), path("a"));
+
+        AppSettings().setValue("FileBrowser/render/directory", path("sub/a"));
+        window.dialog.buildSettingsNamespace("render");
+        QCOMPARE(window.buttons(), QString("--"));
+        QTRY_COMPARE(window.names(), QStringList());
+        QCOMPARE(window.edit()->text(), path("sub/a/"));
+        window.dialog.buildSettingsNamespace("/");
+    }
+
+    // The one line of the guide.
+    void mayRefuseWhatCannotBeOpened()
+    {
+        struct Refusing : FileDialog
+        {
+            void accept() override
+            {
+                if (fileBrowser()->acceptance() != FileBrowser::Acceptance::None)
+                    FileDialog::accept();
+            }
+        } dialog;
+        dialog.setDirectory(QDir(m_folder->path()), false, true);
+        dialog.show();
+        auto* edit = dialog.findChild<FilePathEdit*>();
+        auto* rows = dialog.findChild<FileBrowser::ProxyModel*>();
+        QTRY_COMPARE(rows->rowCount(), 3);
+        QTest::keyClick(edit, Qt::Key_Return);
+        QVERIFY(dialog.isVisible());
+        QTest::keyClicks(edit, "a");
+        QTest::keyClick(edit, Qt::Key_Return);
+        QCOMPARE(dialog.result(), int(QDialog::Accepted));
+    }
+
     void closesByTheMouse()
     {
         Window window(m_folder->path());
@@ -176,33 +246,56 @@ private slots:
         QTRY_VERIFY(window.dialog.height() > 500);
         button->click();
         QTRY_COMPARE(window.dialog.size(), QSize(900, 500));
+        // The size that a person gives the window in between is the one that stays, by the display server.
+        button->click();
+        QTRY_VERIFY(window.dialog.height() > 500);
+        window.dialog.windowHandle()->resize(1000, 950);
+        QTRY_COMPARE(window.dialog.size(), QSize(1000, 950));
+        button->click();
+        QTRY_VERIFY(!preview->isVisible());
+        QCoreApplication::processEvents();
+        QCOMPARE(window.dialog.size(), QSize(1000, 950));
         button->click();
         connect(window.dialog.fileBrowser(), SIGNAL(previewClosed()), &window.dialog, SLOT(deleteLater()));
         button->click();
         QTRY_VERIFY(!window.owned);
     }
 
+    // Sized before or after the preview is opened, and closed with it or without.
+    void previewMayBeOpenFromTheBeginning()
+    {
+        for (const bool early : {true, false}) {
+            AppSettings().clear();
+            AppSettings().setValue("FileBrowser/preview", true);
+            for (int run = 0; run < 3; ++run) {
+                expectWarning(QStringLiteral("No such slot QWidget::fileSelected"));
+                FileDialog dialog;
+                auto* preview = new QWidget;
+                preview->setMinimumHeight(400);
+                if (early && run == 0)
+                    dialog.resize(900, 500);
+                dialog.setPreviewWidget(preview);
+                if (!early && run == 0)
+                    dialog.resize(900, 500);
+                dialog.show();
+                QTRY_VERIFY(preview->isVisible() && dialog.height() > 500);
+                QCoreApplication::processEvents();
+                if (run < 2) // the next run opens with the preview as well
+                    continue;
+                dialog.findChild<DisclosureButton*>()->click();
+                QTRY_COMPARE(dialog.size(), QSize(900, 500));
+            }
+        }
+    }
+
     void takesOneDroppedFile()
     {
         Window window(m_folder->path());
-        const auto drop = [&](const QList<QUrl>& urls) {
-            QMimeData data;
-            data.setUrls(urls);
-            const QPoint place(5, 5);
-            const Qt::DropActions possible = Qt::CopyAction | Qt::MoveAction;
-            QDragEnterEvent enter(place, possible, &data, Qt::LeftButton, Qt::NoModifier);
-            QApplication::sendEvent(&window.dialog, &enter);
-            if (!enter.isAccepted())
-                return false;
-            QDropEvent event(place, enter.dropAction(), &data, Qt::LeftButton, Qt::NoModifier);
-            QApplication::sendEvent(&window.dialog, &event);
-            return event.isAccepted() && enter.dropAction() == Qt::CopyAction;
-        };
         const QUrl file = QUrl::fromLocalFile(path(QStringLiteral("sub/dropped")));
-        QVERIFY(!drop({file, file}));
-        QVERIFY(!drop({QUrl(QStringLiteral("https://example.org/a.exr"))}));
+        QVERIFY(!drop(window, {file, file}));
+        QVERIFY(!drop(window, {QUrl(QStringLiteral("https://example.org/a.exr"))}));
         QVERIFY(!window.edit()->acceptDrops() && !window.filter()->lineEdit()->acceptDrops());
-        QVERIFY(drop({file}));
+        QVERIFY(drop(window, {file}));
         QCOMPARE(window.edit()->text(), path(QStringLiteral("sub/dropped")));
     }
 
@@ -286,6 +379,20 @@ private:
     static constexpr auto DoubleClick = static_cast<Qt::Key>(0);
 
     QString path(const QString& name) const { return m_folder->path() + '/' + name; }
+    static bool drop(Window& window, const QList<QUrl>& urls)
+    {
+        QMimeData data;
+        data.setUrls(urls);
+        const QPoint place(5, 5);
+        const Qt::DropActions possible = Qt::CopyAction | Qt::MoveAction;
+        QDragEnterEvent enter(place, possible, &data, Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(&window.dialog, &enter);
+        if (!enter.isAccepted())
+            return false;
+        QDropEvent event(place, enter.dropAction(), &data, Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(&window.dialog, &event);
+        return event.isAccepted() && enter.dropAction() == Qt::CopyAction;
+    }
 
     std::unique_ptr<QTemporaryDir> m_folder;
 };
