@@ -16,6 +16,12 @@ namespace {
 
 constexpr std::size_t TypicalRowCount = 4000;
 
+QVariant alignment(int column)
+{
+    return column == FileBrowser::DirectoryModel::SizeColumn ? QVariant(Qt::AlignRight | Qt::AlignVCenter)
+                                                             : QVariant();
+}
+
 QVariant sizeText(unsigned long long bytes)
 {
     if (bytes > 1048576)
@@ -89,6 +95,8 @@ QVariant FileBrowser::DirectoryModel::data(const QModelIndex& index, int role) c
     case Qt::DisplayRole:
     case Qt::EditRole:
         return displayText(*info, index.column());
+    case Qt::TextAlignmentRole:
+        return alignment(index.column());
     case Qt::UserRole:
         return QString::fromUtf8(info->displayName());
     default:
@@ -125,6 +133,8 @@ QVariant FileBrowser::DirectoryModel::background(int row, const FileInfo& info) 
 
 QVariant FileBrowser::DirectoryModel::headerData(int section, Qt::Orientation /*orientation*/, int role) const
 {
+    if (role == Qt::TextAlignmentRole)
+        return alignment(section);
     if (role != Qt::DisplayRole)
         return {};
     switch (section) {

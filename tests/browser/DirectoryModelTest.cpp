@@ -145,6 +145,11 @@ private slots:
         QCOMPARE(window.rows(), (QStringList{"z/", "B", "n", "a"}));
         QCOMPARE(window.proxy()->index(1, 1).data(), QVariant(1024ULL));
         QCOMPARE(window.proxy()->index(3, 1).data(), QVariant("1024KB"));
+        for (const int column : {0, 1, 2}) {
+            const QVariant alignment = window.proxy()->index(3, column).data(Qt::TextAlignmentRole);
+            QCOMPARE((alignment.toInt() & Qt::AlignRight) != 0, column == 1);
+            QCOMPARE(window.proxy()->headerData(column, Qt::Horizontal, Qt::TextAlignmentRole), alignment);
+        }
         window.list()->sortByColumn(2, Qt::AscendingOrder);
         QCOMPARE(window.rows(), (QStringList{"n", "a", "B", "z/"}));
 
