@@ -8,7 +8,9 @@
 #include "widgets/PackedColour.h"
 
 #include <QApplication>
+#include <QComboBox>
 #include <QElapsedTimer>
+#include <QLineEdit>
 #include <QPalette>
 #include <QPushButton>
 #include <QStyleFactory>
@@ -85,6 +87,45 @@ bool pictureDialogs(const QDir& directory, const QString& folder)
         dialog.findChild<QPushButton*>(QStringLiteral("nextButton"))->click();
     }
     return picture(dialog, folder + QStringLiteral("/picklist.png"));
+}
+
+// The list that says why it is empty.
+bool pictureEmptyLists(const QDir& directory, const QString& folder)
+{
+    const QTemporaryDir made;
+    const QString empty = made.filePath(QStringLiteral("empty"));
+    const QString removed = made.filePath(QStringLiteral("removed")); // root may read whatever exists
+    for (const QString& path : {empty, removed})
+        QDir().mkdir(path);
+    struct Picture
+    {
+        const char* name;
+        QString shown;
+        QString filter;
+        QString typed;
+    };
+    for (const Picture& wanted :
+         {Picture{"folder", empty, {}, {}},
+          Picture{
+              "filter", directory.filePath(QStringLiteral("renders/beauty")), QStringLiteral("*.tif"), {}},
+          Picture{"name", directory.path(), {}, QStringLiteral("comp")},
+          Picture{"unreadable", removed, {}, {}}}) {
+        FileBrowser browser;
+        browser.setSequencesEnabled(true);
+        browser.setDirectory(QDir(wanted.shown), false, false);
+        if (wanted.shown == removed)
+            QDir().rmdir(removed);
+        browser.resize(640, 320);
+        browser.show();
+        settle();
+        browser.findChild<QComboBox*>(QStringLiteral("filterCombo"))->setEditText(wanted.filter);
+        browser.findChild<QLineEdit*>(QStringLiteral("filenameEdit"))->insert(wanted.typed);
+        browser.refresh();
+        if (!picture(*browser.findChild<QTreeView*>(QStringLiteral("filesList")),
+                     folder + QStringLiteral("/empty-%1.png").arg(QLatin1String(wanted.name))))
+            return false;
+    }
+    return true;
 }
 
 // One dialog with everything in it: a selected, a hovered and a queued row, and a preview with its slider.
@@ -165,5 +206,7 @@ int main(int argc, char** argv)
         return pictureVariant(directory, folder + QLatin1Char('/') + variant + QStringLiteral(".png")) ? 0
                                                                                                        : 1;
     }
-    return pictureBrowser(directory, folder) && pictureDialogs(directory, folder) ? 0 : 1;
+    const bool taken = pictureBrowser(directory, folder) && pictureDialogs(directory, folder) &&
+                       pictureEmptyLists(directory, folder);
+    return taken ? 0 : 1;
 }
