@@ -8,6 +8,8 @@
 #include <QFont>
 #include <QScopedValueRollback>
 #include <algorithm>
+#include <cerrno>
+#include <new>
 #include <utility>
 
 namespace Halvern::UI {
@@ -41,6 +43,8 @@ FileBrowser::DirectoryModel::DirectoryModel(const PickList& pickList, bool assum
     m_entries.reserve(TypicalRowCount);
     m_manager.setAssumeZeroPadding(assumeZeroPadding);
     setSequenceMode(SequenceMode::Expanded);
+    // Before the browser, which looks at it.
+    connect(&m_manager, &FileManager::refreshList, this, [this] { m_reading = false; });
     connect(&m_manager, SIGNAL(refreshList()), browser, SLOT(managerRefreshList()));
     connect(&m_manager, SIGNAL(infoUpdated(int, int)), browser, SLOT(managerFilesUpdated(int, int)));
 }
@@ -159,6 +163,8 @@ void FileBrowser::DirectoryModel::setDirectory(const QDir& dir, SequenceMode /*m
         m_hoveredRow = -1;
         emit entriesExpire();
     }
+    if (started || entriesDied || readError() != 0)
+        m_reading = started;
     if (started) {
         m_listReady = false;
         emit readStarted();
@@ -188,7 +194,6 @@ void FileBrowser::DirectoryModel::setEvaluator(FileSequenceEvaluator* evaluator)
 
 void FileBrowser::DirectoryModel::buildRunningList()
 {
-    using Base::FileHandle;
     // Asked again from within its answer, an evaluator might never come to an end.
     if (m_evaluating) {
         m_wantedAgain = true;
@@ -209,15 +214,15 @@ void FileBrowser::DirectoryModel::buildRunningList()
     }
     evaluated = evaluated && hasEvaluator() && m_sequenceMode != SequenceMode::Expanded;
     beginResetModel();
-    if (evaluated)
-        m_entries.swap(evaluatedRows);
-    else if (m_sequenceMode == SequenceMode::Expanded)
-        m_manager.buildRunningList(&m_entries, FileHandle::AllFiles);
-    else
-        m_manager.buildRunningList(&m_entries, m_splitSequences ? FileHandle::RegisteredSplitSequences
-                                                                : FileHandle::RegisteredSequences);
+    m_buildError = 0;
+    try {
+        takeRows(std::move(evaluatedRows), evaluated);
+    } catch (const std::bad_alloc&) {
+        m_buildError = ENOMEM;
+        m_entries.clear();
+        m_names = NameOrder();
+    }
     m_entriesGeneration = m_manager.generation();
-    orderRows(evaluated);
     m_listReady = true;
     if (entry(m_hoveredRow) != hoveredEntry) {
         const auto found = std::find(m_entries.begin(), m_entries.end(), hoveredEntry);
@@ -225,6 +230,19 @@ void FileBrowser::DirectoryModel::buildRunningList()
             hoveredEntry && found != m_entries.end() ? static_cast<int>(found - m_entries.begin()) : -1;
     }
     endResetModel();
+}
+
+void FileBrowser::DirectoryModel::takeRows(std::vector<FileInfo*> evaluatedRows, bool evaluated)
+{
+    using Base::FileHandle;
+    if (evaluated)
+        m_entries.swap(evaluatedRows);
+    else if (m_sequenceMode == SequenceMode::Expanded)
+        m_manager.buildRunningList(&m_entries, FileHandle::AllFiles);
+    else
+        m_manager.buildRunningList(&m_entries, m_splitSequences ? FileHandle::RegisteredSplitSequences
+                                                                : FileHandle::RegisteredSequences);
+    orderRows(evaluated);
 }
 
 // As if the manager had announced the names.
@@ -256,6 +274,9 @@ std::vector<FileInfo*> FileBrowser::DirectoryModel::evaluateFiles()
     m_manager.buildRunningList(&files, Base::FileHandle::AllFiles);
     m_manager.forgetFollowers();
     emit entriesExpire();
+    // Nobody follows the rows while the host's code runs: it may free those that it made.
+    if (std::exchange(m_listReady, false))
+        emit readStarted();
     m_evaluator->setManager(&m_manager);
     const QScopedValueRollback<bool> guard(m_evaluating, true);
     return m_evaluator->evaluateFiles(files);

@@ -76,7 +76,9 @@ public:
     /// False while a read is under way whose rows were not built yet.
     bool isListReady() const { return m_listReady; }
     /// Why the listing is empty or incomplete: an error number of the system, 0 if it succeeded.
-    int readError() const { return m_manager.readError(); }
+    int readError() const { return m_buildError != 0 ? m_buildError : m_manager.readError(); }
+    /// Whether names are still to come.
+    bool isReading() const { return m_reading; }
     /// Whether every file that was read has its size and time.
     bool hasAllAttributes() const { return m_manager.isInfoComplete(); }
     /// The rows in source order, which is by name; those of an evaluator, and if names have no such order,
@@ -99,7 +101,7 @@ public:
     QString getFullFilePath(const QModelIndex& index) const { return getFullFilePath(index.row()); }
 
 signals:
-    /// A read has begun: the rows are empty.
+    /// A read has begun, or an evaluator is asked: the rows are empty until the model is reset.
     void readStarted();
     /// The present directory could not be opened; its rows stay.
     void readFailed();
@@ -108,6 +110,7 @@ signals:
 
 private:
     std::vector<FileInfo*> evaluateFiles();
+    void takeRows(std::vector<FileInfo*> evaluatedRows, bool evaluated);
     void orderRows(bool evaluated);
     void buildLater();
     QVariant displayText(const FileInfo& info, int column) const;
@@ -121,6 +124,8 @@ private:
     QDir m_directory;
     int m_hoveredRow = -1;
     bool m_listReady = false;
+    bool m_reading = false;
+    int m_buildError = 0; // ENOMEM if there was no memory for the rows
     std::vector<FileInfo*> m_entries;
     NameOrder m_names;
     bool m_namesFixed = true;         // as they are in m_names

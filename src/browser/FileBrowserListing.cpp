@@ -81,12 +81,21 @@ void FileBrowser::showEvent(QShowEvent* event)
 // What is selected and current is found again when the list of this read is there.
 void FileBrowser::refreshDirectory()
 {
-    const bool wasReady = d->m_model->isListReady();
-    if (wasReady)
-        d->m_awaited = d->m_filesList->choice();
+    d->awaitChoice();
     d->m_model->refreshList();
-    if (wasReady && d->m_model->isListReady())
+    if (!d->m_model->isReading() && d->m_model->readError() == 0)
         d->m_awaited = {};
+}
+
+// Remembers what is selected and current, beside what is to be found again already.
+void FileBrowser::Private::awaitChoice()
+{
+    if (!m_model->isListReady())
+        return;
+    const FilesList::Choice choice = m_filesList->choice();
+    m_awaited.selected.unite(choice.selected);
+    if (!choice.current.isEmpty())
+        m_awaited.current = choice.current;
 }
 
 void FileBrowser::setFilterBlock(bool block)
@@ -160,10 +169,13 @@ void FileBrowser::Private::buildRows()
 {
     if (m_rowsHeld)
         return;
-    const bool wasReady = m_model->isListReady();
-    const FilesList::Choice choice = wasReady ? m_filesList->choice() : std::exchange(m_awaited, {});
+    awaitChoice();
     m_model->buildRunningList();
-    m_filesList->choose(choice);
+    if (m_model->isListReady())
+        m_filesList->choose(m_awaited);
+    // Names that are still to come, or that a failed read did not give, may be among the awaited ones.
+    if (m_model->isListReady() && !m_model->isReading() && m_model->readError() == 0)
+        m_awaited = {};
     emit q->choiceChanged();
 }
 

@@ -73,6 +73,8 @@ public:
 
     // FileBrowserSelection.cpp
     bool isAwaited() const;
+    bool awaitsSelection() const;
+    void awaitChoice();
     bool isAcceptable() const;
     bool isAcceptable(const FileInfo& info) const;
     bool takesFolders() const;

@@ -47,7 +47,12 @@ FileBrowser::Acceptance FileBrowser::acceptance() const
 // Whether selectedFiles() would leave out rows that were selected and are being read again.
 bool FileBrowser::Private::isAwaited() const
 {
-    return m_multipleSelections && !m_awaited.selected.isEmpty();
+    return m_multipleSelections && awaitsSelection();
+}
+
+bool FileBrowser::Private::awaitsSelection() const
+{
+    return m_model->isReading() && !m_awaited.selected.isEmpty();
 }
 
 bool FileBrowser::Private::takesFolders() const
@@ -129,7 +134,7 @@ void FileBrowser::nextClicked()
     for (const QModelIndex& row : rows)
         d->m_pickList.append(normalizeFile(d->m_model->getFullFilePath(row)));
     // The directory is what is meant only if nothing in it was selected before it was read again.
-    const bool addsDirectory = rows.isEmpty() && d->takesFolders() && d->m_awaited.selected.isEmpty();
+    const bool addsDirectory = rows.isEmpty() && d->takesFolders() && !d->awaitsSelection();
     if (addsDirectory)
         d->m_pickList.append(normalizeFile(directory().absolutePath()));
     d->showQueue(!rows.isEmpty() || addsDirectory);

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <new>
 
 namespace Halvern::UI {
 
@@ -81,7 +82,12 @@ bool FileBrowser::ProxyModel::readKeys()
     }
     const std::vector<FileInfo*>& rows = m_model->rows();
     bool kindsChanged = m_keys.size() != rows.size();
-    m_keys.resize(rows.size());
+    try {
+        m_keys.resize(rows.size());
+    } catch (const std::bad_alloc&) {
+        m_keys.clear(); // the rows stay in the order of the source
+        return true;
+    }
     for (std::size_t row = 0; row < rows.size(); ++row) {
         RowKey& key = m_keys[row];
         key.entry = rows[row];

@@ -60,6 +60,9 @@ bool FileManager::Private::prepareList()
 
 void FileManager::Private::trimPool()
 {
+    // Others may still look at the entries that they hold.
+    if (index.isStorageShared())
+        return;
     try {
         if (auto trimming = index.pool().trimming())
             Base::callInBackground(std::move(trimming));
@@ -116,6 +119,8 @@ void FileManager::cleanData()
 
 void FileManager::takeArrivals()
 {
+    if (d->process != ::getpid())
+        return;
     const bool beginsTurn =
         d->gatherer.hasArrivals() && !d->readingSynchronously && !d->arrivalsTimer.isActive();
     if (beginsTurn && !d->attempt([this] { d->beginTurn(); })) {
@@ -190,7 +195,6 @@ void FileManager::leaveParentProcess()
     if (d->process == ::getpid())
         return;
     auto own = std::make_unique<Private>();
-    own->currentDirectory = d->currentDirectory;
     own->index.setAssumeZeroPadding(d->index.assumesZeroPadding());
     own->generation = d->generation + 1;
     own->reevaluationEnabled = d->reevaluationEnabled;

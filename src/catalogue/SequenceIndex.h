@@ -64,6 +64,7 @@ public:
 
     /// Keeps the memory of all entries while it is held, also after the index is destroyed.
     std::shared_ptr<const void> storage() const { return m_pool; }
+    bool isStorageShared() const { return m_pool.use_count() > 1; }
     const EntryPool& pool() const { return *m_pool; }
     EntryPool& pool() { return *m_pool; }
 
