@@ -44,6 +44,8 @@ FileDialog::FileDialog(QWidget* parent, const char* acceptText, const char* acce
             SLOT(fileDoubleClicked(const Halvern::UI::FileInfo&)));
     connect(m_browser, SIGNAL(accepted()), this, SLOT(accept()));
     connect(m_browser, SIGNAL(rejected()), this, SLOT(reject()));
+    connect(m_browser, &FileBrowser::previewClosed, this,
+            [this] { m_sizeIsDue = std::exchange(m_previewOpen, false) || m_sizeIsDue; });
     connect(m_browser, SIGNAL(previewClosed()), this, SLOT(onPreviewClosed()), Qt::QueuedConnection);
     connect(m_browser, SIGNAL(previewOpening()), this, SLOT(onPreviewOpening()));
 
@@ -54,9 +56,10 @@ FileDialog::FileDialog(QWidget* parent, const char* acceptText, const char* acce
 
 FileDialog::~FileDialog()
 {
-    const bool grown = m_previewOpen && size() == m_sizeWithPreview && m_sizeBeforePreview.isValid();
+    const bool grown = (m_previewOpen || m_sizeIsDue) && size() == m_sizeWithPreview;
     if (m_wasShown)
-        AppSettings::Store({{SizeKey, grown ? m_sizeBeforePreview : size()}});
+        AppSettings::Store(
+            {{SizeKey, grown && m_sizeBeforePreview.isValid() ? m_sizeBeforePreview : size()}});
     // Before the rest of the dialog goes, to which its last signals are connected.
     delete m_browser;
 }
@@ -107,14 +110,16 @@ void FileDialog::resetFileFilter()
 
 void FileDialog::onPreviewOpening()
 {
-    m_sizeBeforePreview = size();
+    // Closed and opened at once, the dialog still has the size that the preview made.
+    if (!std::exchange(m_sizeIsDue, false))
+        m_sizeBeforePreview = size();
     m_previewOpen = true;
     QMetaObject::invokeMethod(this, "noteSizeWithPreview", Qt::QueuedConnection);
 }
 
 void FileDialog::onPreviewClosed()
 {
-    if (!std::exchange(m_previewOpen, false))
+    if (!std::exchange(m_sizeIsDue, false))
         return;
     if (m_sizeBeforePreview.isValid())
         resize(m_sizeBeforePreview);

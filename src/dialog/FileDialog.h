@@ -80,6 +80,7 @@ private:
     QSize m_sizeBeforePreview;
     QSize m_sizeWithPreview;
     bool m_previewOpen = false;
+    bool m_sizeIsDue = false; // the preview was closed, and onPreviewClosed() follows
     bool m_wasShown = false;
 };
 

@@ -244,7 +244,8 @@ private slots:
         auto* button = window.dialog.findChild<DisclosureButton*>();
         button->click();
         QTRY_VERIFY(window.dialog.height() > 500);
-        button->click();
+        for (int i = 0; i < 3; ++i) // the last one closes it
+            button->click();
         QTRY_COMPARE(window.dialog.size(), QSize(900, 500));
         // The size that a person gives the window in between is the one that stays, by the display server.
         button->click();
