@@ -70,9 +70,7 @@ FilePreview::FilePreview(QWidget* parent, int hostValue)
 
 void FilePreview::previewFile(const char* path)
 {
-    m_path = QString::fromUtf8(path);
-    if (isVisible())
-        showSelection();
+    select(QString::fromUtf8(path));
 }
 
 void FilePreview::updateRange(int first, int last)
@@ -82,10 +80,20 @@ void FilePreview::updateRange(int first, int last)
 
 void FilePreview::fileSelected(const Halvern::UI::FileInfo& info, QDir dir)
 {
-    m_path = info.isDirectory()
-                 ? QString()
-                 : dir.absolutePath() + QLatin1Char('/') + QString::fromUtf8(info.displayName());
     m_frame = 0;
+    select(info.isDirectory()
+               ? QString()
+               : dir.absolutePath() + QLatin1Char('/') + QString::fromUtf8(info.displayName()));
+}
+
+// A sequence that is selected again leaves the view where the user zoomed it.
+void FilePreview::select(const QString& path)
+{
+    const FCPreviewInfo before(m_path, 0);
+    const FCPreviewInfo now(path, 0);
+    m_path = path;
+    if (now.isSequence && (now.path != before.path || now.first != before.first || now.last != before.last))
+        m_slider->range(now.first, now.last);
     if (isVisible())
         showSelection();
 }

@@ -19,9 +19,10 @@ class FileInfo;
 ///
 /// It is made for FileBrowser::setPreviewWidget(), starts hidden, and looks at the disk only while it is
 /// visible: what was selected before is looked at when it is shown. Its slider has no in and out marks, and
-/// shows what its host sets by updateRange(); a frame outside a sequence's range counts as the nearest
-/// inside, without moving the slider. GUI thread only; its controls are found by objectName: "preview" is the
-/// drawing surface, "label" the status text, "slider" the slider.
+/// shows the range of the sequence that was selected last, until its user zooms or its host calls
+/// updateRange(); its head stays. A frame outside a sequence's range counts as the nearest inside, without
+/// moving the slider. GUI thread only; its controls are found by objectName: "preview" is the drawing
+/// surface, "label" the status text, "slider" the slider.
 class HVCOREUI_EXPORT FilePreview : public QWidget
 {
     Q_OBJECT
@@ -55,6 +56,7 @@ protected slots:
     void showEvent(QShowEvent* event) override;
 
 private:
+    void select(const QString& path);
     void showSelection();
     void noPreview(bool resetSlider);
 

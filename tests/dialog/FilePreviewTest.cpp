@@ -56,6 +56,32 @@ private slots:
         QCOMPARE(state(pane), QStringLiteral("  50"));
     }
 
+    void showsTheRangeOfEachNewSequence()
+    {
+        FilePreview pane(nullptr, 3);
+        pane.show();
+        auto& slider = *pane.findChild<FrameSlider*>();
+        slider.setValue(7);
+        const auto view = [&](const char* name) {
+            pane.fileSelected(FileInfo(name, false), QDir(QStringLiteral("/gone")));
+            return QStringLiteral("%1-%2 %3")
+                .arg(slider.viewStart())
+                .arg(slider.viewEnd())
+                .arg(slider.value());
+        };
+        QCOMPARE(view("a.#.exr 1-20"), QStringLiteral("1-20 7"));
+        slider.range(3, 9); // zoomed
+        QCOMPARE(view("a.#.exr 1-20"), QStringLiteral("3-9 7"));
+        QCOMPARE(view("a.#.exr 1-20 ( 1-5 9-20 )"), QStringLiteral("3-9 7"));
+        QCOMPARE(view("a.#.exr 1-30"), QStringLiteral("1-30 7"));
+        slider.range(3, 9);
+        QCOMPARE(view("b.#.exr 1-30"), QStringLiteral("1-30 7"));
+        QCOMPARE(view("still.exr"), QStringLiteral("1-30 7"));
+        pane.hide();
+        pane.previewFile("/gone/c.%04d.exr 5-6");
+        QCOMPARE(view("c.exr"), QStringLiteral("5-6 7"));
+    }
+
     void followsSliderAndBrowser()
     {
         const QTemporaryDir folder;
