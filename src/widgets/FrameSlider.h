@@ -171,7 +171,7 @@ private:
 
     int frameUnderMouse(int x) const;
     int nearestFrame(int x) const;
-    qint64 firstFrameBehind(int x) const;
+    qint64 firstFrameAfter(int x) const;
     DragMode modeOfPress(const QMouseEvent& event) const;
     DragMode handleAt(int x) const;
     void beginZoom();

@@ -47,25 +47,37 @@ void FrameSlider::drawKeyframes(int from, int to, int row, QPainter& painter, co
     // A frame covers its pixel and the one before it: marks that touch each other are drawn as one.
     const QRect band = painter.hasClipping() ? painter.clipBoundingRect().toAlignedRect() : rect();
     const qint64 last = std::min(to, frameUnderMouse(band.right() + 3));
-    qint64 next = std::max(from, frameUnderMouse(band.left() - 2));
+    frame = frames.lower_bound(std::max(from, frameUnderMouse(band.left() - 2)));
+    int nearSteps = 8; // 0 after the first pixel with more frames than that
     int left = 0;
     int right = std::numeric_limits<int>::min() / 2;
-    while (next <= last) {
-        frame = frames.lower_bound(static_cast<int>(next));
-        if (frame == frames.end() || *frame > last)
-            break;
+    while (frame != frames.end() && *frame <= last) {
         const int x = valueToMouse(*frame);
         if (x > right + 2) {
             mark(left, right + 1);
             left = x - 1;
         }
         right = x;
-        next = firstFrameBehind(x);
+        const qint64 next = firstFrameAfter(x);
+        if (next > last)
+            break;
+        // A search of the set costs as much as several steps in it.
+        for (int steps = 0; steps < nearSteps && frame != frames.end() && *frame < next; ++steps)
+            ++frame;
+        if (frame == frames.end() || *frame >= next)
+            continue;
+        nearSteps = 0;
+        // If the pixel after the next has a frame, there is no gap, and the next one need not be searched
+        // for.
+        frame = frames.lower_bound(Rounding::frame(firstFrameAfter(x + 1)));
+        if (frame == frames.end() || valueToMouse(*frame) != x + 2)
+            frame = frames.lower_bound(static_cast<int>(next));
     }
     mark(left, right + 1);
 }
 
-qint64 FrameSlider::firstFrameBehind(int x) const
+// The first frame whose pixel is to the right of @p x.
+qint64 FrameSlider::firstFrameAfter(int x) const
 {
     auto frame = static_cast<qint64>(std::ceil(mouseToValue(x + 1)));
     while (valueToMouse(static_cast<double>(frame)) <= x)

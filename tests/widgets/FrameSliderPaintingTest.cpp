@@ -122,6 +122,22 @@ private slots:
         QCOMPARE(slider.runs(20, Cached), QStringLiteral("10-10"));
         slider.range(INT_MIN, INT_MAX);
         QCOMPARE(slider.runs(20, Cached), QStringLiteral("10-10 508-510 1009-1009"));
+
+        std::set<int> crowd; // more frames than pixels, with gaps of all lengths
+        for (int i = 0, frame = INT_MAX - 10000; frame <= INT_MAX - 100; ++i, frame += i % 50 ? 1 : i % 97)
+            crowd.insert(frame);
+        for (int i = 0; i < 100; ++i)
+            crowd.insert(INT_MAX - i);
+        slider.setCacheFrames(crowd);
+        for (const int length : {2000, 10000, INT_MAX}) {
+            slider.range(INT_MAX - length, INT_MAX);
+            std::set<int> covered;
+            for (const int frame : crowd)
+                covered.merge(std::set{slider.valueToMouse(frame) - 1, slider.valueToMouse(frame)});
+            const QImage image = slider.grab().toImage();
+            for (int x = 10; x < 1010; ++x)
+                QCOMPARE(image.pixelColor(x, 20) == Cached, covered.count(x) > 0);
+        }
     }
 
     void leavesNoHoverMarkBehind()
