@@ -8,6 +8,8 @@
 namespace {
 
 constexpr int Height = 31;
+constexpr int UsualWidth = 300;
+constexpr int LeastWidth = 60; // leaves a scale of 40 pixels
 
 } // namespace
 
@@ -17,7 +19,13 @@ FrameSlider::FrameSlider(bool showGlobalKeys, QWidget* parent)
 {
     setMinimumHeight(Height);
     setMaximumHeight(Height);
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     setMouseTracking(true);
+    setToolTip(tr("Drag: move the play head\n"
+                  "Ctrl+drag: move the in or the out point\n"
+                  "Alt+drag: pan\n"
+                  "Right drag: zoom into a range; right click: reset the view\n"
+                  "Alt+right drag, wheel: zoom"));
     setContextMenuPolicy(Qt::PreventContextMenu);
     initAccessibility();
 }
@@ -116,7 +124,7 @@ void FrameSlider::setKeepInOut(bool keep)
 
 void FrameSlider::setMargin(int pixels)
 {
-    m_margin = pixels;
+    m_margin = std::clamp(pixels, 0, QWIDGETSIZE_MAX);
     update();
 }
 
@@ -124,6 +132,16 @@ void FrameSlider::setCacheFrames(const std::set<int>& frames)
 {
     cacheFrames = frames;
     update();
+}
+
+QSize FrameSlider::sizeHint() const
+{
+    return {UsualWidth, Height};
+}
+
+QSize FrameSlider::minimumSizeHint() const
+{
+    return {LeastWidth, Height};
 }
 
 // Frames are carried in double: a view of the whole range of frames and its product with the width are exact

@@ -6,6 +6,7 @@
 #include <set>
 
 class QPainter;
+struct ScaleNumber;
 
 /// A frame number; the whole 32-bit range is usable.
 using FrameNumber = qint32;
@@ -31,7 +32,8 @@ using FrameNumber = qint32;
 /// All frames are whole numbers. "The view" is what is visible, "the play range" lies from the in to the out
 /// point, "the frame range" is all that there is. What a host sets emits nothing; signals tell what the user
 /// did. A slot of any of them may delete the slider. The drag in progress is kept once for all sliders, as
-/// are the colours and the key frames. GUI thread only; 31 pixels high.
+/// are the colours and the key frames. A disabled slider is drawn in its palette's text colour. The tooltip
+/// tells what the mouse does. GUI thread only; 31 pixels high, and as wide as its layout allows.
 class HVCOREUI_EXPORT FrameSlider : public QWidget
 {
     Q_OBJECT
@@ -82,7 +84,7 @@ public:
     void setHideInOut(bool hide);
     /// Keeps the play range when the frame range changes (default: off), see set_frame_range().
     void setKeepInOut(bool keep);
-    /// Moves the scale to the right by @p pixels (default: 0).
+    /// Moves the scale to the right by @p pixels (default: 0); a negative number counts as 0.
     void setMargin(int pixels);
     /// Marks frames as cached, in the lower row of marks; replaces what was set before.
     void setCacheFrames(const std::set<int>& frames);
@@ -96,12 +98,15 @@ public:
     /// the end of the scale; frames before the view count as its first.
     int valuePlusOneToMouse(double v) const;
 
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
+
     /// For hosts that keep the state of a slider elsewhere; both do nothing.
     void load_from_knobs() {}
     void store_to_knobs() {}
 
     /// The colours are packed as rgb0toQColor() reads them and show at the next paint of each slider.
-    /// Black by default.
+    /// 0 by default, which is black, and the palette's text colour on a dark background.
     static void SetHeadColour(quint32 colour) { _headColour = colour; }
     /// 0xd3431dff by default.
     static void SetInOutColour(quint32 colour) { _inOutColour = colour; }
@@ -183,6 +188,9 @@ private:
     void zoomAbout(double frame, int steps);
     void moveInPoint(int x);
     void moveOutPoint(int x);
+    QFont numberFont() const;
+    ScaleNumber numberAbove(FrameNumber frame, int x) const;
+    int hoverReach(FrameNumber frame) const;
     int hoverMark() const;
     void hover(int x);
     void takeMouse(DragMode mode);

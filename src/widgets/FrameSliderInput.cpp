@@ -225,10 +225,9 @@ void FrameSlider::hover(int x)
     const bool entered = dragMode == DragMode::Idle;
     const int hovered = valueToMouse(nearestFrame(x));
     const int previous = entered ? hovered : hoverMark();
-    const bool moved = entered || hovered != hoverX;
     takeMouse(DragMode::Hovering);
-    hoverX = hovered;
-    if (moved)
+    hoverHalfWidth = std::max(hoverHalfWidth, hoverReach(nearestFrame(x)));
+    if (std::exchange(hoverX, hovered) != hovered || entered)
         updateBand(std::min(previous, hovered), std::max(previous, hovered));
 }
 

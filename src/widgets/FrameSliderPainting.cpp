@@ -17,6 +17,7 @@ using Halvern::UI::rgb0toQColor;
 namespace {
 
 constexpr int FontSize = 9;
+constexpr int MidGrey = 128;
 constexpr int TickBottom = 16;
 constexpr int NumberRow = 7; // the baseline of the numbers above the head and the marks
 constexpr int KeyRow = 17;
@@ -24,6 +25,12 @@ constexpr int CacheRow = 20;
 constexpr int BandReach = 16; // how far a mark can stand outside what is repainted and still show in it
 constexpr qint64 WideHalfStep = 11;
 constexpr qint64 WideMinorStep = 31;
+
+// Whether a mark at a pixel shows in a slider of that width.
+bool reaches(int x, int width)
+{
+    return x >= -BandReach && x < width + BandReach;
+}
 
 } // namespace
 
@@ -45,13 +52,13 @@ public:
 
 private:
     bool inBand(int x) const { return x >= m_bandLeft && x <= m_bandRight; }
-    bool inWidget(int x) const { return x >= -BandReach && x < m_width + BandReach; }
+    QColor colourOf(quint32 packed) const;
     QColor headColour(FrameNumber frame) const;
     int widthOf(qint64 frame) const { return m_metrics.horizontalAdvance(QString::number(frame)); }
     void drawNumber(const ScaleNumber& number, int baseline);
-    int drawCentred(qint64 frame, int x);
+    void drawAbove(FrameNumber frame, int x);
     void drawTriangle(std::initializer_list<QPointF> corners, const QColor& colour);
-    int drawHeadAt(FrameNumber frame, int x, const QColor& colour);
+    void drawHeadAt(FrameNumber frame, int x, const QColor& colour);
     void drawMark(int frame, int x, std::initializer_list<QPointF> corners);
     void addTick(int x, int top, int bottom);
     int tickTop(qint64 frame, const TickSpacing& spacing) const;
@@ -70,18 +77,19 @@ private:
 FrameSlider::Painting::Painting(FrameSlider& owner, const QRect& painted)
     : m_slider(owner)
     , m_painter(&owner)
-    , m_metrics(m_painter.font())
+    , m_metrics(owner.numberFont(), &owner)
     , m_width(owner.width())
     , m_height(owner.height())
     , m_bandLeft(painted.left() - BandReach)
     , m_bandRight(painted.right() + BandReach)
 {
-    QFont font = m_painter.font();
-    font.setPixelSize(FontSize);
-    font.setStyleStrategy(QFont::PreferDefault);
-    m_painter.setFont(font);
-    m_metrics = m_painter.fontMetrics();
+    m_painter.setFont(owner.numberFont());
     m_painter.setClipRect(painted);
+    // Palettes of hosts often give disabled text the colour of all text.
+    const QPalette& palette = owner.palette();
+    const QColor faint = palette.color(QPalette::Disabled, QPalette::Text);
+    if (!owner.isEnabled() && faint == palette.color(QPalette::Active, QPalette::Text))
+        m_painter.setOpacity(0.5);
 }
 
 void FrameSlider::Painting::drawRows()
@@ -143,12 +151,9 @@ void FrameSlider::Painting::drawNumber(const ScaleNumber& number, int baseline)
         m_painter.drawText(number.left, baseline, QString::number(number.frame));
 }
 
-// A number above the scale. Returns its m_width.
-int FrameSlider::Painting::drawCentred(qint64 frame, int x)
+void FrameSlider::Painting::drawAbove(FrameNumber frame, int x)
 {
-    const int wide = widthOf(frame);
-    drawNumber({frame, x - wide / 2, x - wide / 2 + wide}, NumberRow);
-    return wide;
+    drawNumber(m_slider.numberAbove(frame, x), NumberRow);
 }
 
 // Which numbers there is room for is settled over the whole view, so that a band that is repainted alone
@@ -171,7 +176,7 @@ void FrameSlider::Painting::drawKeys()
 {
     m_slider.prepareKeys();
     const auto draw = [&](int row, quint32 colour, const std::set<int>& frames) {
-        m_slider.drawKeyframes(m_slider.m_viewStart, m_slider.m_viewEnd, row, m_painter, rgb0toQColor(colour),
+        m_slider.drawKeyframes(m_slider.m_viewStart, m_slider.m_viewEnd, row, m_painter, colourOf(colour),
                                frames);
     };
     draw(CacheRow, _cacheframeColour, m_slider.cacheFrames);
@@ -179,9 +184,18 @@ void FrameSlider::Painting::drawKeys()
         draw(KeyRow, _keyframeColour, _keys);
 }
 
+QColor FrameSlider::Painting::colourOf(quint32 packed) const
+{
+    return m_slider.isEnabled() ? rgb0toQColor(packed) : m_slider.palette().color(QPalette::Text);
+}
+
 QColor FrameSlider::Painting::headColour(FrameNumber frame) const
 {
-    return rgb0toQColor(_keys.count(frame) > 0 ? _keyframeColour : _headColour);
+    if (_keys.count(frame) > 0)
+        return colourOf(_keyframeColour);
+    const QPalette& palette = m_slider.palette();
+    const bool dark = qGray(palette.color(m_slider.backgroundRole()).rgb()) < MidGrey;
+    return _headColour == 0 && dark ? palette.color(QPalette::Text) : colourOf(_headColour);
 }
 
 void FrameSlider::Painting::drawTriangle(std::initializer_list<QPointF> corners, const QColor& colour)
@@ -194,13 +208,12 @@ void FrameSlider::Painting::drawTriangle(std::initializer_list<QPointF> corners,
     m_painter.setRenderHint(QPainter::Antialiasing, false);
 }
 
-// Returns the m_width of the number.
-int FrameSlider::Painting::drawHeadAt(FrameNumber frame, int x, const QColor& colour)
+void FrameSlider::Painting::drawHeadAt(FrameNumber frame, int x, const QColor& colour)
 {
     if (inBand(x))
         drawTriangle({QPointF(x - 6, 8), QPointF(x + 7, 8), QPointF(x + 0.5, 15)}, colour);
     m_painter.setPen(colour);
-    return drawCentred(frame, x + 1);
+    drawAbove(frame, x + 1);
 }
 
 void FrameSlider::Painting::drawHead()
@@ -222,12 +235,12 @@ void FrameSlider::Painting::drawInOut()
 
 void FrameSlider::Painting::drawMark(int frame, int x, std::initializer_list<QPointF> corners)
 {
-    const QColor colour = rgb0toQColor(_inOutColour);
+    const QColor colour = colourOf(_inOutColour);
     if (inBand(x))
         drawTriangle(corners, colour);
     m_painter.setPen(colour);
-    if (inWidget(x) && frame != m_slider.m_value)
-        drawCentred(frame, x);
+    if (reaches(x, m_width) && frame != m_slider.m_value)
+        drawAbove(frame, x);
 }
 
 void FrameSlider::Painting::drawSelection()
@@ -251,8 +264,8 @@ void FrameSlider::Painting::drawHover()
         return;
     QColor colour = headColour(frame);
     colour.setAlphaF(0.5);
-    const int half = drawHeadAt(frame, m_slider.valueToMouse(frame), colour) / 2;
-    hoverHalfWidth = half < 7 ? 9 : half + 2;
+    drawHeadAt(frame, m_slider.valueToMouse(frame), colour);
+    hoverHalfWidth = m_slider.hoverReach(frame);
 }
 
 void FrameSlider::Painting::shadeOutside()
@@ -277,12 +290,39 @@ void FrameSlider::Painting::drawFocus()
     m_slider.style()->drawPrimitive(QStyle::PE_FrameFocusRect, &option, &m_painter, &m_slider);
 }
 
+QFont FrameSlider::numberFont() const
+{
+    QFont numbers = font();
+    numbers.setPixelSize(FontSize);
+    numbers.setStyleStrategy(QFont::PreferDefault);
+    return numbers;
+}
+
+// A number above the scale, centred on a pixel. At the edges of the slider it stays inside.
+ScaleNumber FrameSlider::numberAbove(FrameNumber frame, int x) const
+{
+    const int wide = QFontMetrics(numberFont(), this).horizontalAdvance(QString::number(frame));
+    int left = x - wide / 2;
+    if (reaches(x, width()))
+        left = std::clamp(left, 0, std::max(width() - wide, 0));
+    return {frame, left, left + wide};
+}
+
+// Half the width of the band around the mark of a frame that holds the mark and its number.
+int FrameSlider::hoverReach(FrameNumber frame) const
+{
+    constexpr int MarkReach = 7;
+    const int x = valueToMouse(frame);
+    const ScaleNumber number = numberAbove(frame, x + 1);
+    return std::max({x + 1 - number.left, number.right - x - 2, MarkReach}) + 2;
+}
+
 void FrameSlider::paintEvent(QPaintEvent* event)
 {
-    if (width() <= 2 * EndMargin)
-        return;
     Painting painting(*this, event->rect());
     painting.drawRows();
+    if (width() <= 2 * (EndMargin + m_margin))
+        return;
     painting.drawScale();
     painting.drawKeys();
     painting.drawHead();

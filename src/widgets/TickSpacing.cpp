@@ -38,30 +38,33 @@ QVector<ScaleNumber> scaleNumbers(const TickSpacing& spacing, int width, int vie
                                   const std::function<int(qint64)>& widthOf)
 {
     QVector<ScaleNumber> numbers;
-    const auto centred = [&](qint64 frame, int x) {
-        const int wide = widthOf(frame);
-        return ScaleNumber{frame, x - wide / 2, x - wide / 2 + wide};
-    };
+    const auto at = [&](qint64 frame, int left) { return ScaleNumber{frame, left, left + widthOf(frame)}; };
+    const auto centred = [&](qint64 frame, int x) { return at(frame, x - widthOf(frame) / 2); };
     ScaleNumber last = centred(viewEnd, endX);
     if (last.right > width)
-        last = {viewEnd, endX - BesideTick - (last.right - last.left), endX - BesideTick};
+        last = at(viewEnd, endX - BesideTick - widthOf(viewEnd));
+    int occupied = startX; // up to here nothing may stand
     if (viewStart <= viewEnd) {
         ScaleNumber first = centred(viewStart, startX);
         if (first.left < 0)
-            first = {viewStart, startX + 1 + BesideTick,
-                     startX + 1 + BesideTick + (first.right - first.left)};
-        numbers.append(first);
+            first = at(viewStart, startX + 1 + BesideTick);
+        if (first.right < endX) {
+            numbers.append(first);
+            occupied = first.right;
+        }
         for (qint64 f = floorToMultiple(viewStart, spacing.labelStep) + spacing.labelStep; f < viewEnd;
              f += spacing.labelStep) {
             const int x = pixelOf(f);
             const ScaleNumber number = centred(f, x);
             const int wide = number.right - number.left;
             const bool crowdsEnds = x <= wide + EndMargin || x >= width - EndMargin - 2 * wide;
-            if (!crowdsEnds && number.left > numbers.last().right && number.right < last.left)
+            if (!crowdsEnds && number.left > occupied && number.right < last.left) {
                 numbers.append(number);
+                occupied = number.right;
+            }
         }
     }
-    if (numbers.isEmpty() || last.left > numbers.last().right)
+    if (last.left > occupied)
         numbers.append(last);
     return numbers;
 }

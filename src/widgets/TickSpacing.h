@@ -35,11 +35,11 @@ struct ScaleNumber
 };
 
 /// The numbers of a scale, from left to right: those of the first and the last frame in view, whose ticks are
-/// at
-/// @p startX and @p endX, and between them those of the frames at the label spacing.
+/// at @p startX and @p endX, and between them those of the frames at the label spacing.
 ///
 /// A number is centred on its tick. One that would touch its neighbour is left out, the last one too. The
-/// numbers of the two ends stand inside, beside their tick, if they are too wide for the margins.
+/// numbers of the two ends stand inside, beside their tick, if they are too wide for the margins, and are
+/// left out if the tick of the other end would cross them.
 /// @p pixelOf gives the pixel of a frame, @p widthOf the width of its number in pixels; @p width is that of
 /// the slider. A view that ends before it starts has its last number only.
 QVector<ScaleNumber> scaleNumbers(const TickSpacing& spacing, int width, int viewStart, int viewEnd,

@@ -34,6 +34,27 @@ public:
 
     QRect painted; // since it was last emptied
 
+    void hover(int x)
+    {
+        QMouseEvent move(QEvent::MouseMove, QPointF(x, 5), Qt::NoButton, {}, {});
+        QApplication::sendEvent(this, &move);
+    }
+
+    /// The columns from the first to the last with the colour of the head, in front of white, in the numbers.
+    QRect headNumber()
+    {
+        const QImage image = grab().toImage();
+        QRect found;
+        for (int x = 0; x < width(); ++x) {
+            for (int y = 0; y < 8; ++y) {
+                const QColor colour = image.pixelColor(x, y);
+                if (colour.red() < 230 && colour.red() == colour.blue())
+                    found |= QRect(x, 0, 1, 8);
+            }
+        }
+        return found;
+    }
+
     /// "10-14 30-31": where a row has the colour.
     QString runs(int row, const QColor& colour)
     {
@@ -85,15 +106,17 @@ private slots:
                     const auto numbers =
                         scaleNumbers(TickSpacing(width, start, slider.viewEnd()), width, start,
                                      slider.viewEnd(), EndMargin, width - EndMargin, pixelOf, widthOf);
-                    QVERIFY(!numbers.empty() && (width < 400 || numbers.size() >= 2));
+                    QVERIFY(width < 130 || numbers.size() >= (width < 400 ? 1 : 2));
                     int end = -1; // both ends are inside the slider
                     for (const ScaleNumber& number : numbers) {
                         QVERIFY(number.left > end && number.right - number.left == widthOf(number.frame));
                         end = number.right;
                     }
-                    QVERIFY(end <= width || width == 60); // wider than that slider
-                    // The tick does not strike a number through that the margin cannot hold.
-                    QVERIFY(numbers[0].left >= 0 && (widthOf(start) <= 20 || numbers[0].left > EndMargin));
+                    QVERIFY(end <= width);
+                    // No tick of an end strikes a number through that the margin cannot hold.
+                    for (const ScaleNumber& number : numbers)
+                        QVERIFY(widthOf(number.frame) <= 20 ||
+                                (number.left > EndMargin && number.right < width - EndMargin));
                 }
             }
         }
@@ -147,8 +170,7 @@ private slots:
         QVERIFY(QTest::qWaitForWindowExposed(&slider));
         for (const QEvent::Type end : {QEvent::Leave, QEvent::MouseMove}) {
             slider.range(0, 100);
-            QMouseEvent move(QEvent::MouseMove, {300, 5}, Qt::NoButton, {}, {});
-            QApplication::sendEvent(&slider, &move);
+            slider.hover(300);
             slider.range(25, 33); // the pixel 300 is a third of the way from frame 27 to 28
             slider.repaint();
             slider.painted = {};
@@ -156,6 +178,80 @@ private slots:
             QApplication::sendEvent(&slider, &away);
             QTRY_VERIFY(slider.painted.contains({slider.valueToMouse(27) - 6, 0, 13, 31}));
         }
+    }
+
+    void showsTheHoveredNumberWhole()
+    {
+        Slider other(600, 0, 100);
+        other.setValue(50);
+        const QImage alone = other.grab().toImage();
+        for (const int width : {300, 900}) {
+            Slider slider(width, 89001, 89772);
+            slider.show();
+            QVERIFY(QTest::qWaitForWindowExposed(&slider));
+            slider.hover(width / 2);
+            const int whole = slider.headNumber().width();
+            QVERIFY(whole > 20);
+            for (const int x : {0, 10, width / 3, width - 10, width - 1}) {
+                slider.repaint();
+                slider.painted = {};
+                slider.hover(x);
+                QTRY_VERIFY(!slider.painted.isNull());
+                const QRect number = slider.headNumber();
+                QVERIFY(number.width() >= whole - 2 && slider.painted.contains(number));
+            }
+            slider.setValue(-1000000000);
+            slider.range(1, 1000 * width); // from a number of one digit to one of six
+            slider.hover(10);
+            slider.repaint();
+            slider.hover(width / 2);
+            slider.painted = {};
+            QTRY_VERIFY(!slider.painted.isNull());
+            QVERIFY(slider.painted.contains(slider.headNumber()));
+            QCOMPARE(other.grab().toImage(), alone);
+        }
+    }
+
+    void keepsInsideItsMargins()
+    {
+        Slider slider(220, 3, 17);
+        slider.setMargin(-5);
+        QCOMPARE(slider.valueToMouse(3), 10);
+        slider.setMargin(INT_MAX);
+        slider.grab();
+        for (const int width : {20, 60}) {
+            slider.resize(width, 31);
+            slider.setMargin(width / 2 - 10);
+            for (const int row : {0, 9, 15, 18, 23})
+                QCOMPARE(slider.runs(row, Qt::white), QStringLiteral("0-%1").arg(width - 1));
+            QCOMPARE(slider.runs(19, Ink), QStringLiteral("0-%1").arg(width - 1));
+        }
+    }
+
+    void followsThePalette()
+    {
+        Slider slider(220);
+        slider.setHideInOut(false);
+        slider.setCacheFrames({40, 41, 42});
+        slider.setValue(50);
+        const auto head = [&] { return slider.grab().toImage().pixelColor(slider.valueToMouse(50) + 2, 10); };
+        QCOMPARE(head(), QColor(Qt::black));
+        QPalette dark(QColor(53, 53, 53), QColor(53, 53, 53));
+        dark.setColor(QPalette::Text, Qt::yellow);
+        slider.setPalette(dark);
+        QCOMPARE(head(), QColor(Qt::yellow));
+        FrameSlider::SetHeadColour(0x00ff0000);
+        QCOMPARE(head(), QColor(Qt::green));
+        slider.setEnabled(false);
+        QVERIFY(head().red() < 200); // faint, of a palette that has yellow for disabled text too
+        dark.setColor(QPalette::Disabled, QPalette::Text, QColor(90, 90, 90));
+        slider.setPalette(dark);
+        const QImage image = slider.grab().toImage();
+        FrameSlider::SetHeadColour(0);
+        QCOMPARE(head(), QColor(90, 90, 90));
+        for (int x = 0; x < image.width(); ++x)
+            for (int y = 0; y < image.height(); ++y)
+                QCOMPARE(image.pixelColor(x, y).saturation(), 0);
     }
 
     // Without the numbers: clipped letters differ a little from whole ones.

@@ -3,6 +3,8 @@
 
 #include <QAccessible>
 #include <QDialog>
+#include <QHBoxLayout>
+#include <QLabel>
 #include <QMenu>
 #include <QPointer>
 #include <climits>
@@ -70,6 +72,24 @@ private slots:
         keeping.range(0, 5);
         QVERIFY(keeping.set_frame_range(1, 600));
         QCOMPARE(keeping.state(), QStringLiteral("0 0:5 10:100"));
+    }
+
+    void takesTheWidthThatThereIs()
+    {
+        QWidget window;
+        QHBoxLayout layout(&window);
+        Slider slider;
+        QLabel label(QString(200, QLatin1Char('m')));
+        layout.addWidget(&label);
+        layout.addWidget(&slider);
+        window.show();
+        window.resize(window.minimumSizeHint());
+        QVERIFY(slider.width() > 0 && slider.height() == 31);
+        const int least = slider.width();
+        window.resize(window.width() + 500, 100);
+        QTRY_COMPARE(slider.width(), least + 500);
+        for (const char* word : {"Ctrl", "Alt", "ight"})
+            QVERIFY(slider.toolTip().contains(QLatin1String(word)));
     }
 
     void mapsFramesToPixels()
