@@ -5,17 +5,18 @@
 #include "dialog/FileDialog.h"
 #include "dialog/FilePreview.h"
 #include "widgets/FrameSlider.h"
-#include "widgets/PackedColour.h"
 
 #include <QApplication>
 #include <QComboBox>
 #include <QElapsedTimer>
 #include <QLineEdit>
+#include <QMouseEvent>
 #include <QPalette>
 #include <QPushButton>
 #include <QStyleFactory>
 #include <QTemporaryDir>
 #include <QTreeView>
+#include <QVBoxLayout>
 #include <cstdio>
 
 using Halvern::UI::FileBrowser;
@@ -144,7 +145,6 @@ bool pictureVariant(const QDir& directory, const QString& file)
     selectRow(dialog, QStringLiteral("plate"));
     dialog.findChild<QPushButton*>(QStringLiteral("nextButton"))->click();
     selectRow(dialog, QStringLiteral("shot_010"));
-    preview->updateRange(1, 100);
     auto* slider = preview->findChild<FrameSlider*>();
     slider->setValue(40);
     slider->setCacheFrames({38, 39, 40, 41, 42});
@@ -154,8 +154,7 @@ bool pictureVariant(const QDir& directory, const QString& file)
     return picture(dialog, file);
 }
 
-// What a host with a dark surface sets.
-void darken()
+QPalette darkPalette()
 {
     QPalette palette;
     const QColor window(53, 53, 53);
@@ -175,10 +174,52 @@ void darken()
     palette.setColor(QPalette::PlaceholderText, faint);
     palette.setColor(QPalette::Highlight, QColor(42, 110, 180));
     palette.setColor(QPalette::HighlightedText, Qt::white);
-    QApplication::setPalette(palette);
+    return palette;
+}
+
+// What a host with a dark surface sets.
+void darken()
+{
+    QApplication::setPalette(darkPalette());
     FileBrowser::SetHighlightColor(QColor(70, 70, 70));
     FileBrowser::SetQueuedColor(QColor(130, 70, 30));
-    FrameSlider::SetHeadColour(Halvern::UI::QColorToRgb0(text));
+}
+
+// Sliders on a light and on a dark surface: of four digits, of five with the mouse near the end, and
+// disabled.
+bool pictureSliders(const QString& file)
+{
+    QWidget window;
+    QVBoxLayout layout(&window);
+    layout.setContentsMargins({});
+    for (const QPalette& palette : {QPalette(), darkPalette()}) {
+        auto* surface = new QWidget(&window);
+        surface->setAutoFillBackground(true);
+        surface->setPalette(palette);
+        layout.addWidget(surface);
+        auto* rows = new QVBoxLayout(surface);
+        for (const auto& [first, last, enabled] :
+             {std::tuple(1001, 1200, true), {89001, 89772, true}, {1001, 1200, false}}) {
+            auto* slider = new FrameSlider(true, surface);
+            rows->addWidget(slider);
+            slider->set_frame_range(first, last);
+            slider->setinout(first + (last - first) / 4, last - (last - first) / 4);
+            slider->setValue((first + last) / 2);
+            slider->setCacheFrames({first, first + 1, first + 2, first + 3, first + 4, first + 5});
+            slider->setEnabled(enabled);
+        }
+    }
+    window.resize(600, window.sizeHint().height());
+    window.show();
+    settle();
+    for (FrameSlider* slider : window.findChildren<FrameSlider*>()) {
+        if (slider->frameFirst() != 89001)
+            continue;
+        const QPoint nearEnd(slider->valueToMouse(89771), 5);
+        QMouseEvent move(QEvent::MouseMove, nearEnd, Qt::NoButton, {}, {});
+        QApplication::sendEvent(slider, &move);
+    }
+    return picture(window, file);
 }
 
 } // namespace
@@ -207,6 +248,7 @@ int main(int argc, char** argv)
                                                                                                        : 1;
     }
     const bool taken = pictureBrowser(directory, folder) && pictureDialogs(directory, folder) &&
-                       pictureEmptyLists(directory, folder);
+                       pictureEmptyLists(directory, folder) &&
+                       pictureSliders(folder + QStringLiteral("/slider.png"));
     return taken ? 0 : 1;
 }
