@@ -282,6 +282,37 @@ private slots:
         }
     }
 
+    // Its rows may be its own: it frees them when it is asked again, and has the list painted.
+    void evaluatorMayFreeItsRows()
+    {
+        struct Owner : FileSequenceEvaluator
+        {
+            std::vector<FileInfo*> evaluateFiles(std::vector<FileInfo*> /*files*/) override
+            {
+                rows.clear();
+                if (browser)
+                    browser->grab();
+                rows.push_back(std::make_unique<FileInfo>("own", false));
+                return {rows.back().get()};
+            }
+            std::vector<std::unique_ptr<FileInfo>> rows;
+            FileBrowser* browser = nullptr;
+        };
+        const QTemporaryDir folder;
+        QVERIFY(SampleFiles::make(folder.path(), {"a"}));
+        Owner owner;
+        BrowserWindow window(folder.path());
+        QTRY_COMPARE(window.rows(), QStringList("a"));
+        window.browser.setFileSequenceEvaluator(&owner);
+        window.list()->setCurrentIndex(window.proxy()->index(0, 0));
+        owner.browser = &window.browser;
+        window.browser.setFileSequenceEvaluator(&owner);
+        QCOMPARE(window.rows(), QStringList("own"));
+        QVERIFY(window.list()->selectionModel()->isRowSelected(0, QModelIndex()));
+        window.browser.setFileSequenceEvaluator(nullptr);
+        QCOMPARE(window.rows(), QStringList("a"));
+    }
+
     void oddNamesAreShown()
     {
         const QTemporaryDir folder;

@@ -103,6 +103,9 @@ private slots:
             QVERIFY(!button(dialog, name).isEnabled());
         QTest::keyClick(dialog.findChild<FilePathEdit*>(), Qt::Key_Return);
         QVERIFY(dialog.isVisible());
+        // Rows that are built in mid-read are those of some names only.
+        dialog.setSequencesEnabled(false);
+        QVERIFY(!button(dialog, "nextButton").isEnabled());
         QTRY_COMPARE(dialog.selectedFiles(), (QStringList{path("a"), path("c")}));
         QCOMPARE(list.currentIndex().data().toString(), QStringLiteral("c"));
         QVERIFY(button(dialog, "openButton").isEnabled());
