@@ -182,7 +182,8 @@ std::map<int, FileInfo*> FileInfo::takeMembers()
 
 void FileInfo::clearSequenceList()
 {
-    takeMembers();
+    m_sequenceFiles.clear();
+    m_sequenceFileCount = 0;
 }
 
 void FileInfo::synchSequenceData()

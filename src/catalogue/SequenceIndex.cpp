@@ -78,7 +78,7 @@ void SequenceIndex::group(std::size_t index, bool everyMemberSetsWidth)
     Group& found = present->second;
     if (found.waiting.empty())
         m_groups.grown.push_back(&found);
-    found.waiting.push_back({frame, index, file.entry});
+    found.waiting.push_back({frame, static_cast<unsigned>(index), file.entry});
     found.inOrder = false;
     if (found.entry->isSequence())
         file.sequence = found.entry;

@@ -79,7 +79,7 @@ private:
     struct Member
     {
         int frame;
-        std::size_t index; // in m_files
+        unsigned index; // in m_files
         FileInfo* file;
     };
     struct Group
