@@ -125,7 +125,7 @@ private slots:
         const std::string path = folder.path().toStdString();
         FileManager manager;
         const auto count = [&manager] { return entries(manager).size(); };
-        const auto all = std::size_t(Files + 5);
+        const std::size_t all = Files + 5;
         QVERIFY(manager.getFilesFromFolderSynchronously(path, false) && count() == all);
         // The entries of the same directory stay.
         for (const bool force : {false, true}) {
@@ -159,7 +159,7 @@ private slots:
         if (!failsAllocations)
             QSKIP("a sanitizer allocates");
         const std::string path = folder.path().toStdString();
-        const auto all = std::size_t(Files + 5);
+        const std::size_t all = Files + 5;
         for (const Fault fault : {FirstAllocation, WorkerAllocation}) {
             const bool inBackground = fault == WorkerAllocation;
             int incomplete = 0;

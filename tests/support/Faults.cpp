@@ -176,12 +176,14 @@ HOOK(int, closedir, (DIR* stream), hasDirectory = false; return next(stream);)
 const bool failsAllocations = false;
 #else
 const bool failsAllocations = true;
+// NOLINTBEGIN(bugprone-reserved-identifier): the C library's own
 extern "C" void* __libc_malloc(size_t);
 extern "C" void* __libc_realloc(void*, size_t);
 extern "C" void* __libc_memalign(size_t, size_t);
 extern "C" __attribute__((visibility("default"))) void* malloc(size_t size) { return allocationFails() ? nullptr : __libc_malloc(size); }
 extern "C" __attribute__((visibility("default"))) void* realloc(void* old, size_t size) { return allocationFails() ? nullptr : __libc_realloc(old, size); }
 extern "C" __attribute__((visibility("default"))) void* aligned_alloc(size_t alignment, size_t size) { return allocationFails() ? nullptr : __libc_memalign(alignment, size); }
+// NOLINTEND(bugprone-reserved-identifier)
 #endif
 // NOLINTEND(bugprone-macro-parentheses)
 // clang-format on
