@@ -13,6 +13,7 @@
 namespace {
 
 constexpr int KeyHeight = 2;
+constexpr int NearSteps = 8; // in a set take about as long as a search of it
 
 } // namespace
 
@@ -48,7 +49,7 @@ void FrameSlider::drawKeyframes(int from, int to, int row, QPainter& painter, co
     const QRect band = painter.hasClipping() ? painter.clipBoundingRect().toAlignedRect() : rect();
     const qint64 last = std::min(to, frameUnderMouse(band.right() + 3));
     frame = frames.lower_bound(std::max(from, frameUnderMouse(band.left() - 2)));
-    int nearSteps = 8; // 0 after the first pixel with more frames than that
+    bool crowded = false; // a pixel had more than NearSteps frames
     int left = 0;
     int right = std::numeric_limits<int>::min() / 2;
     while (frame != frames.end() && *frame <= last) {
@@ -58,20 +59,24 @@ void FrameSlider::drawKeyframes(int from, int to, int row, QPainter& painter, co
             left = x - 1;
         }
         right = x;
+        if (crowded) {
+            // If the pixel after the next has a frame, there is no gap, and the next one need not be
+            // searched.
+            const auto found = frames.lower_bound(Rounding::frame(firstFrameAfter(x + 1)));
+            if (found != frames.end() && valueToMouse(*found) == x + 2) {
+                frame = found;
+                continue;
+            }
+        }
         const qint64 next = firstFrameAfter(x);
         if (next > last)
             break;
-        // A search of the set costs as much as several steps in it.
-        for (int steps = 0; steps < nearSteps && frame != frames.end() && *frame < next; ++steps)
+        for (int steps = 0; steps < NearSteps && frame != frames.end() && *frame < next; ++steps)
             ++frame;
-        if (frame == frames.end() || *frame >= next)
-            continue;
-        nearSteps = 0;
-        // If the pixel after the next has a frame, there is no gap, and the next one need not be searched
-        // for.
-        frame = frames.lower_bound(Rounding::frame(firstFrameAfter(x + 1)));
-        if (frame == frames.end() || valueToMouse(*frame) != x + 2)
+        if (frame != frames.end() && *frame < next) {
+            crowded = true;
             frame = frames.lower_bound(static_cast<int>(next));
+        }
     }
     mark(left, right + 1);
 }
