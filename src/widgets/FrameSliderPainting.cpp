@@ -87,7 +87,7 @@ FrameSlider::Painting::Painting(FrameSlider& owner, const QRect& painted)
     m_painter.setClipRect(painted);
     // Palettes of hosts often give disabled text the colour of all text.
     const QPalette& palette = owner.palette();
-    const QColor faint = palette.color(QPalette::Disabled, QPalette::Text);
+    const QColor& faint = palette.color(QPalette::Disabled, QPalette::Text);
     if (!owner.isEnabled() && faint == palette.color(QPalette::Active, QPalette::Text))
         m_painter.setOpacity(0.5);
 }

@@ -45,7 +45,7 @@ public:
             browser->deleteLater();
         return files;
     }
-    QPointer<FileBrowser> browser;
+    FileBrowser* browser = nullptr; // it is asked no more once that is gone
     int asked = 0;
 };
 
