@@ -17,6 +17,16 @@ constexpr int LongestChannel = 255;
 constexpr int MostChannels = 128;
 constexpr int FarthestPixel = 1 << 28;
 
+QDataStream& operator<<(QDataStream& stream, const FileVersion& version)
+{
+    return stream << version.size << version.modified;
+}
+
+QDataStream& operator>>(QDataStream& stream, FileVersion& version)
+{
+    return stream >> version.size >> version.modified;
+}
+
 template <class Write>
 QByteArray framed(Write write)
 {
@@ -86,7 +96,7 @@ QByteArray hello()
 QByteArray frame(const Request& request)
 {
     return framed([&](QDataStream& stream) {
-        stream << request.id << request.path << request.width << request.height;
+        stream << request.id << request.path << request.width << request.height << request.known;
     });
 }
 
@@ -94,8 +104,8 @@ QByteArray frame(const Answer& answer)
 {
     return framed([&](QDataStream& stream) {
         const auto text = [](const QString& of) { return of.left(LongestName); };
-        stream << answer.id << text(answer.reason) << answer.fullSize << answer.dataWindow
-               << answer.pixelAspect;
+        stream << answer.id << answer.version << answer.isUnchanged << text(answer.reason) << answer.fullSize
+               << answer.dataWindow << answer.pixelAspect;
         writeList(stream, answer.channels);
         stream << text(answer.depth) << text(answer.compression) << text(answer.colourSpace)
                << text(answer.timeCode) << answer.frameRate << answer.size << answer.pixels;
@@ -114,7 +124,7 @@ std::optional<Request> readRequest(const QByteArray& payload)
 {
     Request request;
     const bool isWhole = readWhole(payload, [&](QDataStream& stream) {
-        stream >> request.id >> request.path >> request.width >> request.height;
+        stream >> request.id >> request.path >> request.width >> request.height >> request.known;
     });
     if (!isWhole || request.width > LongestSide || request.height > LongestSide)
         return {};
@@ -125,7 +135,8 @@ std::optional<Answer> readAnswer(const QByteArray& payload)
 {
     Answer answer;
     const bool isWhole = readWhole(payload, [&](QDataStream& stream) {
-        stream >> answer.id >> answer.reason >> answer.fullSize >> answer.dataWindow >> answer.pixelAspect;
+        stream >> answer.id >> answer.version >> answer.isUnchanged >> answer.reason >> answer.fullSize >>
+            answer.dataWindow >> answer.pixelAspect;
         answer.channels = readList(stream);
         stream >> answer.depth >> answer.compression >> answer.colourSpace >> answer.timeCode >>
             answer.frameRate >> answer.size >> answer.pixels;

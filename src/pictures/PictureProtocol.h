@@ -1,10 +1,8 @@
 #pragma once
 
+#include "pictures/Picture.h"
+
 #include <QByteArray>
-#include <QRect>
-#include <QSize>
-#include <QString>
-#include <QStringList>
 #include <optional>
 
 /// What an application and a program that reads pictures say to each other through the program's standard
@@ -29,26 +27,18 @@ struct Request
     QByteArray path;    ///< The bytes that the system knows the file by.
     quint32 width = 0;  ///< In pixels, at most LongestSide.
     quint32 height = 0; ///< If it or the width is 0, only the description of the picture is wanted.
+    FileVersion known;  ///< Of the picture that the application has. It is not read again if it is the same.
 };
 
-/// A picture and what its file says about it. Texts are empty if the file does not say.
-struct Answer
+/// A picture and what its file says about it.
+struct Answer : PictureDescription
 {
-    quint32 id = 0; ///< That of the request.
-    QString reason; ///< Why there is no picture, in words; empty if there is one.
-    QSize size;     ///< Of the pixels: fits the request's, with square pixels; never enlarged.
-    QByteArray
-        pixels; ///< Rows from the top, without padding, of four bytes: red, green, blue, alpha. Colours
-                ///< are ready to be shown, and multiplied by alpha (QImage::Format_RGBA8888_Premultiplied).
-    QSize fullSize;         ///< Of the file's display window, in its own pixels.
-    QRect dataWindow;       ///< Where the file has pixels, from the top left corner of the display window.
-    double pixelAspect = 1; ///< A pixel's width, divided by its height.
-    QStringList channels;   ///< "R", "G", "B", "A", "diffuse.R": in the order of the file.
-    QString depth;          ///< "8 bit", "10 bit", "half float", "float".
-    QString compression;    ///< "zip".
-    QString colourSpace;    ///< "sRGB", "linear", "Cineon log", or a name of the OCIO configuration.
-    QString timeCode;       ///< "01:02:03:04".
-    double frameRate = 0;   ///< Frames a second; 0 if the file does not say.
+    quint32 id = 0;           ///< That of the request.
+    FileVersion version;      ///< Of the file, looked up before it was read.
+    bool isUnchanged = false; ///< The file is the one that the request knows. The answer says nothing else.
+    QString reason;           ///< Why there is no picture, in words; empty if there is one.
+    QSize size;               ///< Of the pixels: fits the request's, with square pixels; never enlarged.
+    QByteArray pixels;        ///< Rows from the top, without padding, as in Picture::image.
 };
 
 /// Frames, with their length, ready to be sent.

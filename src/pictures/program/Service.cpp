@@ -28,6 +28,27 @@ static bool isWaiting(int input)
     return Base::uninterrupted([&] { return poll(&descriptor, 1, 0); }) > 0;
 }
 
+static FileVersion versionOf(const QByteArray& path)
+{
+    struct stat status = {};
+    if (Base::uninterrupted([&] { return stat(path.constData(), &status); }) != 0)
+        return {};
+    return {status.st_size, qint64(status.st_mtim.tv_sec) * 1000000000 + status.st_mtim.tv_nsec};
+}
+
+static Answer answerTo(const Request& request, const std::function<Answer(const Request& request)>& read)
+{
+    const FileVersion version = versionOf(request.path);
+    Answer answer;
+    if (version.isKnown() && version == request.known)
+        answer.isUnchanged = true;
+    else
+        answer = read(request);
+    answer.id = request.id;
+    answer.version = version;
+    return answer;
+}
+
 bool serve(int input, int output, const std::function<Answer(const Request& request)>& read)
 {
     if (!sendAll(output, hello()))
@@ -37,7 +58,7 @@ bool serve(int input, int output, const std::function<Answer(const Request& requ
     std::optional<Request> newest;
     for (;;) {
         if (newest && !isWaiting(input)) {
-            if (!sendAll(output, frame(read(*newest))))
+            if (!sendAll(output, frame(answerTo(*newest, read))))
                 return false;
             newest.reset();
         }

@@ -20,10 +20,5 @@ int main(int argc, char** argv)
     qputenv("QT_QPA_PLATFORM", "offscreen");
     const QGuiApplication application(argc, argv);
 
-    const auto read = [](const PictureProtocol::Request& request) {
-        PictureProtocol::Answer answer = readWithQt(request);
-        answer.id = request.id;
-        return answer;
-    };
-    return serve(STDIN_FILENO, output, read) ? 0 : 1;
+    return serve(STDIN_FILENO, output, readWithQt) ? 0 : 1;
 }
