@@ -32,7 +32,7 @@ FrameSlider::FrameSlider(bool showGlobalKeys, QWidget* parent)
 
 FrameSlider::~FrameSlider()
 {
-    if (dragged == this)
+    if (s_dragged == this)
         giveMouse();
 }
 
@@ -125,12 +125,6 @@ void FrameSlider::setKeepInOut(bool keep)
 void FrameSlider::setMargin(int pixels)
 {
     m_margin = std::clamp(pixels, 0, QWIDGETSIZE_MAX);
-    update();
-}
-
-void FrameSlider::setCacheFrames(const std::set<int>& frames)
-{
-    cacheFrames = frames;
     update();
 }
 

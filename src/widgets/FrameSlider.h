@@ -4,6 +4,7 @@
 
 #include <QWidget>
 #include <set>
+#include <vector>
 
 class QPainter;
 struct ScaleNumber;
@@ -115,7 +116,7 @@ public:
     /// 0x436043ff by default.
     static void SetCacheframeColour(quint32 colour) { _cacheframeColour = colour; }
     /// The key frames of all sliders, shown at the next paint of each; none by default.
-    static void SetKeys(const std::set<int>& keys) { _keys = keys; }
+    static void SetKeys(const std::set<int>& keys);
 
 signals:
     /// The user moved the head to @p value, or let go of it there.
@@ -131,19 +132,17 @@ signals:
     void scrubbingChanged(bool scrubbing);
 
 protected:
-    bool event(QEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
     void wheelEvent(QWheelEvent* event) override;
-    void enterEvent(QEvent* event) override;
     void leaveEvent(QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
 
     /// Called by each paint before the key rows are drawn, for subclasses that fill cacheFrames or _keys only
-    /// when they are needed. Does nothing here.
+    /// when they are needed. They do not call this one.
     virtual void prepareKeys();
 
     /// Draws the frames of @p frames that lie within @p from and @p to as marks two pixels high, the upper at
@@ -176,35 +175,29 @@ private:
 
     int frameUnderMouse(int x) const;
     int nearestFrame(int x) const;
-    qint64 firstFrameAfter(int x) const;
     DragMode modeOfPress(const QMouseEvent& event) const;
-    DragMode handleAt(int x) const;
-    void beginZoom();
-    void drag(int x, int y);
-    void scrub(int x);
-    void zoom(int x, int y);
-    void pan(int x);
-    void moveView(qint64 moved);
-    void zoomAbout(double frame, int steps);
-    void moveInPoint(int x);
-    void moveOutPoint(int x);
-    QFont numberFont() const;
-    ScaleNumber numberAbove(FrameNumber frame, int x) const;
-    int hoverReach(FrameNumber frame) const;
-    int hoverMark() const;
-    void hover(int x);
+    DragMode pointAt(int x) const;
     void takeMouse(DragMode mode);
     static DragMode giveMouse();
     void loseMouse();
-    void endSelection(int x, int y);
-    void updateBand(int left, int right);
+    void drag(QPoint mouse);
+    void zoom(QPoint mouse);
+    void movePoint(int frame);
+    void endSelection(QPoint mouse);
+    void hover(int x);
+    QRect hoverBand() const;
+    ScaleNumber numberAbove(FrameNumber frame, int x) const;
+    QFont numberFont() const;
+    void drawKeys(QPainter& painter, const QColor& cacheColour, const QColor& keyColour);
+    template <typename Frames>
+    void drawMarks(int from, int to, int row, QPainter& painter, const QColor& colour,
+                   const Frames& frames) const;
     void setView(qint64 start, qint64 end);
+    void pan(qint64 frames);
+    void zoomAbout(double frame, int steps);
+    void moveHead(qint64 frame);
     void initAccessibility();
     void announceValue();
-    void moveHead(qint64 frame);
-    bool editByKey(int key);
-    bool panByKey(int key);
-    bool setPointByKey(int in, int out);
 
     int m_frameFirst = 0;
     int m_frameLast = 0;
@@ -219,6 +212,10 @@ private:
     FrameNumber m_viewStart = 0;
     FrameNumber m_viewEnd = 100;
     FrameNumber m_value = 0;
+    // The frames of setCacheFrames() and SetKeys() once more: a search of a large std::set is slow.
+    std::vector<int> m_cacheList;
+    static inline std::vector<int> s_keyList;
+    bool m_setsAreAsSet = false; // by those two; a subclass that overrides prepareKeys() may change the sets
 
     static inline quint32 _headColour = 0;
     static inline quint32 _inOutColour = 0xd3431dff;
@@ -227,17 +224,13 @@ private:
 
     // One mouse drags one slider at a time.
     static inline DragMode dragMode = DragMode::Idle;
-    static inline FrameSlider* dragged = nullptr; // the slider of dragMode, null while idle
-    static inline int pressX = 0;
-    static inline int pressY = 0;
+    static inline FrameSlider* s_dragged = nullptr; // the slider of dragMode, null while idle
     static inline int hoverX = 0;
-    static inline int hoverHalfWidth = 17;
-    static inline FrameNumber selectAnchor = 0;
+    // What a press found: the pixel, its frame without and with its fraction, and the view.
+    static inline QPoint s_pressed;
+    static inline FrameNumber s_pressedFrame = 0;
+    static inline double s_pressedValue = 0;
+    static inline FrameNumber s_pressedStart = 0;
+    static inline FrameNumber s_pressedEnd = 0;
     static inline FrameNumber selectEnd = 0;
-    static inline FrameNumber panFrame = 0;
-    static inline double zoomAnchor = 0;
-    static inline FrameNumber zoomStartView = 0;
-    static inline FrameNumber zoomEndView = 0;
-    static inline int zoomPressX = 0;
-    static inline int zoomPressY = 0;
 };

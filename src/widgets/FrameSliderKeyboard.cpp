@@ -75,67 +75,46 @@ void FrameSlider::moveHead(qint64 frame)
 
 void FrameSlider::keyPressEvent(QKeyEvent* event)
 {
-    const Qt::KeyboardModifiers modifiers = event->modifiers() & ~(Qt::KeypadModifier | Qt::ShiftModifier);
-    const bool handled = modifiers == Qt::NoModifier ? editByKey(event->key())
-                                                     : modifiers == Qt::AltModifier && panByKey(event->key());
-    if (!handled)
-        QWidget::keyPressEvent(event);
-}
-
-bool FrameSlider::editByKey(int key)
-{
-    switch (key) {
+    constexpr int Alt = Qt::AltModifier;
+    const int modifiers = event->modifiers() & ~(Qt::KeypadModifier | Qt::ShiftModifier);
+    const qint64 tenth = std::max<qint64>((qint64(m_viewEnd) - m_viewStart) / StepsAcrossTheView, 1);
+    switch (event->key() | modifiers) {
     case Qt::Key_Left:
-        moveHead(qint64(m_value) - 1);
-        return true;
+        return moveHead(qint64(m_value) - 1);
     case Qt::Key_Right:
-        moveHead(qint64(m_value) + 1);
-        return true;
+        return moveHead(qint64(m_value) + 1);
     case Qt::Key_PageDown:
-        moveHead(qint64(m_value) - PageOfFrames);
-        return true;
+        return moveHead(qint64(m_value) - PageOfFrames);
     case Qt::Key_PageUp:
-        moveHead(qint64(m_value) + PageOfFrames);
-        return true;
+        return moveHead(qint64(m_value) + PageOfFrames);
     case Qt::Key_Home:
-        moveHead(m_hideInOut ? m_viewStart : first_frame());
-        return true;
+        return moveHead(m_hideInOut ? m_viewStart : first_frame());
     case Qt::Key_End:
-        moveHead(m_hideInOut ? m_viewEnd : last_frame());
-        return true;
+        return moveHead(m_hideInOut ? m_viewEnd : last_frame());
     case Qt::Key_Plus:
     case Qt::Key_Equal:
-        zoomAbout(m_value, -1);
-        return true;
+        return zoomAbout(m_value, -1);
     case Qt::Key_Minus:
-        zoomAbout(m_value, 1);
-        return true;
+        return zoomAbout(m_value, 1);
+    case Alt | Qt::Key_Left:
+        return pan(tenth);
+    case Alt | Qt::Key_Right:
+        return pan(-tenth);
     case Qt::Key_F:
         emit sliderRangeReset();
-        return true;
+        return;
     case Qt::Key_I:
-        return setPointByKey(m_value, m_outPoint);
-    case Qt::Key_O:
-        return setPointByKey(m_inPoint, m_value);
-    default:
-        return false;
+    case Qt::Key_O: {
+        if (m_hideInOut)
+            break;
+        const int in = event->key() == Qt::Key_I ? m_value : m_inPoint;
+        const int out = event->key() == Qt::Key_O ? m_value : m_outPoint;
+        if (in <= out && setinout(in, out))
+            emit sliderInOutChanged();
+        return;
     }
-}
-
-bool FrameSlider::setPointByKey(int in, int out)
-{
-    if (m_hideInOut)
-        return false;
-    if (in <= out && setinout(in, out))
-        emit sliderInOutChanged();
-    return true;
-}
-
-bool FrameSlider::panByKey(int key)
-{
-    if (key != Qt::Key_Left && key != Qt::Key_Right)
-        return false;
-    const qint64 step = std::max<qint64>((qint64(m_viewEnd) - m_viewStart) / StepsAcrossTheView, 1);
-    moveView(key == Qt::Key_Right ? -step : step);
-    return true;
+    default:
+        break;
+    }
+    QWidget::keyPressEvent(event);
 }

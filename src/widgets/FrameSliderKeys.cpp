@@ -1,4 +1,4 @@
-// The two rows of marks of a frame slider. A paint follows pixels where frames are denser than these, so that
+// The two rows of marks of a frame slider. If frames are denser than pixels, a paint goes by pixels, so that
 // neither a long view nor a large set makes it slow.
 
 #include "widgets/FrameSlider.h"
@@ -9,47 +9,104 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <vector>
 
 namespace {
 
+constexpr int KeyRow = 17;
+constexpr int CacheRow = 20;
 constexpr int KeyHeight = 2;
-constexpr int NearSteps = 8; // in a set take about as long as a search of it
+
+using Set = std::set<int>;
+using List = std::vector<int>;
+
+// The first frame at or after @p frame that is not before @p from.
+Set::const_iterator seek(const Set& frames, Set::const_iterator from, int frame)
+{
+    return from == frames.end() || *from >= frame ? from : frames.lower_bound(frame);
+}
+
+List::const_iterator seek(const List& frames, List::const_iterator from, int frame)
+{
+    // Each frame is in the list once.
+    const qint64 most = from == frames.end() ? 0 : std::max<qint64>(qint64(frame) - *from, 0);
+    return std::lower_bound(from, from + std::min<qint64>(most, frames.end() - from), frame);
+}
 
 } // namespace
 
-void FrameSlider::prepareKeys() {}
+void FrameSlider::setCacheFrames(const std::set<int>& frames)
+{
+    cacheFrames = frames;
+    m_cacheList.assign(frames.cbegin(), frames.cend());
+    update();
+}
+
+void FrameSlider::SetKeys(const std::set<int>& keys)
+{
+    _keys = keys;
+    s_keyList.assign(keys.cbegin(), keys.cend());
+}
+
+// Overridden, this may change the sets.
+void FrameSlider::prepareKeys()
+{
+    m_setsAreAsSet = true;
+}
+
+void FrameSlider::drawKeys(QPainter& painter, const QColor& cacheColour, const QColor& keyColour)
+{
+    m_setsAreAsSet = false;
+    prepareKeys();
+    const auto draw = [&](int row, const QColor& colour, const Set& frames, const List& list) {
+        if (m_setsAreAsSet && list.size() == frames.size())
+            drawMarks(m_viewStart, m_viewEnd, row, painter, colour, list);
+        else
+            drawKeyframes(m_viewStart, m_viewEnd, row, painter, colour, frames);
+    };
+    draw(CacheRow, cacheColour, cacheFrames, m_cacheList);
+    if (m_showGlobalKeys)
+        draw(KeyRow, keyColour, _keys, s_keyList);
+}
 
 void FrameSlider::drawKeyframes(int from, int to, int row, QPainter& painter, const QColor& colour,
                                 const std::set<int>& frames) const
 {
-    const int scaleStart = m_margin + EndMargin;
-    const int scaleEnd = width() - EndMargin - m_margin;
+    drawMarks(from, to, row, painter, colour, frames);
+}
+
+template <typename Frames>
+void FrameSlider::drawMarks(int from, int to, int row, QPainter& painter, const QColor& colour,
+                            const Frames& frames) const
+{
     const auto mark = [&](int left, int right) {
-        left = std::max(left, scaleStart);
-        right = std::min(right, scaleEnd);
+        left = std::max(left, m_margin + EndMargin);
+        right = std::min(right, width() - EndMargin - m_margin);
         if (left < right)
             painter.fillRect(left, row, right - left, KeyHeight, colour);
     };
-    const bool dense = qint64(m_viewEnd) - m_viewStart >= width() - 2 * EndMargin;
-    auto frame = frames.lower_bound(from);
-
-    while (!dense && frame != frames.end() && *frame <= to) {
-        const int first = *frame;
-        int last = first;
-        while (++frame != frames.end() && *frame - 1 == last && *frame <= to)
-            last = *frame;
-        const int x = valueToMouse(first);
-        const int halfFrame = std::max((valueToMouse(first + 1.0) - x) / 2, 1);
-        mark(x - halfFrame, valueToMouse(last) + halfFrame);
-    }
-    if (!dense)
+    if (qint64(m_viewEnd) - m_viewStart < width() - 2 * EndMargin) {
+        for (auto frame = seek(frames, frames.cbegin(), from); frame != frames.end() && *frame <= to;) {
+            const int first = *frame;
+            int last = first;
+            while (++frame != frames.end() && *frame - 1 == last && *frame <= to)
+                last = *frame;
+            const int x = valueToMouse(first);
+            const int halfFrame = std::max((valueToMouse(first + 1.0) - x) / 2, 1);
+            mark(x - halfFrame, valueToMouse(last) + halfFrame);
+        }
         return;
+    }
 
+    // The first frame whose pixel is not to the left of x. Rounding never makes it a later one.
+    const auto firstAt = [this](int x) {
+        constexpr double Inexact = 1e-5;
+        return Rounding::frame(static_cast<qint64>(std::ceil(mouseToValue(x) - Inexact)));
+    };
     // A frame covers its pixel and the one before it: marks that touch each other are drawn as one.
     const QRect band = painter.hasClipping() ? painter.clipBoundingRect().toAlignedRect() : rect();
-    const qint64 last = std::min(to, frameUnderMouse(band.right() + 3));
-    frame = frames.lower_bound(std::max(from, frameUnderMouse(band.left() - 2)));
-    bool crowded = false; // a pixel had more than NearSteps frames
+    const int last = std::min(to, firstAt(band.right() + 3));
+    auto frame = seek(frames, frames.cbegin(), std::max(from, firstAt(band.left() - 1)));
     int left = 0;
     int right = std::numeric_limits<int>::min() / 2;
     while (frame != frames.end() && *frame <= last) {
@@ -59,35 +116,7 @@ void FrameSlider::drawKeyframes(int from, int to, int row, QPainter& painter, co
             left = x - 1;
         }
         right = x;
-        if (crowded) {
-            // If the pixel after the next has a frame, there is no gap, and the next one need not be
-            // searched.
-            const auto found = frames.lower_bound(Rounding::frame(firstFrameAfter(x + 1)));
-            if (found != frames.end() && valueToMouse(*found) == x + 2) {
-                frame = found;
-                continue;
-            }
-        }
-        const qint64 next = firstFrameAfter(x);
-        if (next > last)
-            break;
-        for (int steps = 0; steps < NearSteps && frame != frames.end() && *frame < next; ++steps)
-            ++frame;
-        if (frame != frames.end() && *frame < next) {
-            crowded = true;
-            frame = frames.lower_bound(static_cast<int>(next));
-        }
+        frame = seek(frames, std::next(frame), firstAt(x + 1));
     }
     mark(left, right + 1);
-}
-
-// The first frame whose pixel is to the right of @p x.
-qint64 FrameSlider::firstFrameAfter(int x) const
-{
-    auto frame = static_cast<qint64>(std::ceil(mouseToValue(x + 1)));
-    while (valueToMouse(static_cast<double>(frame)) <= x)
-        ++frame;
-    while (valueToMouse(static_cast<double>(frame - 1)) > x)
-        --frame;
-    return frame;
 }

@@ -10,7 +10,6 @@
 #include <QStyle>
 #include <QStyleOptionFocusRect>
 #include <algorithm>
-#include <cmath>
 
 using Halvern::UI::rgb0toQColor;
 
@@ -19,12 +18,8 @@ namespace {
 constexpr int FontSize = 9;
 constexpr int MidGrey = 128;
 constexpr int TickBottom = 16;
-constexpr int NumberRow = 7; // the baseline of the numbers above the head and the marks
-constexpr int KeyRow = 17;
-constexpr int CacheRow = 20;
+constexpr int NumberRow = 7;  // the baseline of the numbers above the head and the marks
 constexpr int BandReach = 16; // how far a mark can stand outside what is repainted and still show in it
-constexpr qint64 WideHalfStep = 11;
-constexpr qint64 WideMinorStep = 31;
 
 // Whether a mark at a pixel shows in a slider of that width.
 bool reaches(int x, int width)
@@ -38,257 +33,167 @@ bool reaches(int x, int width)
 class FrameSlider::Painting
 {
 public:
-    Painting(FrameSlider& owner, const QRect& painted);
+    Painting(FrameSlider& owner, const QRect& painted)
+        : m_slider(owner)
+        , m_palette(owner.palette())
+        , m_painter(&owner)
+        , m_width(owner.width())
+        , m_bandLeft(painted.left() - BandReach)
+        , m_bandRight(painted.right() + BandReach)
+    {
+        m_painter.setFont(owner.numberFont());
+        m_painter.setClipRect(painted);
+        // Palettes of hosts often give disabled text the colour of all text.
+        const QColor& faint = m_palette.color(QPalette::Disabled, QPalette::Text);
+        if (!owner.isEnabled() && faint == m_palette.color(QPalette::Active, QPalette::Text))
+            m_painter.setOpacity(0.5);
+    }
 
-    void drawRows();
-    void drawScale();
-    void drawKeys();
-    void drawHead();
-    void drawInOut();
-    void drawSelection();
-    void drawHover();
-    void shadeOutside();
-    void drawFocus();
+    void drawRows()
+    {
+        const auto draw = [this](QPalette::ColorRole role, std::initializer_list<int> rows) {
+            m_painter.setPen(m_palette.color(role));
+            for (const int y : rows)
+                m_painter.drawLine(0, y, m_width - 1, y);
+        };
+        draw(QPalette::Text, {16, 19, 22});
+        draw(QPalette::Base, {17, 20});
+    }
+
+    void drawScale()
+    {
+        const int start = m_slider.m_viewStart;
+        const int end = m_slider.m_viewEnd;
+        const int height = m_slider.height();
+        const TickSpacing spacing(m_width, start, end);
+        QVector<QLine> ticks;
+        const auto addTick = [&](int x, int top, int bottom) {
+            if (inBand(x))
+                ticks.append(QLine(x, top, x, bottom));
+        };
+        // Ticks outside the band are not looked at, however long the view is.
+        const qint64 first = std::max(start, m_slider.frameUnderMouse(m_bandLeft));
+        const qint64 last = std::min(end, m_slider.frameUnderMouse(m_bandRight));
+        for (qint64 f = floorToMultiple(first, spacing.minorStep); f <= last; f += spacing.minorStep) {
+            const int top = f <= start ? TickBottom : spacing.tickTop(f);
+            if (top < TickBottom)
+                addTick(pixelOf(f), top, TickBottom);
+        }
+        if (start <= end)
+            addTick(pixelOf(start), 0, height - 1);
+        addTick(m_slider.valuePlusOneToMouse(end), 0, height - 1);
+        m_painter.setPen(m_palette.color(QPalette::Text));
+        m_painter.drawLines(ticks);
+        // Which numbers there is room for is decided over the whole view, so that a band that is repainted
+        // alone shows what it showed before.
+        const QFontMetrics metrics = m_painter.fontMetrics();
+        const auto numbers = scaleNumbers(
+            spacing, m_width, start, end, m_slider.valuePlusOneToMouse(end),
+            [this](qint64 frame) { return pixelOf(frame); },
+            [&](qint64 frame) { return metrics.horizontalAdvance(QString::number(frame)); });
+        for (const ScaleNumber& number : numbers)
+            drawNumber(number, number.frame == start || number.frame == end ? height : height - 1);
+    }
+
+    void drawKeys() { m_slider.drawKeys(m_painter, colourOf(_cacheframeColour), colourOf(_keyframeColour)); }
+
+    void drawHead(FrameNumber frame, qreal opacity = 1)
+    {
+        QColor colour = colourOf(_headColour);
+        const bool dark = qGray(m_palette.color(m_slider.backgroundRole()).rgb()) < MidGrey;
+        if (_keys.count(frame) > 0)
+            colour = colourOf(_keyframeColour);
+        else if (_headColour == 0 && dark)
+            colour = m_palette.color(QPalette::Text);
+        colour.setAlphaF(opacity);
+        const int x = pixelOf(frame);
+        drawTriangle(x, {QPointF(x - 6, 8), QPointF(x + 7, 8), QPointF(x + 0.5, 15)}, colour);
+        drawNumber(m_slider.numberAbove(frame, x + 1), NumberRow);
+    }
+
+    void drawInOut()
+    {
+        const int in = pixelOf(m_slider.first_frame());
+        drawTriangle(in, {QPointF(in, 16), QPointF(std::max(in, 0) + 9, 16), QPointF(in, 8)},
+                     colourOf(_inOutColour));
+        const int out = pixelOf(m_slider.last_frame());
+        drawTriangle(out, {QPointF(out, 16), QPointF(out - 8, 16), QPointF(out, 8)}, colourOf(_inOutColour));
+        for (const int frame : {m_slider.first_frame(), m_slider.last_frame()}) {
+            if (reaches(pixelOf(frame), m_width) && frame != m_slider.m_value)
+                drawNumber(m_slider.numberAbove(frame, pixelOf(frame)), NumberRow);
+        }
+    }
+
+    void drawSelection()
+    {
+        const auto [from, to] = std::minmax(s_pressedFrame, selectEnd);
+        const int left = std::max(pixelOf(from), -BandReach);
+        const int right = std::min(m_slider.valuePlusOneToMouse(to), m_width + BandReach);
+        m_painter.setPen(Qt::white);
+        m_painter.setBrush(QColor(255, 255, 255, 25));
+        m_painter.drawRect(left, 0, right - left, TickBottom - 1);
+    }
+
+    void drawHover()
+    {
+        const FrameNumber frame = m_slider.nearestFrame(hoverX);
+        if (inBand(hoverX) && frame != m_slider.m_value)
+            drawHead(frame, 0.5);
+    }
+
+    void shadeOutside()
+    {
+        const int start = EndMargin + m_slider.m_margin;
+        const int end = m_width - start;
+        const int first = std::clamp(pixelOf(m_slider.m_frameFirst), start, end);
+        const int last = std::clamp(m_slider.valuePlusOneToMouse(m_slider.m_frameLast), start, end);
+        m_painter.fillRect(start, 0, first - start, TickBottom, Qt::black);
+        m_painter.fillRect(last, 0, end - last, TickBottom, Qt::black);
+    }
+
+    void drawFocus()
+    {
+        QStyleOptionFocusRect option;
+        option.initFrom(&m_slider);
+        m_painter.setBrush(Qt::NoBrush);
+        m_slider.style()->drawPrimitive(QStyle::PE_FrameFocusRect, &option, &m_painter, &m_slider);
+    }
 
 private:
     bool inBand(int x) const { return x >= m_bandLeft && x <= m_bandRight; }
-    QColor colourOf(quint32 packed) const;
-    QColor headColour(FrameNumber frame) const;
-    int widthOf(qint64 frame) const { return m_metrics.horizontalAdvance(QString::number(frame)); }
-    void drawNumber(const ScaleNumber& number, int baseline);
-    void drawAbove(FrameNumber frame, int x);
-    void drawTriangle(std::initializer_list<QPointF> corners, const QColor& colour);
-    void drawHeadAt(FrameNumber frame, int x, const QColor& colour);
-    void drawMark(int frame, int x, std::initializer_list<QPointF> corners);
-    void addTick(int x, int top, int bottom);
-    int tickTop(qint64 frame, const TickSpacing& spacing) const;
-    void drawNumbers(const TickSpacing& spacing);
+    int pixelOf(qint64 frame) const { return m_slider.valueToMouse(static_cast<double>(frame)); }
+
+    QColor colourOf(quint32 packed) const
+    {
+        return m_slider.isEnabled() ? rgb0toQColor(packed) : m_palette.color(QPalette::Text);
+    }
+
+    void drawNumber(const ScaleNumber& number, int baseline)
+    {
+        // A wide number reaches farther into the band than a mark does.
+        if (number.right > m_bandLeft && number.left <= m_bandRight)
+            m_painter.drawText(number.left, baseline, QString::number(number.frame));
+    }
+
+    // Of a mark at a pixel; numbers that follow have its colour.
+    void drawTriangle(int x, std::initializer_list<QPointF> corners, const QColor& colour)
+    {
+        m_painter.setPen(Qt::NoPen);
+        m_painter.setBrush(colour);
+        m_painter.setRenderHint(QPainter::Antialiasing, true);
+        if (inBand(x))
+            m_painter.drawConvexPolygon(corners.begin(), static_cast<int>(corners.size()));
+        m_painter.setRenderHint(QPainter::Antialiasing, false);
+        m_painter.setPen(colour);
+    }
 
     FrameSlider& m_slider;
+    const QPalette& m_palette;
     QPainter m_painter;
-    QFontMetrics m_metrics;
-    QVector<QLine> m_ticks;
     int m_width;
-    int m_height;
     int m_bandLeft;
     int m_bandRight;
 };
-
-FrameSlider::Painting::Painting(FrameSlider& owner, const QRect& painted)
-    : m_slider(owner)
-    , m_painter(&owner)
-    , m_metrics(owner.numberFont(), &owner)
-    , m_width(owner.width())
-    , m_height(owner.height())
-    , m_bandLeft(painted.left() - BandReach)
-    , m_bandRight(painted.right() + BandReach)
-{
-    m_painter.setFont(owner.numberFont());
-    m_painter.setClipRect(painted);
-    // Palettes of hosts often give disabled text the colour of all text.
-    const QPalette& palette = owner.palette();
-    const QColor& faint = palette.color(QPalette::Disabled, QPalette::Text);
-    if (!owner.isEnabled() && faint == palette.color(QPalette::Active, QPalette::Text))
-        m_painter.setOpacity(0.5);
-}
-
-void FrameSlider::Painting::drawRows()
-{
-    const auto draw = [&](QPalette::ColorRole role, std::initializer_list<int> rows) {
-        m_painter.setPen(m_slider.palette().color(role));
-        for (const int y : rows)
-            m_painter.drawLine(0, y, m_width - 1, y);
-    };
-    draw(QPalette::Text, {16, 19, 22});
-    draw(QPalette::Base, {17, 20});
-}
-
-void FrameSlider::Painting::drawScale()
-{
-    m_painter.setPen(m_slider.palette().color(QPalette::Text));
-    const TickSpacing spacing(m_width, m_slider.m_viewStart, m_slider.m_viewEnd);
-    // Ticks outside the band are not looked at, however long the view is.
-    const qint64 first =
-        std::max<qint64>(m_slider.m_viewStart, Rounding::floor(m_slider.mouseToValue(m_bandLeft)));
-    const qint64 last =
-        std::min<qint64>(m_slider.m_viewEnd, Rounding::floor(m_slider.mouseToValue(m_bandRight)) + 1);
-    for (qint64 f = floorToMultiple(first, spacing.minorStep); f <= last; f += spacing.minorStep) {
-        if (f <= m_slider.m_viewStart)
-            continue;
-        const int top = tickTop(f, spacing);
-        if (top < TickBottom)
-            addTick(m_slider.valueToMouse(static_cast<double>(f)), top, TickBottom);
-    }
-    if (m_slider.m_viewStart <= m_slider.m_viewEnd)
-        addTick(std::max(m_slider.valueToMouse(m_slider.m_viewStart), 0), 0, m_height - 1);
-    addTick(m_slider.valuePlusOneToMouse(m_slider.m_viewEnd), 0, m_height - 1);
-    m_painter.drawLines(m_ticks);
-    drawNumbers(spacing);
-}
-
-// The upper end of a frame's tick; TickBottom for no tick.
-int FrameSlider::Painting::tickTop(qint64 frame, const TickSpacing& spacing) const
-{
-    if (frame % spacing.labelStep == 0)
-        return 10;
-    if (frame % spacing.step == 0)
-        return 14;
-    if (spacing.halfStep > 0 && frame % spacing.halfStep == 0)
-        return spacing.pixels >= WideHalfStep ? 13 : TickBottom;
-    return spacing.pixels >= WideMinorStep ? 12 : TickBottom;
-}
-
-void FrameSlider::Painting::addTick(int x, int top, int bottom)
-{
-    if (inBand(x))
-        m_ticks.append(QLine(x, top, x, bottom));
-}
-
-void FrameSlider::Painting::drawNumber(const ScaleNumber& number, int baseline)
-{
-    // A wide number reaches farther into the band than a mark does.
-    if (number.right > m_bandLeft && number.left <= m_bandRight)
-        m_painter.drawText(number.left, baseline, QString::number(number.frame));
-}
-
-void FrameSlider::Painting::drawAbove(FrameNumber frame, int x)
-{
-    drawNumber(m_slider.numberAbove(frame, x), NumberRow);
-}
-
-// Which numbers there is room for is settled over the whole view, so that a band that is repainted alone
-// shows what it showed before.
-void FrameSlider::Painting::drawNumbers(const TickSpacing& spacing)
-{
-    const QVector<ScaleNumber> numbers = scaleNumbers(
-        spacing, m_width, m_slider.m_viewStart, m_slider.m_viewEnd,
-        std::max(m_slider.valueToMouse(m_slider.m_viewStart), 0),
-        m_slider.valuePlusOneToMouse(m_slider.m_viewEnd),
-        [this](qint64 frame) { return m_slider.valueToMouse(static_cast<double>(frame)); },
-        [this](qint64 frame) { return widthOf(frame); });
-    for (const ScaleNumber& number : numbers) {
-        const bool atEnd = number.frame == m_slider.m_viewStart || number.frame == m_slider.m_viewEnd;
-        drawNumber(number, atEnd ? m_height : m_height - 1);
-    }
-}
-
-void FrameSlider::Painting::drawKeys()
-{
-    m_slider.prepareKeys();
-    const auto draw = [&](int row, quint32 colour, const std::set<int>& frames) {
-        m_slider.drawKeyframes(m_slider.m_viewStart, m_slider.m_viewEnd, row, m_painter, colourOf(colour),
-                               frames);
-    };
-    draw(CacheRow, _cacheframeColour, m_slider.cacheFrames);
-    if (m_slider.m_showGlobalKeys)
-        draw(KeyRow, _keyframeColour, _keys);
-}
-
-QColor FrameSlider::Painting::colourOf(quint32 packed) const
-{
-    return m_slider.isEnabled() ? rgb0toQColor(packed) : m_slider.palette().color(QPalette::Text);
-}
-
-QColor FrameSlider::Painting::headColour(FrameNumber frame) const
-{
-    if (_keys.count(frame) > 0)
-        return colourOf(_keyframeColour);
-    const QPalette& palette = m_slider.palette();
-    const bool dark = qGray(palette.color(m_slider.backgroundRole()).rgb()) < MidGrey;
-    return _headColour == 0 && dark ? palette.color(QPalette::Text) : colourOf(_headColour);
-}
-
-void FrameSlider::Painting::drawTriangle(std::initializer_list<QPointF> corners, const QColor& colour)
-{
-    m_painter.setRenderHint(QPainter::Antialiasing, true);
-    m_painter.setPen(Qt::NoPen);
-    m_painter.setBrush(colour);
-    m_painter.drawConvexPolygon(corners.begin(), static_cast<int>(corners.size()));
-    m_painter.setBrush(Qt::NoBrush);
-    m_painter.setRenderHint(QPainter::Antialiasing, false);
-}
-
-void FrameSlider::Painting::drawHeadAt(FrameNumber frame, int x, const QColor& colour)
-{
-    if (inBand(x))
-        drawTriangle({QPointF(x - 6, 8), QPointF(x + 7, 8), QPointF(x + 0.5, 15)}, colour);
-    m_painter.setPen(colour);
-    drawAbove(frame, x + 1);
-}
-
-void FrameSlider::Painting::drawHead()
-{
-    drawHeadAt(m_slider.m_value, m_slider.valueToMouse(m_slider.m_value), headColour(m_slider.m_value));
-}
-
-void FrameSlider::Painting::drawInOut()
-{
-    if (m_slider.m_hideInOut)
-        return;
-    const int in = m_slider.first_frame();
-    const int out = m_slider.last_frame();
-    const int xi = m_slider.valueToMouse(in);
-    const int xo = m_slider.valueToMouse(out);
-    drawMark(in, xi, {QPointF(xi, 16), QPointF(std::max(xi, 0) + 9, 16), QPointF(xi, 8)});
-    drawMark(out, xo, {QPointF(xo, 16), QPointF(xo - 8, 16), QPointF(xo, 8)});
-}
-
-void FrameSlider::Painting::drawMark(int frame, int x, std::initializer_list<QPointF> corners)
-{
-    const QColor colour = colourOf(_inOutColour);
-    if (inBand(x))
-        drawTriangle(corners, colour);
-    m_painter.setPen(colour);
-    if (reaches(x, m_width) && frame != m_slider.m_value)
-        drawAbove(frame, x);
-}
-
-void FrameSlider::Painting::drawSelection()
-{
-    if (dragged != &m_slider || dragMode != DragMode::Selecting)
-        return;
-    const auto [from, to] = std::minmax(selectAnchor, selectEnd);
-    const int left = std::max(m_slider.valueToMouse(from), -BandReach);
-    const int right = std::min(m_slider.valuePlusOneToMouse(to), m_width + BandReach);
-    m_painter.setPen(Qt::white);
-    m_painter.setBrush(QColor(255, 255, 255, 25));
-    m_painter.drawRect(left, 0, right - left, TickBottom - 1);
-    m_painter.setBrush(Qt::NoBrush);
-}
-
-void FrameSlider::Painting::drawHover()
-{
-    const FrameNumber frame = m_slider.nearestFrame(hoverX);
-    const bool hovered = dragged == &m_slider && dragMode == DragMode::Hovering;
-    if (!hovered || !inBand(hoverX) || frame == m_slider.m_value)
-        return;
-    QColor colour = headColour(frame);
-    colour.setAlphaF(0.5);
-    drawHeadAt(frame, m_slider.valueToMouse(frame), colour);
-    hoverHalfWidth = m_slider.hoverReach(frame);
-}
-
-void FrameSlider::Painting::shadeOutside()
-{
-    if (!m_slider.settingsOwner)
-        return;
-    const int start = EndMargin + m_slider.m_margin;
-    const int end = m_width - EndMargin - m_slider.m_margin;
-    const int first = std::clamp(m_slider.valueToMouse(m_slider.m_frameFirst), start, std::max(start, end));
-    const int last =
-        std::clamp(m_slider.valuePlusOneToMouse(m_slider.m_frameLast), start, std::max(start, end));
-    m_painter.fillRect(start, 0, first - start, TickBottom, Qt::black);
-    m_painter.fillRect(last, 0, end - last, TickBottom, Qt::black);
-}
-
-void FrameSlider::Painting::drawFocus()
-{
-    if (!m_slider.hasFocus())
-        return;
-    QStyleOptionFocusRect option;
-    option.initFrom(&m_slider);
-    m_slider.style()->drawPrimitive(QStyle::PE_FrameFocusRect, &option, &m_painter, &m_slider);
-}
 
 QFont FrameSlider::numberFont() const
 {
@@ -308,13 +213,15 @@ ScaleNumber FrameSlider::numberAbove(FrameNumber frame, int x) const
     return {frame, left, left + wide};
 }
 
-// Half the width of the band around the mark of a frame that holds the mark and its number.
-int FrameSlider::hoverReach(FrameNumber frame) const
+// What the mark under the mouse covers, and its number.
+QRect FrameSlider::hoverBand() const
 {
-    constexpr int MarkReach = 7;
+    constexpr int MarkReach = 9;
+    const FrameNumber frame = nearestFrame(hoverX);
     const int x = valueToMouse(frame);
     const ScaleNumber number = numberAbove(frame, x + 1);
-    return std::max({x + 1 - number.left, number.right - x - 2, MarkReach}) + 2;
+    const int left = std::min(number.left - 1, x - MarkReach);
+    return {left, 0, std::max(number.right + 1, x + MarkReach) - left, height()};
 }
 
 void FrameSlider::paintEvent(QPaintEvent* event)
@@ -325,10 +232,15 @@ void FrameSlider::paintEvent(QPaintEvent* event)
         return;
     painting.drawScale();
     painting.drawKeys();
-    painting.drawHead();
-    painting.drawInOut();
-    painting.drawSelection();
-    painting.drawHover();
-    painting.shadeOutside();
-    painting.drawFocus();
+    painting.drawHead(m_value);
+    if (!m_hideInOut)
+        painting.drawInOut();
+    if (s_dragged == this && dragMode == DragMode::Selecting)
+        painting.drawSelection();
+    if (s_dragged == this && dragMode == DragMode::Hovering)
+        painting.drawHover();
+    if (settingsOwner)
+        painting.shadeOutside();
+    if (hasFocus())
+        painting.drawFocus();
 }

@@ -7,7 +7,9 @@ namespace {
 constexpr qint64 MostFramesOfOneStep = 100;
 constexpr qint64 NarrowestStep = 9; // pixels, exceeded by a step that is wide enough
 constexpr qint64 WideStep = 21;     // pixels, from which on every fifth step has a number
-constexpr int BesideTick = 1;       // pixels between a tick and the number beside it
+constexpr qint64 WideHalfStep = 11; // pixels, from which on half steps have a tick
+constexpr qint64 WideMinorStep = 31;
+constexpr int BesideTick = 1; // pixels between a tick and the number beside it
 
 } // namespace
 
@@ -27,14 +29,26 @@ TickSpacing::TickSpacing(int width, int viewStart, int viewEnd)
     labelStep = (pixels < WideStep ? 10 : 5) * step;
 }
 
+int TickSpacing::tickTop(qint64 frame) const
+{
+    constexpr int NoTick = 16;
+    if (frame % labelStep == 0)
+        return 10;
+    if (frame % step == 0)
+        return 14;
+    if (halfStep > 0 && frame % halfStep == 0)
+        return pixels >= WideHalfStep ? 13 : NoTick;
+    return pixels >= WideMinorStep ? 12 : NoTick;
+}
+
 qint64 floorToMultiple(qint64 frame, qint64 step)
 {
     const qint64 remainder = frame % step;
     return frame - remainder - (remainder < 0 ? step : 0);
 }
 
-QVector<ScaleNumber> scaleNumbers(const TickSpacing& spacing, int width, int viewStart, int viewEnd,
-                                  int startX, int endX, const std::function<int(qint64)>& pixelOf,
+QVector<ScaleNumber> scaleNumbers(const TickSpacing& spacing, int width, int viewStart, int viewEnd, int endX,
+                                  const std::function<int(qint64)>& pixelOf,
                                   const std::function<int(qint64)>& widthOf)
 {
     QVector<ScaleNumber> numbers;
@@ -43,6 +57,7 @@ QVector<ScaleNumber> scaleNumbers(const TickSpacing& spacing, int width, int vie
     ScaleNumber last = centred(viewEnd, endX);
     if (last.right > width)
         last = at(viewEnd, endX - BesideTick - widthOf(viewEnd));
+    const int startX = pixelOf(viewStart);
     int occupied = startX; // up to here nothing may stand
     if (viewStart <= viewEnd) {
         ScaleNumber first = centred(viewStart, startX);

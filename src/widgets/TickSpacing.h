@@ -18,6 +18,10 @@ struct TickSpacing
     /// Pixels per step, rounded.
     qint64 pixels = 0;
 
+    /// The upper end of the tick of @p frame, in pixels from the top of the slider. 16, where all ticks end,
+    /// stands for no tick.
+    int tickTop(qint64 frame) const;
+
     /// The spacing for a slider @p width pixels wide that shows @p viewStart to @p viewEnd. A view that ends
     /// before it starts is treated as one of a single frame.
     TickSpacing(int width, int viewStart, int viewEnd);
@@ -34,14 +38,15 @@ struct ScaleNumber
     int right = 0; ///< The pixel after its last.
 };
 
-/// The numbers of a scale, from left to right: those of the first and the last frame in view, whose ticks are
-/// at @p startX and @p endX, and between them those of the frames at the label spacing.
+/// The numbers of a scale, from left to right: those of the first and the last frame in view, and between
+/// them those of the frames at the label spacing.
 ///
 /// A number is centred on its tick. One that would touch its neighbour is left out, the last one too. The
 /// numbers of the two ends stand inside, beside their tick, if they are too wide for the margins, and are
 /// left out if the tick of the other end would cross them.
 /// @p pixelOf gives the pixel of a frame, @p widthOf the width of its number in pixels; @p width is that of
-/// the slider. A view that ends before it starts has its last number only.
-QVector<ScaleNumber> scaleNumbers(const TickSpacing& spacing, int width, int viewStart, int viewEnd,
-                                  int startX, int endX, const std::function<int(qint64)>& pixelOf,
+/// the slider, and @p endX the pixel of the tick at the end. A view that ends before it starts has its last
+/// number only.
+QVector<ScaleNumber> scaleNumbers(const TickSpacing& spacing, int width, int viewStart, int viewEnd, int endX,
+                                  const std::function<int(qint64)>& pixelOf,
                                   const std::function<int(qint64)>& widthOf);

@@ -105,7 +105,7 @@ private slots:
                     const auto pixelOf = [&](qint64 frame) { return slider.valueToMouse(double(frame)); };
                     const auto numbers =
                         scaleNumbers(TickSpacing(width, start, slider.viewEnd()), width, start,
-                                     slider.viewEnd(), EndMargin, width - EndMargin, pixelOf, widthOf);
+                                     slider.viewEnd(), width - EndMargin, pixelOf, widthOf);
                     QVERIFY(width < 130 || numbers.size() >= (width < 400 ? 1 : 2));
                     int end = -1; // both ends are inside the slider
                     for (const ScaleNumber& number : numbers) {
@@ -145,6 +145,14 @@ private slots:
         QCOMPARE(slider.runs(20, Cached), QStringLiteral("10-10"));
         slider.range(INT_MIN, INT_MAX);
         QCOMPARE(slider.runs(20, Cached), QStringLiteral("10-10 508-510 1009-1009"));
+
+        struct Filling : Slider
+        {
+            using Slider::Slider;
+            void prepareKeys() override { cacheFrames = {7}; }
+        } filling(1020);
+        filling.setCacheFrames({50});
+        QCOMPARE(filling.runs(20, Cached), QStringLiteral("75-84"));
 
         std::set<int> crowd; // more frames than pixels, with gaps of all lengths
         for (int i = 0, frame = INT_MAX - 10000; frame <= INT_MAX - 100; ++i, frame += i % 50 ? 1 : i % 97)
