@@ -81,6 +81,15 @@ const char* FileBrowser::DirectoryModel::displayName(int row) const
     return m_namesFixed ? m_names.name(index) : m_entries[index]->displayName();
 }
 
+QModelIndex FileBrowser::DirectoryModel::find(const QByteArray& name) const
+{
+    for (int row = 0; row < rowCount(); ++row) {
+        if (entry(row) && name == displayName(row))
+            return index(row, NameColumn);
+    }
+    return {};
+}
+
 QVariant FileBrowser::DirectoryModel::data(const QModelIndex& index, int role) const
 {
     const FileInfo* info = index.isValid() ? entry(index.row()) : nullptr;

@@ -88,6 +88,8 @@ public:
     const NameOrder& nameOrder() const { return m_names; }
     /// The name of a row with an entry, as it is displayed, without range and "/".
     const char* displayName(int row) const;
+    /// The first row of that name, which is bytes; invalid if there is none.
+    QModelIndex find(const QByteArray& name) const;
     /// The entry of a row, borrowed; null if there is none to follow.
     FileInfo* entry(int row) const;
     /// The entry of a row that is known to exist.

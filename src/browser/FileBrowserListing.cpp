@@ -7,6 +7,7 @@
 #include "browser/ListNotice.h"
 #include "browser/ProxyModel.h"
 #include "frames/Placeholder.h"
+#include "paths/Path.h"
 #include "widgets/AppSettings.h"
 #include "widgets/FilePathEdit.h"
 
@@ -54,21 +55,19 @@ void FileBrowser::refresh()
 void FileBrowser::Private::selectTypedRow()
 {
     const QString text = m_controls.filenameEdit->text();
-    const int rows = m_proxy->rowCount();
-    for (int row = 0; row < rows && !text.endsWith(QLatin1Char('/')); ++row) {
-        const QModelIndex index = m_proxy->index(row, 0);
-        const FileInfo* info = m_model->entry(m_proxy->mapToSource(index).row());
-        if (info && m_model->getFullFilePath(*info) == text) {
-            m_filesList->setCurrentIndex(index);
-            return;
-        }
+    const QString folder = Base::withSeparator(m_model->directory().absolutePath());
+    const bool isInFolder = text.startsWith(folder) && text.size() > folder.size();
+    QModelIndex typed;
+    if (isInFolder)
+        typed = m_proxy->mapFromSource(m_model->find(text.mid(folder.size()).toUtf8()));
+    if (!typed.isValid() && m_proxy->rowCount() == 1) {
+        const QModelIndex only = m_proxy->index(0, 0);
+        const FileInfo* info = m_model->entry(m_proxy->mapToSource(only).row());
+        if (info && m_model->getFullFilePath(*info).compare(text, Qt::CaseInsensitive) == 0)
+            typed = only;
     }
-    if (rows != 1)
-        return;
-    const QModelIndex only = m_proxy->index(0, 0);
-    const FileInfo* info = m_model->entry(m_proxy->mapToSource(only).row());
-    if (info && m_model->getFullFilePath(*info).compare(text, Qt::CaseInsensitive) == 0)
-        m_filesList->setCurrentIndex(only);
+    if (typed.isValid())
+        m_filesList->setCurrentIndex(typed);
 }
 
 void FileBrowser::showEvent(QShowEvent* event)
