@@ -72,10 +72,12 @@ void FileBrowser::ProxyModel::readNewKeys()
         readKeys();
 }
 
-// Whether a row is a file that was none before, or the other way round.
+// Whether a row is a file that was none before, or the other way round. Attributes are looked at only if they
+// decide something: the entries of many rows take their time to be fetched from memory.
 bool FileBrowser::ProxyModel::readKeys()
 {
-    m_keysAreOld = false;
+    const bool needsAttributes = isSortedByAttribute() || !m_nameFilter.text().isEmpty();
+    m_keysAreOld = !needsAttributes;
     if (!m_model->isListReady()) {
         m_keys.clear();
         return true;
@@ -91,13 +93,13 @@ bool FileBrowser::ProxyModel::readKeys()
     for (std::size_t row = 0; row < rows.size(); ++row) {
         RowKey& key = m_keys[row];
         key.entry = rows[row];
-        if (!key.entry)
+        key.place = m_model->nameOrder().ranks()[row];
+        if (!key.entry || !needsAttributes)
             continue;
         const bool isFile = !key.entry->isDirectory();
         kindsChanged = kindsChanged || key.isFile != isFile;
         key.size = isFile ? key.entry->size() : 0;
         key.time = key.entry->modificationTime();
-        key.place = m_model->nameOrder().ranks()[row];
         key.isFile = isFile;
     }
     return kindsChanged;
