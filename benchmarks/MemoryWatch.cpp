@@ -17,7 +17,7 @@ constexpr int LeastWarmUp = 20;
 MemoryWatch::Memory memoryInUse()
 {
     MemoryWatch::Memory memory;
-    Halvern::Base::helperThreads().waitForDone(); // they free what a read leaves
+    Halvern::Base::waitForHelpers(); // they free what a read leaves
     ::malloc_trim(0);
     const auto info = ::mallinfo2();
     memory.allocated = static_cast<long long>(info.uordblks) + static_cast<long long>(info.hblkhd);

@@ -1,8 +1,13 @@
 #include "base/SlowCalls.h"
 
+#include <atomic>
 #include <chrono>
 #include <condition_variable>
+#include <exception>
+#include <list>
+#include <memory>
 #include <mutex>
+#include <thread>
 #include <unistd.h>
 
 namespace Halvern::Base {
@@ -38,8 +43,8 @@ std::size_t callUntilSlow(std::size_t count, const Call& call)
     return count;
 }
 
-// What the callers share. Helpers that start late find it empty and do not touch the call, which is gone by
-// then.
+// What the callers share. A helper that starts late finds no call left and does not touch `call`, which is
+// gone by then.
 struct Calls
 {
     void makeSome()
@@ -75,27 +80,95 @@ void callAtOnce(std::size_t first, std::size_t count, const Call& call)
     calls->wait();
 }
 
-struct Helpers
+/// Threads of one process. They are started when they are needed, and stay.
+class Helpers
 {
-    QThreadPool threads;
-    const pid_t process = ::getpid();
+public:
+    // A reference, so that the work is still there if it cannot be queued.
+    void give(std::function<void()>& work)
+    {
+        constexpr std::size_t MostWaiting = 64;
+        {
+            const std::lock_guard<std::mutex> lock(m_mutex);
+            if (m_waiting.size() < MostWaiting && hasThread()) {
+                m_waiting.push_back(std::move(work));
+                m_arrived.notify_one();
+                return;
+            }
+        }
+        work();
+    }
+    void wait()
+    {
+        std::unique_lock<std::mutex> lock(m_mutex);
+        m_ended.wait(lock, [this] { return m_waiting.empty() && m_idle == m_threads; });
+    }
+    bool isOfThisProcess() const { return m_process == ::getpid(); }
+
+private:
+    // Whether there is a thread that will take the next work. Starts one if none is free.
+    bool hasThread()
+    {
+        if (m_waiting.size() >= m_idle && m_threads < MostCallsAtOnce - 1) {
+            try {
+                std::thread([this] { run(); }).detach();
+                ++m_threads;
+                ++m_idle;
+            } catch (const std::exception&) {
+                // The system has no thread, or no memory for it. The next call tries again.
+            }
+        }
+        return m_threads > 0;
+    }
+    [[noreturn]] void run()
+    {
+        std::unique_lock<std::mutex> lock(m_mutex);
+        for (;;) {
+            m_arrived.wait(lock, [this] { return !m_waiting.empty(); });
+            std::function<void()> work = std::move(m_waiting.front());
+            m_waiting.pop_front();
+            --m_idle;
+            lock.unlock();
+            work();
+            work = nullptr;
+            lock.lock();
+            ++m_idle;
+            m_ended.notify_all();
+        }
+    }
+
+    const pid_t m_process = ::getpid();
+    std::mutex m_mutex; // guards what follows
+    std::condition_variable m_arrived;
+    std::condition_variable m_ended;
+    std::list<std::function<void()>> m_waiting;
+    std::size_t m_threads = 0;
+    std::size_t m_idle = 0; // of the threads, those without work
 };
 
-} // namespace
-
-// Never destroyed: that would wait for the threads.
-QThreadPool& helperThreads()
+// Never destroyed: their threads run until the process ends. A forked process has its own.
+Helpers& helpers()
 {
     static std::atomic<Helpers*> helpers{nullptr};
     Helpers* present = helpers;
-    if (!present || present->process != ::getpid()) {
+    if (!present || !present->isOfThisProcess()) {
         auto made = std::make_unique<Helpers>();
-        made->threads.setMaxThreadCount(MostCallsAtOnce - 1);
-        made->threads.setExpiryTimeout(-1);
         if (helpers.compare_exchange_strong(present, made.get()))
             present = made.release();
     }
-    return present->threads;
+    return *present;
+}
+
+} // namespace
+
+void giveToHelpers(std::function<void()>& work)
+{
+    helpers().give(work);
+}
+
+void waitForHelpers()
+{
+    helpers().wait();
 }
 
 void callEach(std::size_t count, const Call& call)

@@ -31,6 +31,26 @@ private slots:
         QVERIFY(SampleFiles::makeFrames(folder.path(), "f%04d.exr", 1, Files));
     }
 
+    // Runs first: later on there are helper threads.
+    void worksWithoutHelperThreads()
+    {
+        std::atomic<int> here{0};
+        std::atomic<int> elsewhere{0};
+        const auto count = [&, thread = QThread::currentThreadId()] {
+            ++(QThread::currentThreadId() == thread ? here : elsewhere);
+        };
+        faultyCall = "pthread_create";
+        faults[CallError] = EAGAIN;
+        for (int i = 0; i < 20; ++i)
+            Halvern::Base::callInBackground(count);
+        QCOMPARE(here.load(), 20);
+        endFaults();
+        for (int i = 0; i < 20; ++i)
+            Halvern::Base::callInBackground(count);
+        Halvern::Base::waitForHelpers();
+        QVERIFY(here == 20 && elsewhere == 20);
+    }
+
     void leavingWaitsForOneCall()
     {
         // What is slow, whether names have no types, and after how many calls more each time the folder is
