@@ -212,6 +212,48 @@ private slots:
         }
     }
 
+    // Each allocation of building the rows fails once.
+    void saysThatThereIsNoMemoryForRows()
+    {
+        if (!failsAllocations)
+            QSKIP("a sanitizer allocates");
+        QVERIFY(SampleFiles::makeFrames(m_folder->path(), "f%02d.exr", 1, 40));
+        QVERIFY(SampleFiles::makeFrames(m_folder->path(), "f%02d.txt", 1, 40));
+        BrowserWindow window(m_folder->path());
+        auto& model = *window.model();
+        int place = 0;
+        // After the proxy and the view have got the signal: only the model's own allocations fail.
+        connect(&model, &QAbstractItemModel::modelAboutToBeReset, this,
+                [&] { faults[FirstAllocation] = place; });
+        for (const int rows : {41, 80}) {
+            window.browser.setSequencesEnabled(rows == 41);
+            QTRY_COMPARE(window.rows().size(), rows);
+            const auto allocationsOf = [&](const std::function<void()>& work) {
+                const QSignalBlocker blocker(&model);
+                faults[FirstAllocation] = INT_MAX;
+                work();
+                return INT_MAX - faults[FirstAllocation].exchange(0);
+            };
+            // A reset allocates too, after the rows are there.
+            const int allocations =
+                allocationsOf([&] { model.buildRunningList(); }) - allocationsOf([&] { model.resetModel(); });
+            model.resetModel();
+            QVERIFY(allocations > 3);
+            for (int failing = allocations; failing > 0; --failing) {
+                place = failing;
+                model.buildRunningList();
+                place = 0;
+                QCOMPARE(faults[FirstAllocation].load(), 0);
+                QCOMPARE(model.readError(), ENOMEM);
+                QVERIFY(window.rows().isEmpty());
+                QCOMPARE(window.list()->accessibleDescription(),
+                         QStringLiteral("This folder can't be read: cannot allocate memory"));
+                refresh(window);
+                QTRY_COMPARE(window.rows().size(), rows);
+            }
+        }
+    }
+
 private:
     QString path(const char* name) const { return m_folder->path() + '/' + name; }
 

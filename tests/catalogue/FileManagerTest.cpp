@@ -1,4 +1,5 @@
 #include "catalogue/FileManager.h"
+#include "base/SlowCalls.h"
 #include "catalogue/FileGatherer.h"
 #include "catalogue/FileSequenceEvaluator.h"
 #include "catalogue/NameOrder.h"
@@ -88,6 +89,25 @@ private slots:
         QVERIFY(manager.getFilesFromFolder(m_path, true));
         QTRY_COMPARE(refreshed.size(), 2);
         QVERIFY(allFiles(manager) == first);
+    }
+
+    // The pages of places that the next read does not need are given back only when nobody holds them.
+    void heldEntriesStayReadable()
+    {
+        std::list<std::string> names;
+        for (int i = 0; i < 10000; ++i)
+            names.push_back("n" + std::to_string(i));
+        FileManager manager;
+        manager.setFiles(names);
+        manager.insertFiles();
+        const auto entries = allFiles(manager);
+        const auto held = manager.entryStorage();
+        const QTemporaryDir empty;
+        QVERIFY(manager.getFilesFromFolderSynchronously(empty.path().toStdString(), true));
+        Halvern::Base::waitForHelpers();
+        QCOMPARE(allFiles(manager).size(), std::size_t(2));
+        for (std::size_t i = 2; i < entries.size(); ++i)
+            QCOMPARE(entries[i]->fileName(), "n" + QByteArray::number(int(i)));
     }
 
     void readsAgainOnlyByForce()
