@@ -147,7 +147,7 @@ public:
             return {};
         values[QStringLiteral("attributes")] = milliseconds(timer);
         values[QStringLiteral("turn")] = turn;
-        const auto records = static_cast<double>(sizeof(FileInfo) + sizeof(Halvern::UI::FileNameRecord));
+        const auto records = static_cast<double>(sizeof(FileInfo));
         values[QStringLiteral("bytes")] = (memory("VmHWM") - before) * 1024 / files - records;
         return values;
     }

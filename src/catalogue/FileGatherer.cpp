@@ -2,24 +2,23 @@
 
 #include "base/FileSystem.h"
 #include "base/SlowCalls.h"
-#include "base/Text.h"
 
+#include <algorithm>
 #include <cerrno>
-#include <cstring>
 #include <dirent.h>
 #include <fcntl.h>
 #include <memory>
 #include <new>
 #include <unistd.h>
+#include <utility>
 
 namespace Halvern::UI {
 
 namespace {
 
 constexpr std::size_t PatientlyWaiting = 4; // batches that keep the GUI thread busy
-
-constexpr char DirectoryMark = 'd';
-constexpr char OtherMark = 'f';
+static_assert(FileGatherer::NameBatchSize % FileGatherer::InfoBatchSize == 0,
+              "the attributes of a batch of names fill batches");
 
 // The type of an entry for which the file system gave none.
 int queriedKind(int folder, const char* name)
@@ -32,11 +31,11 @@ int queriedKind(int folder, const char* name)
 
 // A query that fails gives a record too, so that the records after it keep their places. A folder stays a
 // folder.
-FileInfoWrapper queriedInfo(int folder, const char* name, bool isDirectory)
+FileInfoWrapper queriedInfo(int folder, const NameBatch::Name& name)
 {
-    const auto status = Base::fileStatus(name, folder);
+    const auto status = Base::fileStatus(name.text, folder);
     if (!status)
-        return {0, isDirectory, 0};
+        return {0, name.isDirectory, 0};
     return {static_cast<unsigned long long>(status->st_size), S_ISDIR(status->st_mode), status->st_mtime};
 }
 
@@ -57,18 +56,16 @@ FileGatherer::~FileGatherer()
 void FileGatherer::prepare(const std::string& directory)
 {
     m_directory = directory;
-    discardBatches();
+    forget();
     m_endAnnounced = false;
     // Not in run(): a run that is stopped before its thread has begun must not begin after all.
     m_keepRunning = true;
 }
 
-void FileGatherer::discardBatches()
+void FileGatherer::forget()
 {
-    auto left = m_names.reset();
-    if (!left.empty())
-        Base::callInBackground([left = std::move(left)] {});
-    m_infos.reset();
+    m_names.clear();
+    m_infos.clear();
     m_allNamesRead = false;
     m_error = 0;
     m_namesAnnounced = false;
@@ -100,7 +97,7 @@ void FileGatherer::stop()
     wait();
     m_runsEnded.load(std::memory_order_acquire);
     blockSignals(wereBlocked);
-    discardBatches();
+    forget();
     m_endAnnounced = true;
 }
 
@@ -111,7 +108,7 @@ FileGatherer::InfoQueue::BatchPointer FileGatherer::takeInfos()
 
 bool FileGatherer::takeNamesFinished()
 {
-    if (m_namesAnnounced || !areNamesTaken())
+    if (m_namesAnnounced || !m_allNamesRead || hasNames())
         return false;
     m_namesAnnounced = true;
     return true;
@@ -120,8 +117,8 @@ bool FileGatherer::takeNamesFinished()
 bool FileGatherer::hasArrivals() const
 {
     if (m_namesAnnounced)
-        return m_infos.hasNext();
-    return m_names.hasNext() || m_allNamesRead;
+        return m_infos.waiting() > 0;
+    return hasNames() || m_allNamesRead;
 }
 
 void FileGatherer::run()
@@ -136,14 +133,14 @@ void FileGatherer::run()
         else
             finishNames();
     }
-    m_names.dropSpares();
     m_runsEnded.fetch_add(1, std::memory_order_release);
 }
 
-// Stopping waits for one call to the file system at most: after each that may be slow the run looks whether
-// it is still wanted.
+// Stopping waits for one call to the file system at most: after each call that may be slow, the run checks
+// m_keepRunning.
 void FileGatherer::read()
 {
+    m_filling.reset();
     m_readNames.clear();
     m_readCount = 0;
     const int file = Base::uninterrupted(
@@ -163,20 +160,17 @@ void FileGatherer::read()
 
 void FileGatherer::readNames(DIR* stream, int folder)
 {
-    FileNameRecord record;
-    std::vector<FileNameRecord> untyped; // a type is missing; those after it wait too, for the order's sake
+    std::vector<Untyped> untyped; // a type is missing; names after it wait too, to stay in order
     while (m_keepRunning) {
         const dirent* entry = Base::uninterrupted([stream] { return ::readdir(stream); });
         if (!entry)
             m_error = errno;
         if (!entry || !m_keepRunning)
             break;
-        Base::copyTruncated(record.name, entry->d_name);
-        record.kind = entry->d_type;
-        if (record.kind != DT_UNKNOWN && untyped.empty())
-            addName(record);
+        if (entry->d_type != DT_UNKNOWN && untyped.empty())
+            addName(entry->d_name, entry->d_type);
         else
-            untyped.push_back(record);
+            untyped.push_back({entry->d_name, entry->d_type});
         if (untyped.size() == NameBatchSize)
             addUntyped(folder, untyped);
     }
@@ -188,8 +182,7 @@ void FileGatherer::finishNames()
     if (!m_keepRunning)
         return;
     try {
-        if (m_names.finish())
-            announce([this] { emit fileNameBatchReady(); });
+        putNames();
     } catch (const std::bad_alloc&) {
         m_error = ENOMEM; // without the names of the last batch
     }
@@ -200,71 +193,64 @@ void FileGatherer::finishNames()
     prepareWhileWaited(0);
 }
 
-void FileGatherer::addName(const FileNameRecord& record)
+void FileGatherer::addName(const char* name, int kind)
 {
-    if (m_readCount++ % NameBatchSize == 0)
-        m_readNames.emplace_back();
-    std::string& names = m_readNames.back();
-    names.push_back(record.kind == DT_DIR ? DirectoryMark : OtherMark);
-    names.append(record.name).push_back('\0');
-    if (m_names.append(record)) {
-        announce([this] { emit fileNameBatchReady(); });
+    if (!m_filling)
+        m_filling = std::make_shared<NameBatch>();
+    m_filling->add(name, kind == DT_DIR);
+    ++m_readCount;
+    if (m_filling->size() == NameBatchSize) {
+        putNames();
         prepareWhileWaited(PatientlyWaiting);
     }
 }
 
-// Making entries of names takes longer than reading them, above all for want of memory to make them in.
+void FileGatherer::putNames()
+{
+    if (!m_filling)
+        return;
+    m_readNames.push_back(std::exchange(m_filling, nullptr));
+    m_names.put(m_readNames.back());
+    announce([this] { emit fileNameBatchReady(); });
+}
+
+// The GUI thread takes longer to make entries of names than the worker to read them, above all because the
+// system is slow to give memory.
 void FileGatherer::prepareWhileWaited(std::size_t mostWaiting)
 {
     while (m_preparation && m_keepRunning && m_names.waiting() > mostWaiting && m_preparation(m_readCount)) {
     }
 }
 
-void FileGatherer::addUntyped(int folder, std::vector<FileNameRecord>& records)
+void FileGatherer::addUntyped(int folder, std::vector<Untyped>& names)
 {
-    Base::callEach(records.size(), [&](std::size_t index) {
-        FileNameRecord& record = records[index];
-        if (m_keepRunning && record.kind == DT_UNKNOWN)
-            record.kind = queriedKind(folder, record.name);
+    Base::callEach(names.size(), [&](std::size_t index) {
+        if (m_keepRunning && names[index].kind == DT_UNKNOWN)
+            names[index].kind = queriedKind(folder, names[index].name.c_str());
     });
     if (!m_keepRunning)
         return;
-    for (const FileNameRecord& record : records)
-        addName(record);
-    records.clear();
+    for (const Untyped& untyped : names)
+        addName(untyped.name.c_str(), untyped.kind);
+    names.clear();
 }
 
 void FileGatherer::readAttributes(int folder)
 {
-    std::vector<const char*> names; // with their marks
-    for (std::string& batch : m_readNames) {
-        const char* const end = batch.data() + batch.size();
-        for (const char* name = batch.data(); name != end;) {
+    for (auto& names : m_readNames) {
+        for (std::size_t begin = 0; begin < names->size(); begin += InfoBatchSize) {
+            const std::size_t count = std::min(InfoBatchSize, names->size() - begin);
+            const auto infos = std::make_shared<std::vector<FileInfoWrapper>>(count);
+            Base::callEach(count, [&](std::size_t index) {
+                if (m_keepRunning)
+                    (*infos)[index] = queriedInfo(folder, (*names)[begin + index]);
+            });
             if (!m_keepRunning)
                 return;
-            names.clear();
-            for (; name != end && names.size() < InfoBatchSize; name += std::strlen(name) + 1)
-                names.push_back(name);
-            readAttributes(folder, names);
-        }
-        batch = std::string();
-    }
-    if (m_keepRunning && m_infos.finish())
-        announce([this] { emit fileInfoBatchReady(); });
-}
-
-void FileGatherer::readAttributes(int folder, const std::vector<const char*>& names)
-{
-    std::vector<FileInfoWrapper> infos(names.size());
-    Base::callEach(names.size(), [&](std::size_t index) {
-        if (m_keepRunning)
-            infos[index] = queriedInfo(folder, names[index] + 1, *names[index] == DirectoryMark);
-    });
-    if (!m_keepRunning)
-        return;
-    for (const FileInfoWrapper& info : infos) {
-        if (m_infos.append(info))
+            m_infos.put(infos);
             announce([this] { emit fileInfoBatchReady(); });
+        }
+        names.reset();
     }
 }
 

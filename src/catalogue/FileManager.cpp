@@ -93,14 +93,10 @@ std::vector<std::string> FileManager::getFilenameList(const std::string& path, b
 void FileManager::setFiles(const std::list<std::string>& names)
 {
     d->attempt([&] {
-        auto records = std::make_shared<std::vector<FileNameRecord>>(names.size());
-        auto record = records->begin();
-        for (const std::string& name : names) {
-            Base::copyTruncated(record->name, name.c_str());
-            record->kind = 0;
-            ++record;
-        }
-        d->pendingNames = std::move(records);
+        auto batch = std::make_shared<NameBatch>();
+        for (const std::string& name : names)
+            batch->add(name.c_str(), false);
+        d->pendingNames = std::move(batch);
     });
 }
 

@@ -44,7 +44,7 @@ struct FileManager::Private
         }
     }
 
-    void insert(const std::vector<FileNameRecord>& names);
+    void insert(const NameBatch& names);
     void takeNames();
     bool prepareList();
     void trimPool();

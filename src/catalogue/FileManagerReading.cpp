@@ -23,12 +23,12 @@ int errorOfOpening(const std::string& path)
 
 } // namespace
 
-void FileManager::Private::insert(const std::vector<FileNameRecord>& names)
+void FileManager::Private::insert(const NameBatch& names)
 {
     if (nameOrder && nameOrder->isFinished())
         nameOrder.reset();
-    for (const FileNameRecord& record : names) {
-        const FileInfo* file = index.add(record.name, record.kind == DT_DIR);
+    for (std::size_t i = 0; i < names.size(); ++i) {
+        const FileInfo* file = index.add(names[i].text, names[i].isDirectory);
         if (nameOrder)
             nameOrder->add(file);
     }
@@ -39,10 +39,8 @@ void FileManager::Private::insert(const std::vector<FileNameRecord>& names)
 
 void FileManager::Private::takeNames()
 {
-    if (auto names = gatherer.takeNames()) {
+    if (const auto names = gatherer.takeNames())
         insert(*names);
-        gatherer.giveBackNames(std::move(names));
-    }
 }
 
 // What is left to do when all names are taken; false if the turn is over and not all is done.
