@@ -31,6 +31,14 @@ std::optional<QByteArray> stored(const QString& key)
     return IniText::find(QByteArray::fromStdString(text), key);
 }
 
+QByteArray encoded(const QVariant& value)
+{
+    const QSize size = value.toSize();
+    return value.userType() == QMetaType::QSize
+               ? QStringLiteral("@Size(%1 %2)").arg(size.width()).arg(size.height()).toLatin1()
+               : IniText::encoded(value.toString());
+}
+
 } // namespace
 
 std::string AppSettings::_name = defaultName;
@@ -83,38 +91,14 @@ std::optional<QSize> AppSettings::Size(const QString& key)
     return valid ? std::optional<QSize>(QSize(width, height)) : std::nullopt;
 }
 
-AppSettings::Entry::Entry(QString entryKey, const QString& text)
-    : key(std::move(entryKey))
-    , value(IniText::encoded(text))
-{
-}
-
-AppSettings::Entry::Entry(QString entryKey, int number)
-    : key(std::move(entryKey))
-    , value(QByteArray::number(number))
-{
-}
-
-AppSettings::Entry::Entry(QString entryKey, bool flag)
-    : key(std::move(entryKey))
-    , value(flag ? "true" : "false")
-{
-}
-
-AppSettings::Entry::Entry(QString entryKey, const QSize& size)
-    : key(std::move(entryKey))
-    , value("@Size(" + QByteArray::number(size.width()) + ' ' + QByteArray::number(size.height()) + ')')
-{
-}
-
-bool AppSettings::Store(std::initializer_list<Entry> entries)
+bool AppSettings::Store(std::initializer_list<std::pair<QString, QVariant>> values)
 {
     const QString path = FilePath();
     QDir().mkpath(QFileInfo(path).path());
     const auto edit = [&](int error, std::string& contents) {
         QByteArray text = QByteArray::fromStdString(contents);
-        for (const Entry& entry : entries)
-            text = IniText::replaced(text, entry.key, entry.value);
+        for (const auto& [key, value] : values)
+            text = IniText::replaced(text, key, encoded(value));
         contents = text.toStdString();
         return error == ENOENT ? 0 : error;
     };

@@ -7,6 +7,7 @@
 #include <initializer_list>
 #include <optional>
 #include <string>
+#include <utility>
 
 namespace Halvern::UI {
 
@@ -43,21 +44,11 @@ public:
     static std::optional<bool> Flag(const QString& key);
     static std::optional<QSize> Size(const QString& key);
 
-    /// A value to be stored.
-    struct HVCOREUI_EXPORT Entry
-    {
-        Entry(QString entryKey, const QString& text);
-        Entry(QString entryKey, int number);
-        Entry(QString entryKey, bool flag);
-        Entry(QString entryKey, const QSize& size);
-
-        QString key;
-        QByteArray value; ///< As it stands in the file.
-    };
-    /// Writes values: they are in the file afterwards, and everything else in the file is as it was. False if
-    /// they could not be written, and then the file is as it was. A file that cannot be read is not written.
-    /// Another program that writes the file is waited for, 0.2 seconds at most.
-    static bool Store(std::initializer_list<Entry> entries);
+    /// Writes values under their keys: texts, numbers, flags and sizes. They are in the file afterwards, and
+    /// everything else in the file is as it was. False if they could not be written, and then the file is as
+    /// it was. A file that cannot be read is not written. Another program that writes the file is waited for,
+    /// 0.2 seconds at most.
+    static bool Store(std::initializer_list<std::pair<QString, QVariant>> values);
 
 private:
     static std::string _name;

@@ -17,8 +17,9 @@ class DisclosureButton;
 class HVCOREUI_EXPORT DisclosableWidget
 {
 public:
-    DisclosableWidget();
-    virtual ~DisclosableWidget();
+    DisclosableWidget() = default;
+    // The buttons hear of the end from the QWidget, which may already be gone: they are not followed here.
+    virtual ~DisclosableWidget() = default;
 
     DisclosableWidget(const DisclosableWidget&) = delete;
     DisclosableWidget& operator=(const DisclosableWidget&) = delete;

@@ -3,7 +3,7 @@
 #include "widgets/DisclosableWidget.h"
 #include "widgets/VisibilitySetter.h"
 
-#include <QPainterPath>
+#include <QPolygonF>
 #include <QStyleOptionButton>
 #include <QStyleOptionFocusRect>
 #include <QStylePainter>
@@ -13,6 +13,8 @@ namespace Halvern::UI {
 
 namespace {
 
+constexpr int DarkestLight = 128; // a grey level
+
 // A widget whose own classes are already destroyed is a plain QWidget here, so that its mix-in is not
 // touched.
 DisclosableWidget* disclosable(QWidget* widget)
@@ -20,32 +22,9 @@ DisclosableWidget* disclosable(QWidget* widget)
     return dynamic_cast<DisclosableWidget*>(widget);
 }
 
-QPainterPath triangle(bool open)
+QPolygonF triangle(bool open)
 {
-    QPainterPath path(QPointF(4, 3));
-    if (open) {
-        path.lineTo(13, 3);
-        path.lineTo(8, 11);
-    } else {
-        path.lineTo(12, 7);
-        path.lineTo(4, 12);
-    }
-    path.closeSubpath();
-    return path;
-}
-
-constexpr int DarkestLight = 128; // a grey level
-
-// The triangle is black; on a dark window it needs something to stand on.
-void drawPlate(QPainter& painter, const QRect& widget, const QPalette& palette)
-{
-    if (qGray(palette.color(QPalette::Window).rgb()) >= DarkestLight)
-        return;
-    QPainterPath plate;
-    plate.addRoundedRect(widget & QRect(0, 0, 17, 15), 2, 2);
-    painter.setRenderHint(QPainter::Antialiasing, true);
-    painter.fillPath(plate, palette.color(QPalette::WindowText));
-    painter.setRenderHint(QPainter::Antialiasing, false);
+    return open ? QPolygonF({{4, 3}, {13, 3}, {8, 11}}) : QPolygonF({{4, 3}, {12, 7}, {4, 12}});
 }
 
 } // namespace
@@ -60,8 +39,8 @@ DisclosureButton::DisclosureButton(QWidget* parent, bool showWidgetsWhenChecked)
 DisclosureButton::~DisclosureButton()
 {
     // The connections must end before the base classes do: a widget may be a child of this button.
-    while (!widgets.isEmpty())
-        removeWidget(widgets.constLast());
+    while (!m_widgets.isEmpty())
+        removeWidget(m_widgets.constLast());
 }
 
 void DisclosureButton::addWidget(QWidget* w)
@@ -72,7 +51,7 @@ void DisclosureButton::addWidget(QWidget* w)
     const auto* nested = qobject_cast<DisclosureButton*>(w);
     if (nested && nested->contains(this))
         return;
-    widgets.append(w);
+    m_widgets.append(w);
     connect(w, &QObject::destroyed, this, &DisclosureButton::forgetWidget, Qt::UniqueConnection);
     bool visible = isChecked() && showWhenChecked;
     if (DisclosableWidget* shared = disclosable(w)) {
@@ -84,7 +63,7 @@ void DisclosureButton::addWidget(QWidget* w)
 
 void DisclosureButton::removeWidget(QWidget* w)
 {
-    if (widgets.removeAll(w) == 0)
+    if (m_widgets.removeAll(w) == 0)
         return;
     disconnect(w, &QObject::destroyed, this, &DisclosureButton::forgetWidget);
     if (DisclosableWidget* shared = disclosable(w))
@@ -93,7 +72,7 @@ void DisclosureButton::removeWidget(QWidget* w)
 
 bool DisclosureButton::contains(const DisclosureButton* button) const
 {
-    return button == this || std::any_of(widgets.cbegin(), widgets.cend(), [button](QWidget* widget) {
+    return button == this || std::any_of(m_widgets.cbegin(), m_widgets.cend(), [button](QWidget* widget) {
                const auto* nested = qobject_cast<DisclosureButton*>(widget);
                return nested && nested->contains(button);
            });
@@ -101,37 +80,19 @@ bool DisclosureButton::contains(const DisclosureButton* button) const
 
 void DisclosureButton::forgetWidget(QObject* widget)
 {
-    widgets.removeAll(static_cast<QWidget*>(widget));
+    m_widgets.removeAll(static_cast<QWidget*>(widget));
 }
 
-void DisclosureButton::showWidgets(VisibilitySetter& setter)
+void DisclosureButton::record(VisibilitySetter& setter, bool visible)
 {
-    for (QWidget* widget : qAsConst(widgets)) {
+    for (QWidget* widget : qAsConst(m_widgets)) {
         const DisclosableWidget* shared = disclosable(widget);
-        setter.record(widget, !shared || shared->isDisclosed());
+        setter.record(widget, visible && (!shared || shared->isDisclosed()));
     }
-    for (QWidget* widget : qAsConst(widgets)) {
+    for (QWidget* widget : qAsConst(m_widgets)) {
         if (auto* nested = qobject_cast<DisclosureButton*>(widget))
-            nested->showOrHideWidgets(setter);
+            nested->record(setter, visible && nested->opensGroup());
     }
-}
-
-void DisclosureButton::hideWidgets(VisibilitySetter& setter)
-{
-    for (QWidget* widget : qAsConst(widgets))
-        setter.record(widget, false);
-    for (QWidget* widget : qAsConst(widgets)) {
-        if (auto* nested = qobject_cast<DisclosureButton*>(widget))
-            nested->hideWidgets(setter);
-    }
-}
-
-void DisclosureButton::showOrHideWidgets(VisibilitySetter& setter)
-{
-    if (isChecked() && !isHidden())
-        showWidgets(setter);
-    else
-        hideWidgets(setter);
 }
 
 void DisclosureButton::showOrHideWidgets()
@@ -153,10 +114,19 @@ void DisclosureButton::paintEvent(QPaintEvent* /*event*/)
     QStyleOptionButton option;
     initStyleOption(&option);
 
-    if (isEnabled())
-        drawPlate(painter, rect(), palette());
-    painter.fillPath(triangle(isChecked()),
-                     isEnabled() ? QColor(Qt::black) : palette().color(QPalette::Disabled, QPalette::Light));
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(palette().color(QPalette::Disabled, QPalette::Light));
+    if (isEnabled()) {
+        // The triangle is black; on a dark window it needs something to stand on.
+        if (qGray(palette().color(QPalette::Window).rgb()) < DarkestLight) {
+            painter.setRenderHint(QPainter::Antialiasing, true);
+            painter.setBrush(palette().color(QPalette::WindowText));
+            painter.drawRoundedRect(rect() & QRect(0, 0, 17, 15), 2, 2);
+            painter.setRenderHint(QPainter::Antialiasing, false);
+        }
+        painter.setBrush(Qt::black);
+    }
+    painter.drawConvexPolygon(triangle(isChecked()));
 
     QStyleOptionButton label = option;
     label.rect = style()->subElementRect(QStyle::SE_CheckBoxContents, &option, this);

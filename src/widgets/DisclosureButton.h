@@ -49,13 +49,13 @@ public:
 
     /// Records the group in @p setter as visible, a DisclosableWidget only if it is disclosed, and then lets
     /// each nested button record its own group by showOrHideWidgets(VisibilitySetter&).
-    void showWidgets(VisibilitySetter& setter);
+    void showWidgets(VisibilitySetter& setter) { record(setter, true); }
 
     /// Records the group and the groups of all nested buttons in @p setter as hidden.
-    void hideWidgets(VisibilitySetter& setter);
+    void hideWidgets(VisibilitySetter& setter) { record(setter, false); }
 
     /// showWidgets() if the button is checked and not hidden, else hideWidgets().
-    void showOrHideWidgets(VisibilitySetter& setter);
+    void showOrHideWidgets(VisibilitySetter& setter) { record(setter, opensGroup()); }
 
     /// Shows or hides the button and its group with it.
     void setVisible(bool visible) override;
@@ -69,10 +69,12 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
+    bool opensGroup() const { return isChecked() && !isHidden(); }
+    void record(VisibilitySetter& setter, bool visible);
     bool contains(const DisclosureButton* button) const;
     void forgetWidget(QObject* widget);
 
-    QList<QWidget*> widgets;
+    QList<QWidget*> m_widgets;
     bool showWhenChecked;
 };
 

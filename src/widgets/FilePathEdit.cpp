@@ -10,31 +10,24 @@ FilePathEdit::FilePathEdit(QWidget* parent)
 
 bool FilePathEdit::getPreceedingPathSeparator(int& count) const
 {
-    count = 0;
     const int cursor = cursorPosition();
     // lastIndexOf() would count a negative position from the end of the text.
     const int separator = cursor < 2 ? -1 : text().lastIndexOf(QDir::separator(), cursor - 2);
-    if (separator < 0)
-        return false;
-    count = cursor - 1 - separator;
-    return true;
+    count = separator < 0 ? 0 : cursor - 1 - separator;
+    return separator >= 0;
 }
 
 bool FilePathEdit::getNextPathSeparator(int& count) const
 {
-    count = 0;
     const int cursor = cursorPosition();
     const int separator = text().indexOf(QDir::separator(), cursor + 1);
-    if (separator < 0)
-        return false;
-    count = separator - cursor;
-    return true;
+    count = separator < 0 ? 0 : separator - cursor;
+    return separator >= 0;
 }
 
 void FilePathEdit::keyPressEvent(QKeyEvent* event)
 {
-    const bool control = event->modifiers().testFlag(Qt::ControlModifier) && event->key() != Qt::Key_Control;
-    if (control && editComponent(*event))
+    if (event->modifiers().testFlag(Qt::ControlModifier) && editComponent(*event))
         event->accept();
     else
         QLineEdit::keyPressEvent(event);
@@ -42,71 +35,29 @@ void FilePathEdit::keyPressEvent(QKeyEvent* event)
 
 bool FilePathEdit::editComponent(const QKeyEvent& event)
 {
-    int count = 0;
-    switch (event.key()) {
-    case Qt::Key_Backspace:
-    case Qt::Key_Delete:
-        if (isReadOnly())
-            return false;
-        if (hasSelectedText()) {
-            // The standard handling would extend the selection by a word first.
-            del();
-            return true;
-        }
-        if (event.key() == Qt::Key_Backspace) {
-            if (!getPreceedingPathSeparator(count))
-                return false;
-            backspaceTo(cursorPosition() - count);
-        } else {
-            if (!getNextPathSeparator(count))
-                return false;
-            deleteForwards(count);
-        }
-        return true;
-    case Qt::Key_Left:
-        if (!getPreceedingPathSeparator(count))
-            return false;
-        moveTo(cursorPosition() - count, event.modifiers().testFlag(Qt::ShiftModifier));
-        return true;
-    case Qt::Key_Right:
-        if (!getNextPathSeparator(count))
-            return false;
-        moveTo(cursorPosition() + count, event.modifiers().testFlag(Qt::ShiftModifier));
-        return true;
-    default:
+    const bool backwards = event.key() == Qt::Key_Backspace || event.key() == Qt::Key_Left;
+    const bool deletes = event.key() == Qt::Key_Backspace || event.key() == Qt::Key_Delete;
+    if (!backwards && event.key() != Qt::Key_Delete && event.key() != Qt::Key_Right)
         return false;
-    }
-}
-
-void FilePathEdit::backspaceTo(int position)
-{
-    // One backspace may take two characters, and whoever listens to textEdited() may put in another text.
-    int before = cursorPosition() + 1;
-    while (cursorPosition() > position && cursorPosition() < before) {
-        before = cursorPosition();
-        backspace();
-    }
-}
-
-void FilePathEdit::deleteForwards(int count)
-{
-    const int cursor = cursorPosition();
-    const int length = text().size() - count;
-    int before = text().size() + 1;
-    while (text().size() > length && text().size() < before && cursorPosition() == cursor) {
-        before = text().size();
+    if (deletes && isReadOnly())
+        return false;
+    if (deletes && hasSelectedText()) {
+        // The standard handling would extend the selection by a word first.
         del();
+        return true;
     }
-}
-
-void FilePathEdit::moveTo(int position, bool select)
-{
-    if (!select) {
-        setCursorPosition(position);
-        return;
-    }
+    int count = 0;
+    if (!(backwards ? getPreceedingPathSeparator(count) : getNextPathSeparator(count)))
+        return false;
     int anchor = cursorPosition();
+    const int target = anchor + (backwards ? -count : count);
     if (hasSelectedText())
         anchor = anchor == selectionStart() ? selectionEnd() : selectionStart();
-    setSelection(anchor, position - anchor);
+    if (deletes || event.modifiers().testFlag(Qt::ShiftModifier))
+        setSelection(anchor, target - anchor);
+    else
+        setCursorPosition(target);
+    if (deletes)
+        del();
+    return true;
 }

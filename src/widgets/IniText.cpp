@@ -187,23 +187,15 @@ std::optional<QString> decoded(const QByteArray& value)
             continue;
         }
         const char escape = value.at(i++);
-        const auto digits = [&](int base) {
-            const auto isDigit = [base](char c) {
-                return base == 16 ? std::isxdigit(static_cast<unsigned char>(c)) != 0 : c >= '0' && c < '8';
-            };
-            const int begin = i;
-            while (i < value.size() && isDigit(value.at(i)))
-                ++i;
-            return QChar(static_cast<ushort>(value.mid(begin, i - begin).right(8).toUInt(nullptr, base)));
-        };
-        if (escape == '\n' || escape == '\r')
-            continue;
-        if (escape == 'x') {
-            text += digits(16);
-        } else if (escape >= '0' && escape < '8') {
-            --i;
-            text += digits(8);
-        } else {
+        const bool isHex = escape == 'x';
+        if (isHex || (escape >= '0' && escape < '8')) {
+            const int begin = isHex ? i : i - 1;
+            const std::size_t digits =
+                std::strspn(value.constData() + begin, isHex ? "0123456789abcdefABCDEF" : "01234567");
+            i = begin + static_cast<int>(digits);
+            const uint code = value.mid(begin, i - begin).right(8).toUInt(nullptr, isHex ? 16 : 8);
+            text += QChar(static_cast<ushort>(code));
+        } else if (escape != '\n' && escape != '\r') {
             const char* const known = std::strchr(simpleEscapes, escape);
             text += QLatin1Char(known ? escapedCharacters[known - simpleEscapes] : escape);
         }

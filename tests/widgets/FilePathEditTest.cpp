@@ -55,14 +55,21 @@ private slots:
         QCOMPARE(backspace("/usr/|local/"), QString("/usr/|local/"));
     }
 
-    void endsWhereAListenerChangesTheText()
+    void aDeletionIsOneEdit()
     {
         FilePathEdit edit(nullptr);
-        connect(&edit, &QLineEdit::textEdited, this, [&edit](const QString& text) {
-            if (text == "~/")
-                edit.setText("/home/artist/");
-        });
-        QCOMPARE(pressed(edit, "~/shots/|", {Qt::Key_Backspace}), QString("/home/artist/|"));
+        const QSignalSpy edits(&edit, &QLineEdit::textEdited);
+        for (const Qt::Key key : {Qt::Key_Backspace, Qt::Key_Delete}) {
+            edit.setText("/a/bc/de/f");
+            edit.setCursorPosition(5);
+            edit.insert("x");
+            const int before = edits.size();
+            QTest::keyClick(&edit, key, Qt::ControlModifier);
+            QCOMPARE(edits.size(), before + 1);
+            QCOMPARE(edit.text(), QString(key == Qt::Key_Delete ? "/a/bcx/f" : "/a//de/f"));
+            edit.undo();
+            QCOMPARE(edit.text(), QString("/a/bcx/de/f"));
+        }
     }
 };
 
