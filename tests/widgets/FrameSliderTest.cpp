@@ -1,5 +1,5 @@
 #include "widgets/FrameSlider.h"
-#include "support/Test.h"
+#include "Slider.h"
 
 #include <QAccessible>
 #include <QDialog>
@@ -12,40 +12,81 @@
 
 namespace {
 
-class Slider : public FrameSlider
+using Do = std::function<void(Slider&)>;
+
+struct Gesture
 {
-public:
-    explicit Slider(int width = 220)
-        : FrameSlider(true, nullptr)
-    {
-        resize(width, 31);
-        const auto log = [this](const QString& event) { events += ' ' + event; };
-        connect(this, &FrameSlider::sliderMoved, [log](int value) { log(QString::number(value)); });
-        connect(this, &FrameSlider::sliderRangeChanged, [log] { log("range"); });
-        connect(this, &FrameSlider::sliderInOutChanged, [log] { log("inout"); });
-        connect(this, &FrameSlider::sliderRangeReset, [log] { log("reset"); });
-        connect(this, &FrameSlider::scrubbingChanged, [log](bool on) { log(on ? "scrub" : "free"); });
-    }
-
-    void mouse(QEvent::Type type, QPointF place, Qt::MouseButton button, Qt::KeyboardModifiers modifiers = {})
-    {
-        QMouseEvent event(type, place, place, button, button, modifiers);
-        QApplication::sendEvent(this, &event);
-    }
-    void wheel(QPointF place, QPoint delta)
-    {
-        QWheelEvent event(place, place, {}, delta, Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
-        QApplication::sendEvent(this, &event);
-    }
-    /// "head start:end in:out", of the view and the play range, and the signals so far.
-    QString state() const
-    {
-        const QString ranges = QStringLiteral("%1 %2:%3 %4:%5").arg(value()).arg(viewStart()).arg(viewEnd());
-        return ranges.arg(inPoint()).arg(outPoint()) + events;
-    }
-
-    QString events;
+    const char* name;
+    int head; // before
+    std::vector<Do> steps;
+    const char* wanted; // head, view, play range, events
 };
+
+// For a slider that shows 0 to 100 at two pixels per frame and plays 11 to 89.
+std::vector<Gesture> gestures()
+{
+    constexpr auto left = Qt::LeftButton;
+    constexpr auto right = Qt::RightButton;
+    constexpr auto alt = Qt::AltModifier;
+    constexpr auto ctrl = Qt::ControlModifier;
+    const auto mouse = [](QEvent::Type type, QPointF at, Qt::MouseButton button,
+                          Qt::KeyboardModifiers with = {}) {
+        return [=](Slider& slider) { slider.mouse(type, at, button, with); };
+    };
+    const auto drag = [&](Qt::MouseButton button, Qt::KeyboardModifiers with, QPointF from, QPointF to) {
+        return std::vector<Do>{mouse(QEvent::MouseButtonPress, from, button, with),
+                               mouse(QEvent::MouseMove, to, button),
+                               mouse(QEvent::MouseButtonRelease, to, button)};
+    };
+    const auto wheel = [](double x, QPoint delta) {
+        return std::vector<Do>{[=](Slider& slider) { slider.wheel({x, 5}, delta); }};
+    };
+    const auto key = [](Qt::Key pressed, Qt::KeyboardModifiers with = {}) {
+        return std::vector<Do>{[=](Slider& slider) { QTest::keyClick(&slider, pressed, with); }};
+    };
+    const Do scrub = mouse(QEvent::MouseButtonPress, {110, 5}, left);
+    const Do wait = [](Slider&) { QCoreApplication::processEvents(); };
+    return {
+        {"rounds", 50, drag(left, Qt::ShiftModifier, {110.5, 5}, {108.4, 5}),
+         "49 0:100 11:89 scrub 51 49 free 49"},
+        {"widens", 50, drag(left, {}, {110, 5}, {-10.5, 5}), "-10 -10:100 11:89 scrub 50 -10 free -10"},
+        {"selects", 50, drag(right, {}, {150, 5}, {111.4, 5}), "50 50:70 11:89 range"},
+        {"short of a drag", 50, drag(right, {}, {110, 5}, {113, 6}), "50 0:100 11:89 range reset"},
+        {"pans", 50, drag(left, alt | ctrl, {110, 5}, {131, 5}), "50 -10:90 11:89 range"},
+        {"zooms downwards", 50, drag(right, alt, {110, 5}, {110, 101}), "50 -50:150 11:89 range"},
+        {"zooms to all", 50, drag(right, alt, {110, 5}, {-1e5, 5}), "50 -2147483648:2147483647 11:89 range"},
+        {"in to the head", 50, drag(left, ctrl, {109, 5}, {150, 5}), "50 0:100 50:89 inout inout"},
+        {"out to the head", 50, drag(left, ctrl, {111, 5}, {50, 5}), "50 0:100 11:50 inout inout"},
+        {"in is nearer", 5, drag(left, ctrl, {110, 5}, {230, 5}), "5 0:100 89:89 inout inout"},
+        {"out is nearer", 5, drag(left, ctrl, {111, 5}, {0, 5}), "5 0:100 11:11 inout inout"},
+        {"double click", 50, {mouse(QEvent::MouseButtonDblClick, {110, 5}, left)}, "50 0:100 11:89 scrub 50"},
+        {"second button",
+         50,
+         {scrub, mouse(QEvent::MouseButtonPress, {110, 5}, right),
+          mouse(QEvent::MouseButtonRelease, {110, 5}, left)},
+         "50 0:100 11:89 scrub 50 free reset"},
+        {"is disabled",
+         50,
+         {scrub, [](Slider& slider) { slider.setEnabled(false); }, wait},
+         "50 0:100 11:89 scrub 50 free"},
+        {"wheel", 50, wheel(110, {0, 240}), "50 8:92 11:89 range"},
+        {"wheel back", 50, wheel(110, {0, -15}), "50 -9:111 11:89 range"},
+        {"wheel at the start", 50, wheel(0, {0, 120}), "50 0:84 11:89 range"},
+        {"wheel to the side", 50, wheel(110, {120, 0}), "50 0:100 11:89 range"},
+        {"wheel outside", 50, wheel(219.5, {0, 120}), "50 0:100 11:89"},
+        {"left", 50, key(Qt::Key_Left), "49 0:100 11:89 49"},
+        {"page up", 50, key(Qt::Key_PageUp), "60 0:100 11:89 60"},
+        {"home", 50, key(Qt::Key_Home), "11 0:100 11:89 11"},
+        {"end", 50, key(Qt::Key_End), "89 0:100 11:89 89"},
+        {"pans by key", 50, key(Qt::Key_Left, alt), "50 -10:90 11:89 range"},
+        {"plus", 50, key(Qt::Key_Plus, Qt::ShiftModifier), "50 8:92 11:89 range"},
+        {"minus", 50, key(Qt::Key_Minus, Qt::KeypadModifier), "50 -9:111 11:89 range"},
+        {"in", 50, key(Qt::Key_I), "50 0:100 50:89 inout"},
+        {"out", 50, key(Qt::Key_O), "50 0:100 11:50 inout"},
+        {"reset", 50, key(Qt::Key_F), "50 0:100 11:89 reset"},
+        {"no key of the slider's", 50, key(Qt::Key_Left, ctrl), "50 0:100 11:89"},
+    };
+}
 
 } // namespace
 
@@ -84,8 +125,8 @@ private slots:
         layout.addWidget(&slider);
         window.show();
         window.resize(window.minimumSizeHint());
-        QVERIFY(slider.width() > 0 && slider.height() == 31);
         const int least = slider.width();
+        QVERIFY(least > 0 && slider.height() == 31);
         window.resize(window.width() + 500, 100);
         QTRY_COMPARE(slider.width(), least + 500);
         for (const char* word : {"Ctrl", "Alt", "ight"})
@@ -97,8 +138,7 @@ private slots:
         for (const auto& [first, last] :
              {std::pair(-1, 0), {1001, 1200}, {1, 10000000}, {INT_MIN, INT_MAX}}) {
             for (const int width : {60, 61, 900, 4000}) {
-                Slider slider(width);
-                slider.range(first, last);
+                Slider slider(width, first, last);
                 QVERIFY(slider.valueToMouse(first) == 10 && slider.valueToMouse(last) == width - 10);
                 QCOMPARE(slider.valuePlusOneToMouse(first - 5.0), slider.valuePlusOneToMouse(first));
                 for (int x = 10; x <= width - 10; x += 7)
@@ -111,85 +151,16 @@ private slots:
         }
     }
 
-    // The slider shows 0 to 100 at two pixels per frame and plays 11 to 89.
-    void drags()
+    void doesWhatTheHandAsks()
     {
-        const auto left = Qt::LeftButton;
-        const auto right = Qt::RightButton;
-        const auto alt = Qt::AltModifier;
-        const auto ctrl = Qt::ControlModifier;
-        const auto shift = Qt::ShiftModifier;
-        const struct
-        {
-            const char* name;
-            int head;
-            Qt::MouseButton button;
-            Qt::KeyboardModifiers modifiers;
-            QPointF press;
-            QPointF move;
-            const char* wanted; // head, view, play range, events
-        } rows[] = {
-            {"rounds", 50, left, shift, {110.5, 5}, {108.4, 5}, "49 0:100 11:89 scrub 51 49 free 49"},
-            {"widens", 50, left, {}, {110, 5}, {-10.5, 5}, "-10 -10:100 11:89 scrub 50 -10 free -10"},
-            {"select", 50, right, {}, {150, 5}, {111.4, 5}, "50 50:70 11:89 range"},
-            {"short of a drag", 50, right, {}, {110, 5}, {113, 6}, "50 0:100 11:89 range reset"},
-            {"pan", 50, left, alt | ctrl, {110, 5}, {131, 5}, "50 -10:90 11:89 range"},
-            {"zoom out downwards", 50, right, alt, {110, 5}, {110, 101}, "50 -50:150 11:89 range"},
-            {"zoom to all", 50, right, alt, {110, 5}, {-1e5, 5}, "50 -2147483648:2147483647 11:89 range"},
-            {"in stops at the head", 50, left, ctrl, {109, 5}, {150, 5}, "50 0:100 50:89 inout inout"},
-            {"in is nearer", 5, left, ctrl, {110, 5}, {230, 5}, "5 0:100 89:89 inout inout"},
-            {"out is nearer", 5, left, ctrl, {111, 5}, {0, 5}, "5 0:100 11:11 inout inout"},
-        };
-        for (const auto& row : rows) {
+        for (const Gesture& gesture : gestures()) {
             Slider slider;
-            slider.setValue(row.head);
+            slider.setValue(gesture.head);
             slider.setinout(11, 89);
-            slider.mouse(QEvent::MouseButtonPress, row.press, row.button, row.modifiers);
-            QContextMenuEvent menu(QContextMenuEvent::Mouse, row.press.toPoint());
-            QApplication::sendEvent(&slider, &menu);
-            QVERIFY2(menu.isAccepted(), "a parent's menu would open");
-            slider.mouse(QEvent::MouseMove, row.move, row.button);
-            slider.mouse(QEvent::MouseButtonRelease, row.move, row.button);
-            slider.mouse(QEvent::MouseMove, {50, 5}, Qt::NoButton);
-            QVERIFY2(slider.state() == row.wanted, qPrintable(row.name + (": " + slider.state())));
-        }
-    }
-
-    void wheelZoomsAtTheMouse()
-    {
-        const auto turn = [](double x, QPoint delta) {
-            Slider slider;
-            slider.wheel({x, 5}, delta);
-            return slider.state();
-        };
-        QCOMPARE(turn(110, {0, 240}), QStringLiteral("0 8:92 10:100 range"));
-        QCOMPARE(turn(110, {0, -15}), QStringLiteral("0 -9:111 10:100 range"));
-        QCOMPARE(turn(0, {0, 120}), QStringLiteral("0 0:84 10:100 range"));
-        QCOMPARE(turn(110, {120, 0}), QStringLiteral("0 0:100 10:100 range"));
-        QCOMPARE(turn(219.5, {0, 120}), QStringLiteral("0 0:100 10:100"));
-    }
-
-    void keysDoWhatTheMouseDoes()
-    {
-        const std::tuple<Qt::Key, Qt::KeyboardModifiers, const char*> keys[] = {
-            {Qt::Key_Left, Qt::NoModifier, "49 0:100 10:90 49"},
-            {Qt::Key_PageUp, Qt::NoModifier, "60 0:100 10:90 60"},
-            {Qt::Key_Home, Qt::NoModifier, "10 0:100 10:90 10"},
-            {Qt::Key_End, Qt::NoModifier, "90 0:100 10:90 90"},
-            {Qt::Key_Left, Qt::AltModifier, "50 -10:90 10:90 range"},
-            {Qt::Key_Plus, Qt::ShiftModifier, "50 8:92 10:90 range"},
-            {Qt::Key_Minus, Qt::NoModifier, "50 -9:111 10:90 range"},
-            {Qt::Key_I, Qt::NoModifier, "50 0:100 50:90 inout"},
-            {Qt::Key_O, Qt::NoModifier, "50 0:100 10:50 inout"},
-            {Qt::Key_F, Qt::NoModifier, "50 0:100 10:90 reset"},
-            {Qt::Key_Left, Qt::ControlModifier, "50 0:100 10:90"},
-        };
-        for (const auto& [key, modifiers, expected] : keys) {
-            Slider slider;
-            slider.setinout(10, 90);
-            slider.setValue(50);
-            QTest::keyClick(&slider, key, modifiers);
-            QCOMPARE(slider.state(), QLatin1String(expected));
+            for (const Do& step : gesture.steps)
+                step(slider);
+            slider.hover(50);
+            QVERIFY2(slider.state() == gesture.wanted, qPrintable(gesture.name + (": " + slider.state())));
         }
         Slider end; // of the numbers, without marks
         end.setHideInOut(true);
@@ -198,16 +169,17 @@ private slots:
             QTest::keyClick(&end, key);
         QAccessible::queryAccessibleInterface(&end)->valueInterface()->setCurrentValue(7);
         QCOMPARE(end.events, QStringLiteral(" 0 2147483647 7"));
+        QContextMenuEvent menu(QContextMenuEvent::Mouse, {5, 5});
+        QApplication::sendEvent(&end, &menu);
+        QVERIFY2(menu.isAccepted(), "a parent's menu would open");
     }
 
     void staysInsideTheNumbers()
     {
         for (const int width : {60, 20, 3}) {
-            Slider slider(width);
-            slider.range(INT_MIN, INT_MAX - 10);
+            Slider slider(width, INT_MIN, INT_MAX - 10);
             slider.setinout(INT_MIN, INT_MAX);
-            for (const Qt::KeyboardModifiers modifiers :
-                 {Qt::NoModifier, Qt::AltModifier, Qt::ControlModifier}) {
+            for (const auto modifiers : {Qt::NoModifier, Qt::AltModifier, Qt::ControlModifier}) {
                 for (const Qt::MouseButton button : {Qt::LeftButton, Qt::RightButton}) {
                     slider.mouse(QEvent::MouseButtonPress, {1, 1}, button, modifiers);
                     for (const double x : {-1e9, 0.0, 1e9})
@@ -221,14 +193,23 @@ private slots:
         }
     }
 
+    // A popup gets the release of the button that was pressed on the slider; others get none at all.
     void scrubbingEndsWhenItMust()
     {
+        QMenu menu;
+        menu.addAction(QStringLiteral("one"));
+        Slider other;
         const std::pair<const char*, std::function<void(Slider&)>> losses[] = {
             {"hidden", [](Slider& slider) { slider.hide(); }},
             {"disabled", [](Slider& slider) { slider.setEnabled(false); }},
-            {"behind a modal box", [](Slider& slider) { QDialog(&slider).open(); }},
+            {"modal box", [](Slider& slider) { QDialog(&slider).open(); }},
+            {"popup",
+             [&menu](Slider&) {
+                 menu.popup({300, 300});
+             }},
+            {"no button", [](Slider& slider) { slider.hover(150); }},
+            {"other slider", [&other](Slider&) { other.hover(150); }},
         };
-        Slider other;
         for (const auto& [name, lose] : losses) {
             Slider slider;
             slider.show();
@@ -238,70 +219,26 @@ private slots:
             slider.mouse(QEvent::MouseButtonRelease, {110, 5}, Qt::LeftButton);
             slider.mouse(QEvent::MouseButtonPress, {150, 5}, Qt::LeftButton);
             lose(slider);
-            other.mouse(QEvent::MouseMove, {150, 5}, Qt::NoButton);
+            for (Slider* hovered : {&other, &slider})
+                hovered->hover(150);
             QCoreApplication::processEvents();
+            menu.close();
             QVERIFY2(slider.events + other.events == " scrub 50 reset free scrub 70 free", name);
         }
-    }
-
-    // A popup gets the release of the button that was pressed on the slider.
-    void popupEndsTheDrag()
-    {
-        Slider slider;
-        slider.show();
-        slider.mouse(QEvent::MouseButtonPress, {110, 5}, Qt::LeftButton);
-        QMenu menu;
-        menu.addAction(QStringLiteral("one"));
-        menu.popup({300, 300});
-        QTRY_COMPARE(slider.events, QStringLiteral(" scrub 50 free"));
-        menu.close();
-        slider.mouse(QEvent::MouseButtonPress, {110, 5}, Qt::LeftButton);
-        Slider other; // the release was lost without a popup
-        for (Slider* one : {&other, &slider})
-            one->mouse(QEvent::MouseMove, {150, 5}, Qt::NoButton);
-        QTRY_COMPARE(slider.events, QStringLiteral(" scrub 50 free scrub 50 free"));
-        QCOMPARE(other.events, QString());
     }
 
     // Every gesture is done until its first, its second, … signal has deleted the slider.
     void maySafelyBeDeletedByAnySignal()
     {
-        using Do = std::function<void(Slider&)>;
-        const auto mouse = [](QEvent::Type type, Qt::MouseButton button, Qt::KeyboardModifiers keys = {}) {
-            return [=](Slider& slider) { slider.mouse(type, {130, 5}, button, keys); };
-        };
-        const auto press = QEvent::MouseButtonPress;
-        const auto release = QEvent::MouseButtonRelease;
-        const auto left = Qt::LeftButton;
-        const auto right = Qt::RightButton;
-        const Do move = mouse(QEvent::MouseMove, left);
-        const Do lost = mouse(QEvent::MouseMove, Qt::NoButton);
-        const Do scrub = mouse(press, left);
-        std::vector<std::vector<Do>> gestures = {
-            {scrub, move, mouse(release, left), mouse(QEvent::MouseButtonDblClick, left)},
-            {mouse(press, left, Qt::ControlModifier), move, mouse(release, left)},
-            {mouse(press, left, Qt::AltModifier), move, mouse(release, left)},
-            {mouse(press, right, Qt::AltModifier), move, mouse(release, right)},
-            {mouse(press, right), move, mouse(release, right)},
-            {scrub, mouse(press, right), mouse(release, left)},
-            {scrub, lost,
-             [](Slider& slider) {
-                 slider.wheel({110, 5}, {0, 120});
-             }},
-            {scrub, [](Slider& slider) { slider.hide(); }},
-            {scrub, [](Slider& slider) { slider.setEnabled(false); }},
-            {scrub, [](Slider& slider) { slider.parentWidget()->hide(); }},
-        };
-        for (const Qt::Key key : {Qt::Key_Right, Qt::Key_I, Qt::Key_O, Qt::Key_Plus, Qt::Key_F})
-            gestures.push_back({[key](Slider& slider) { QTest::keyClick(&slider, key); }});
         Slider other;
-        for (const std::vector<Do>& gesture : gestures) {
+        for (const Gesture& gesture : gestures()) {
             int fatal = 1;
             for (bool deleted = true; deleted; ++fatal) {
                 QWidget parent;
                 const QPointer<Slider> slider = new Slider;
                 slider->setParent(&parent);
-                slider->setValue(30);
+                slider->setValue(gesture.head);
+                slider->setinout(11, 89);
                 parent.show();
                 int emitted = 0;
                 const auto count = [&] { ++emitted == fatal ? delete slider.data() : void(); };
@@ -310,16 +247,16 @@ private slots:
                 connect(slider, &FrameSlider::sliderInOutChanged, count);
                 connect(slider, &FrameSlider::sliderRangeReset, count);
                 connect(slider, &FrameSlider::scrubbingChanged, count);
-                for (const Do& step : gesture) {
+                for (const Do& step : gesture.steps) {
                     if (slider)
                         step(*slider);
                     QCoreApplication::processEvents();
                 }
                 deleted = !slider;
-                other.mouse(QEvent::MouseMove, {150, 5}, left);
+                other.mouse(QEvent::MouseMove, {150, 5}, Qt::LeftButton);
                 QCOMPARE(other.events, QString());
             }
-            QVERIFY(fatal > 2);
+            QCOMPARE(fatal > 2, QByteArray(gesture.wanted).count(' ') > 2); // it has signals
         }
     }
 };
