@@ -33,6 +33,7 @@ struct PictureDescription
     QString compression;    ///< "zip".
     QString colourSpace;    ///< "sRGB", "linear", "Cineon log", or a name of the OCIO configuration.
     QString timeCode;       ///< "01:02:03:04".
+    QString font;           ///< The name of the font of which the picture is a sample; empty for a picture.
     double frameRate = 0;   ///< Frames a second; 0 if the file does not say.
 };
 

@@ -108,7 +108,8 @@ QByteArray frame(const Answer& answer)
                << answer.dataWindow << answer.pixelAspect;
         writeList(stream, answer.channels);
         stream << text(answer.depth) << text(answer.compression) << text(answer.colourSpace)
-               << text(answer.timeCode) << answer.frameRate << answer.size << answer.pixels;
+               << text(answer.timeCode) << text(answer.font) << answer.frameRate << answer.size
+               << answer.pixels;
     });
 }
 
@@ -139,7 +140,7 @@ std::optional<Answer> readAnswer(const QByteArray& payload)
             answer.dataWindow >> answer.pixelAspect;
         answer.channels = readList(stream);
         stream >> answer.depth >> answer.compression >> answer.colourSpace >> answer.timeCode >>
-            answer.frameRate >> answer.size >> answer.pixels;
+            answer.font >> answer.frameRate >> answer.size >> answer.pixels;
     });
     if (!isWhole || !isPlausible(answer))
         return {};

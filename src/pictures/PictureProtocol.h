@@ -37,7 +37,7 @@ struct Answer : PictureDescription
     FileVersion version;      ///< Of the file, looked up before it was read.
     bool isUnchanged = false; ///< The file is the one that the request knows. The answer says nothing else.
     QString reason;           ///< Why there is no picture, in words; empty if there is one.
-    QSize size;               ///< Of the pixels: fits the request's, with square pixels; never enlarged.
+    QSize size{0, 0};         ///< Of the pixels: fits the request's, with square pixels; never enlarged.
     QByteArray pixels;        ///< Rows from the top, without padding, as in Picture::image.
 };
 

@@ -1,24 +1,61 @@
-#include "pictures/program/QtPictures.h"
+#include "pictures/program/Pictures.h"
 #include "pictures/program/Service.h"
+#ifdef COREUI_WITH_OPENIMAGEIO
+#include <OpenImageIO/imageio.h>
+#endif
 
 #include <QGuiApplication>
+#include <algorithm>
 #include <csignal>
 #include <fcntl.h>
+#include <malloc.h>
+#include <sys/resource.h>
+#include <thread>
 #include <unistd.h>
 
 using namespace Halvern::UI;
 
+// Limits the address space to COREUI_PICTURES_MEMORY megabytes, 4096 by default, so that a damaged or huge
+// file cannot take the memory of the machine. 0 is no limit.
+static void limitMemory()
+{
+    bool isNumber = false;
+    const int chosen = qEnvironmentVariableIntValue("COREUI_PICTURES_MEMORY", &isNumber);
+    const rlim_t megabytes = isNumber && chosen >= 0 ? rlim_t(chosen) : 4096;
+    rlimit limit = {};
+    if (megabytes == 0 || getrlimit(RLIMIT_AS, &limit) != 0)
+        return;
+    limit.rlim_cur = std::min(limit.rlim_max, megabytes << 20);
+    setrlimit(RLIMIT_AS, &limit);
+    // No files of crashes.
+    const rlimit none = {};
+    setrlimit(RLIMIT_CORE, &none);
+}
+
+// Stacks and heaps of threads count as address space, on a machine with many cores too.
+static void limitThreads()
+{
+#ifdef COREUI_WITH_OPENIMAGEIO
+    const int threads = std::clamp(int(std::thread::hardware_concurrency()), 1, 16);
+    OIIO::attribute("threads", threads);
+    OIIO::attribute("exr_threads", threads);
+#endif
+    mallopt(M_ARENA_MAX, 4);
+}
+
 int main(int argc, char** argv)
 {
-    // Whatever a library prints must not get among the answers.
+    // What a library prints must not get among the answers.
     const int output = fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, 3);
     if (output < 0 || dup2(STDERR_FILENO, STDOUT_FILENO) < 0)
         return 1;
     signal(SIGPIPE, SIG_IGN);
-    // The application that started this program may use other plugins, and a display.
+    limitMemory();
+    limitThreads();
+    // The application that started this program may have plugins of another Qt, and a display. Fonts need
+    // neither.
     qunsetenv("QT_PLUGIN_PATH");
-    qputenv("QT_QPA_PLATFORM", "offscreen");
+    qputenv("QT_QPA_PLATFORM", "minimal:enable_fonts");
     const QGuiApplication application(argc, argv);
-
-    return serve(STDIN_FILENO, output, readWithQt) ? 0 : 1;
+    return serve(STDIN_FILENO, output, readPicture) ? 0 : 1;
 }

@@ -1,0 +1,18 @@
+# OpenImageIO for the program that reads pictures, if it is there: OpenImageIO_FOUND and its target.
+option(COREUI_WITH_OPENIMAGEIO "Read pictures with OpenImageIO, if it is found" ON)
+if(COREUI_WITH_OPENIMAGEIO)
+    find_package(OpenImageIO 2.3 QUIET)
+endif()
+if(OpenImageIO_FOUND)
+    # Debian's target names folders of packages that it does not depend on.
+    get_target_property(folders OpenImageIO::OpenImageIO INTERFACE_INCLUDE_DIRECTORIES)
+    set(existing "")
+    foreach(folder IN LISTS folders)
+        if(EXISTS ${folder})
+            list(APPEND existing ${folder})
+        endif()
+    endforeach()
+    set_target_properties(OpenImageIO::OpenImageIO PROPERTIES INTERFACE_INCLUDE_DIRECTORIES "${existing}")
+else()
+    message(STATUS "Without OpenImageIO: pictures are read with Qt alone.")
+endif()
