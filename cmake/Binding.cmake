@@ -1,12 +1,12 @@
 # The Python module, made by the binding generator from src/python: coreui_generated and coreui_conversions, which
 # go into the shared library. Defines COREUI_TYPE_STUB, the file of types that is installed beside it.
-set(script "import os, sipbuild, PyQt5.sip; print(os.path.join(PyQt5.__path__[0], 'bindings'))")
+set(script "import os, sipbuild, PyQt${COREUI_QT} as qt, PyQt${COREUI_QT}.sip; print(os.path.join(qt.__path__[0], 'bindings'))")
 execute_process(COMMAND ${Python3_EXECUTABLE} -c "${script}" RESULT_VARIABLE result
     OUTPUT_VARIABLE COREUI_PYQT_BINDINGS ERROR_VARIABLE error OUTPUT_STRIP_TRAILING_WHITESPACE)
 if(NOT result EQUAL 0 OR NOT EXISTS ${COREUI_PYQT_BINDINGS}/QtWidgets/QtWidgetsmod.sip)
-    message(FATAL_ERROR "The Python module needs a python3 that has PyQt5 with its .sip files, and sip's generator; "
-        "${Python3_EXECUTABLE} has not. On Debian: apt install python3-dev python3-pyqt5 python3-pyqt5.sip "
-        "pyqt5-dev sip-tools. Another one is chosen with -DPython3_EXECUTABLE=/path/to/python3.\n${error}")
+    message(FATAL_ERROR "The Python module needs a python3 that has PyQt${COREUI_QT} with its .sip files, and sip's generator; "
+        "${Python3_EXECUTABLE} has not. On Debian: apt install python3-dev "
+        "python3-pyqt${COREUI_QT} python3-pyqt${COREUI_QT}.sip pyqt${COREUI_QT}-dev sip-tools. Another one is chosen with -DPython3_EXECUTABLE=/path/to/python3.\n${error}")
 endif()
 
 set(COREUI_SIP_DIR ${PROJECT_SOURCE_DIR}/src/python)
@@ -41,7 +41,7 @@ add_library(coreui_generated OBJECT ${generated}/sip_HvMirefoldCoreUIpart0.cpp)
 set_target_properties(coreui_generated PROPERTIES AUTOMOC OFF)
 target_include_directories(coreui_generated PRIVATE ${folder}/generated ${generated} ${PROJECT_SOURCE_DIR}/src)
 target_compile_options(coreui_generated PRIVATE -w)
-target_link_libraries(coreui_generated PRIVATE Qt5::Widgets coreui_python)
+target_link_libraries(coreui_generated PRIVATE Qt${COREUI_QT}::Widgets coreui_python)
 
 add_library(coreui_conversions OBJECT ${COREUI_SIP_DIR}/Conversions.cpp)
 target_include_directories(coreui_conversions PUBLIC ${PROJECT_SOURCE_DIR}/src)

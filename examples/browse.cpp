@@ -203,7 +203,9 @@ int main(int argc, char** argv)
     }
     if (!options.needsWindow())
         qputenv("QT_QPA_PLATFORM", "offscreen");
+#if QT_VERSION < QT_VERSION_CHECK(6, 0, 0)
     QApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
+#endif
     const QApplication application(argc, argv);
     FileBrowser::SetUseLastSavedDir(false);
     FileBrowser::SetAssumeZeroPadding(true);

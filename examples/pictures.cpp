@@ -216,7 +216,7 @@ bool pictureSliders(const QString& file)
         if (slider->frameFirst() != 89001)
             continue;
         const QPoint nearEnd(slider->valueToMouse(89771), 5);
-        QMouseEvent move(QEvent::MouseMove, nearEnd, Qt::NoButton, {}, {});
+        QMouseEvent move(QEvent::MouseMove, nearEnd, nearEnd, Qt::NoButton, {}, {});
         QApplication::sendEvent(slider, &move);
     }
     return picture(window, file);
@@ -226,7 +226,9 @@ bool pictureSliders(const QString& file)
 
 int main(int argc, char** argv)
 {
+#if QT_VERSION < QT_VERSION_CHECK(6, 0, 0)
     QApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
+#endif
     const QApplication application(argc, argv);
     QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
     if (argc != 3 && argc != 4) {

@@ -80,7 +80,9 @@ void printSignals(FrameSlider& slider)
 
 int main(int argc, char** argv)
 {
+#if QT_VERSION < QT_VERSION_CHECK(6, 0, 0)
     QApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
+#endif
     const QApplication application(argc, argv);
     QCommandLineParser parser;
     parser.setApplicationDescription(

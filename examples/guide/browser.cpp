@@ -10,7 +10,9 @@ using Halvern::UI::FileBrowser;
 
 int main(int argc, char** argv)
 {
+#if QT_VERSION < QT_VERSION_CHECK(6, 0, 0)
     QApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
+#endif
     QApplication application(argc, argv);
     // Class-wide, once, before the first browser is made.
     Halvern::UI::AppSettings::SetName("Comp");

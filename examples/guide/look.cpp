@@ -9,7 +9,9 @@ using Halvern::UI::FileBrowser;
 
 int main(int argc, char** argv)
 {
+#if QT_VERSION < QT_VERSION_CHECK(6, 0, 0)
     QApplication::setAttribute(Qt::AA_UseHighDpiPixmaps); // sharp icons at every scale
+#endif
     QApplication application(argc, argv);
     QTranslator translator;
     if (translator.load(QLocale(), "HvMirefoldCoreUI", "_", "/opt/comp/translations"))

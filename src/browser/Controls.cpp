@@ -151,8 +151,7 @@ void Controls::makeOptions(FileBrowser* browser)
                         FileBrowser::tr("Only show files matching the filter."));
     filterCombo->setEditable(true);
     filterCombo->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
-    for (const char* signal : {SIGNAL(currentIndexChanged(QString)), SIGNAL(editTextChanged(QString))})
-        QObject::connect(filterCombo, signal, browser, SLOT(filterChanged(QString)));
+    QObject::connect(filterCombo, SIGNAL(currentTextChanged(QString)), browser, SLOT(filterChanged(QString)));
     filterLabel = named(new QLabel(FileBrowser::tr("Filter:"), browser), "filterLabel", QString(), QString());
     problemLabel = named(new QLabel(browser), "problemLabel", QString(), QString());
     problemLabel->setTextFormat(Qt::PlainText);

@@ -25,7 +25,7 @@ namespace Halvern::UI {
 QString FileBrowser::Private::typedNamePrefix() const
 {
     const QString text = m_controls.filenameEdit->text();
-    int separator = text.lastIndexOf(QLatin1Char('/'));
+    auto separator = text.lastIndexOf(QLatin1Char('/'));
     if (separator < 0 || text.endsWith(QLatin1Char('\\')))
         separator = text.lastIndexOf(QLatin1Char('\\'));
     return text.mid(separator + 1);

@@ -102,10 +102,10 @@ void FileBrowser::setFilename(const QString& name)
     const QFileInfo info = hasFolder ? QFileInfo(name) : QFileInfo(d->m_directory, name);
     setDirectory(info.dir(), false, true);
     const QString path = info.filePath();
-    const int nameLength = info.fileName().length();
+    const auto nameLength = static_cast<int>(info.fileName().length());
     d->m_controls.filenameEdit->setText(path);
     d->m_controls.filenameEdit->setFocus(Qt::OtherFocusReason);
-    d->m_controls.filenameEdit->setSelection(path.length() - nameLength, nameLength);
+    d->m_controls.filenameEdit->setSelection(static_cast<int>(path.length()) - nameLength, nameLength);
     if (!name.isEmpty() && !name.endsWith(QLatin1Char('/')))
         setFilterBlock(true);
     emit choiceChanged();
@@ -201,7 +201,7 @@ QString FileBrowser::Private::getCommonPrefix() const
         return {};
     const QString first = completionText(0);
     const QString firstLower = first.toLower();
-    int length = first.length();
+    auto length = first.length();
     for (int row = 1; row < rows; ++row) {
         const QString other = completionText(row).toLower();
         length = qMin(length, other.length());

@@ -61,7 +61,8 @@ bool FileBrowser::FilesList::event(QEvent* event)
 void FileBrowser::FilesList::mousePressEvent(QMouseEvent* event)
 {
     if (event->button() == Qt::RightButton) {
-        emit menuRequested(event->globalPos(), m_proxy->mapToSource(indexAt(event->pos())));
+        emit menuRequested(viewport()->mapToGlobal(event->pos()),
+                           m_proxy->mapToSource(indexAt(event->pos())));
         return;
     }
     m_pressedFolder = m_model->directory().path();
@@ -150,7 +151,7 @@ void FileBrowser::FilesList::paintEvent(QPaintEvent* event)
     QTreeView::paintEvent(event);
     if (m_notice.isEmpty())
         return;
-    constexpr double Strength = 0.6; // grey, and still legible
+    constexpr float Strength = 0.6F; // grey, and still legible
     const int margin = fontMetrics().height();
     QColor colour = palette().color(QPalette::Text);
     colour.setAlphaF(Strength);

@@ -19,15 +19,16 @@ using Path = std::vector<uint>;
 int endOfSet(const QVector<uint>& pattern, int begin)
 {
     const int first = begin + (pattern.value(begin + 1) == '!' ? 2 : 1);
+    const int size = static_cast<int>(pattern.size());
     if (pattern.value(begin + 1) == '^') // for Qt a "]" after it is a member
-        return pattern.size();
-    for (int i = first; i < pattern.size(); ++i) {
+        return size;
+    for (int i = first; i < size; ++i) {
         if (pattern[i] == ']' && i > first)
             return i;
         if (pattern[i] == '/' || pattern[i] == '[')
             break;
     }
-    return pattern.size();
+    return size;
 }
 
 // The pattern as characters in one letter case and wildcards; empty if it is left to Qt.

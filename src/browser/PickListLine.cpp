@@ -30,7 +30,7 @@ void PickListLine::showPaths(const QStringList& paths)
 
 void PickListLine::mousePressEvent(QMouseEvent* event)
 {
-    emit menuRequested(event->globalPos());
+    emit menuRequested(mapToGlobal(event->pos()));
 }
 
 } // namespace Halvern::UI

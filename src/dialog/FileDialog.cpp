@@ -76,7 +76,7 @@ void FileDialog::setVisible(bool visible)
 {
     const int cursor = m_filenameEdit->cursorPosition();
     const int start = m_filenameEdit->selectionStart();
-    const int length = m_filenameEdit->selectedText().length();
+    const int length = m_filenameEdit->selectionLength();
     const bool firstShow = visible && !m_wasShown;
     m_wasShown = m_wasShown || visible;
     // The size may have been given after the preview was opened.

@@ -6,23 +6,19 @@
 namespace Halvern::UI {
 
 FilePreview::Preview::Preview(QWidget* parent)
-    : QGLWidget(parent)
+    : Base::DrawingSurface(parent)
 {
     setMinimumSize(512, 256);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
 }
 
-// A buffer that nobody draws into shows what was on the screen before.
-void FilePreview::Preview::glDraw()
-{
-    makeCurrent();
-    if (isValid() && QOpenGLContext::currentContext())
-        QOpenGLContext::currentContext()->functions()->glClear(GL_COLOR_BUFFER_BIT);
-    QGLWidget::glDraw();
-}
-
 void FilePreview::Preview::resizeGL(int /*width*/, int /*height*/) {}
 
-void FilePreview::Preview::paintGL() {}
+// A buffer that nobody draws into shows what was on the screen before.
+void FilePreview::Preview::paintGL()
+{
+    if (isValid() && QOpenGLContext::currentContext())
+        QOpenGLContext::currentContext()->functions()->glClear(GL_COLOR_BUFFER_BIT);
+}
 
 } // namespace Halvern::UI

@@ -48,8 +48,7 @@ QString bounded(const QString& text)
 {
     constexpr int MostCharacters = 4000;
     static const QRegularExpression lineEnd(QStringLiteral("[\\r\\n]"));
-    const int end = text.indexOf(lineEnd);
-    return text.left(end < 0 ? MostCharacters : std::min(end, MostCharacters));
+    return text.left(MostCharacters).section(lineEnd, 0, 0);
 }
 
 QString quoted(const QString& text)

@@ -25,7 +25,7 @@ FavoritesModel::FavoritesModel(const QList<Favorite>* list, const QColor* highli
 
 int FavoritesModel::rowCount(const QModelIndex& parent) const
 {
-    return parent.isValid() ? 0 : rows.size();
+    return parent.isValid() ? 0 : static_cast<int>(rows.size());
 }
 
 QVariant FavoritesModel::data(const QModelIndex& index, int role) const

@@ -160,7 +160,7 @@ void FavoritesStore::take(int error, QList<Favorite>& loaded, Duplicates duplica
     // All have one rank, so each belongs after the one before.
     for (int i = 0; i < loaded.size(); ++i)
         favorites.insert(position + i, loaded.at(i));
-    resolve(position, loaded.size());
+    resolve(position, static_cast<int>(loaded.size()));
 }
 
 void FavoritesStore::load()
@@ -308,7 +308,7 @@ QIcon FavoritesStore::findIcon(const Favorite& favorite)
 
 void FavoritesStore::resolveAll()
 {
-    resolve(0, ensureList().size());
+    resolve(0, static_cast<int>(ensureList().size()));
 }
 
 void FavoritesStore::resolve(int first, int count)

@@ -65,8 +65,9 @@ bool read(const char* name, int& frame, char* pattern, int& digits, bool& padded
 
 bool read(const QString& name, QString& pattern, int& frame)
 {
-    const DigitRun run = findFrameDigits(name.size(), name.lastIndexOf(QLatin1Char('.')),
-                                         [&name](int i) { return name.at(i).isDigit(); });
+    const DigitRun run =
+        findFrameDigits(static_cast<int>(name.size()), static_cast<int>(name.lastIndexOf(QLatin1Char('.'))),
+                        [&name](int i) { return name.at(i).isDigit(); });
     if (run.length == 0)
         return false;
     qint64 number = 0;
@@ -90,7 +91,7 @@ bool reconcilePatterns(QString& a, QString& b)
     using Placeholder::after, Placeholder::before;
     if (before(a) != before(b) || after(a) != after(b))
         return false;
-    const QString common = before(b) + QLatin1Char(Placeholder::Hash) + after(b);
+    const QString common = before(b).toString() + QLatin1Char(Placeholder::Hash) + after(b).toString();
     a = b = common;
     return true;
 }

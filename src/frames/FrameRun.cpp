@@ -82,8 +82,10 @@ std::vector<Base::FrameRange> FrameRun::presentRuns() const
 
 QString FrameRun::fileNameOf(int frame) const
 {
-    const std::string number = Base::zeroPadded(frame, m_pattern.count(QLatin1Char(Placeholder::Hash)));
-    return Placeholder::before(m_pattern) + QLatin1String(number.c_str()) + Placeholder::after(m_pattern);
+    const std::string number =
+        Base::zeroPadded(frame, static_cast<int>(m_pattern.count(QLatin1Char(Placeholder::Hash))));
+    return Placeholder::before(m_pattern).toString() + QLatin1String(number.c_str()) +
+           Placeholder::after(m_pattern).toString();
 }
 
 } // namespace Halvern::UI

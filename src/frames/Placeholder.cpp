@@ -23,7 +23,7 @@ const QRegularExpression& tokenExpression()
 
 int beginOfName(const QString& path)
 {
-    return path.lastIndexOf(QLatin1Char('/')) + 1;
+    return static_cast<int>(path.lastIndexOf(QLatin1Char('/'))) + 1;
 }
 
 // Reads a number as "%d" does, except that what is too large becomes the largest int.
@@ -42,12 +42,12 @@ bool readNumber(const char*& text, int& number)
 
 QString withToken(const QString& name)
 {
-    const int first = name.indexOf(HashCharacter);
+    const auto first = name.indexOf(HashCharacter);
     if (first < 0)
         return name;
-    const int width = name.lastIndexOf(HashCharacter) + 1 - first;
+    const auto width = name.lastIndexOf(HashCharacter) + 1 - first;
     const QString digits = width > 1 ? QLatin1Char('0') + QString::number(width) : QString();
-    return before(name) % QLatin1Char('%') % digits % QLatin1Char('d') % after(name);
+    return before(name).toString() % QLatin1Char('%') % digits % QLatin1Char('d') % after(name).toString();
 }
 
 QString withHashes(const QString& name)
@@ -55,25 +55,25 @@ QString withHashes(const QString& name)
     const QRegularExpressionMatch token = tokenExpression().match(name);
     if (!token.hasMatch())
         return name;
-    const int width = std::clamp(token.capturedRef(1).toInt(), 1, MostDigits);
+    const int width = std::clamp(token.captured(1).toInt(), 1, MostDigits);
     return QString(name).replace(tokenExpression(), QString(width, HashCharacter));
 }
 
 QString withFrame(const QString& path, int frame)
 {
     const int name = beginOfName(path);
-    int start = path.indexOf(HashCharacter, name);
-    int length = path.lastIndexOf(HashCharacter) + 1 - start;
-    int width = length;
+    auto start = path.indexOf(HashCharacter, name);
+    auto length = path.lastIndexOf(HashCharacter) + 1 - start;
+    auto width = static_cast<int>(length);
     if (start < 0) {
         const QRegularExpressionMatch token = tokenExpression().match(path, name);
         if (!token.hasMatch())
             return path;
         start = token.capturedStart();
         length = token.capturedLength();
-        width = token.capturedRef(1).toInt();
+        width = token.captured(1).toInt();
     }
-    const int digits = QString::number(std::abs(static_cast<long long>(frame))).size();
+    const auto digits = static_cast<int>(QString::number(std::abs(static_cast<long long>(frame))).size());
     const QString zeros(std::max(std::min(width, MostDigits) - digits, 0), QLatin1Char('0'));
     return QString(path).replace(start, length, zeros + QString::number(frame));
 }
@@ -87,22 +87,23 @@ std::string widened(std::string_view pattern, int hashes)
     return name;
 }
 
-QStringRef before(const QString& pattern)
+QStringView before(const QString& pattern)
 {
-    return pattern.leftRef(pattern.indexOf(HashCharacter));
+    const auto hash = pattern.indexOf(HashCharacter);
+    return hash < 0 ? QStringView(pattern) : QStringView(pattern).left(hash);
 }
 
-QStringRef after(const QString& pattern)
+QStringView after(const QString& pattern)
 {
-    return pattern.midRef(pattern.lastIndexOf(HashCharacter) + 1);
+    return QStringView(pattern).mid(pattern.lastIndexOf(HashCharacter) + 1);
 }
 
 std::optional<NameWithRange> splitRange(const QString& path)
 {
     const int name = beginOfName(path);
-    const int runs = path.indexOf(QLatin1String(" ("), name);
-    const int end = runs < 0 ? path.size() : runs;
-    const int blank = path.leftRef(end).lastIndexOf(QLatin1Char(' '));
+    const auto runs = path.indexOf(QLatin1String(" ("), name);
+    const auto end = runs < 0 ? path.size() : runs;
+    const auto blank = path.left(end).lastIndexOf(QLatin1Char(' '));
     if (blank < name)
         return std::nullopt;
     const QByteArray range = path.mid(blank + 1, end - blank - 1).toLatin1();

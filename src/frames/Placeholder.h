@@ -1,7 +1,7 @@
 #pragma once
 
 #include <QString>
-#include <QStringRef>
+#include <QStringView>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -33,8 +33,8 @@ std::string widened(std::string_view pattern, int hashes);
 
 /// The text of a pattern before its first "#" and after its last; all of it, both times, if it has none. They
 /// refer to @p pattern. Example: "f.##.exr" gives "f." and ".exr".
-QStringRef before(const QString& pattern);
-QStringRef after(const QString& pattern);
+QStringView before(const QString& pattern);
+QStringView after(const QString& pattern);
 
 /// A name and the range that it carried.
 struct NameWithRange

@@ -1,6 +1,7 @@
 #include "pictures/PictureProtocol.h"
 
 #include <QDataStream>
+#include <QIODevice>
 #include <QtEndian>
 #include <algorithm>
 #include <cmath>

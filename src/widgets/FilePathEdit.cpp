@@ -12,7 +12,7 @@ bool FilePathEdit::getPreceedingPathSeparator(int& count) const
 {
     const int cursor = cursorPosition();
     // lastIndexOf() would count a negative position from the end of the text.
-    const int separator = cursor < 2 ? -1 : text().lastIndexOf(QDir::separator(), cursor - 2);
+    const int separator = cursor < 2 ? -1 : static_cast<int>(text().lastIndexOf(QDir::separator(), cursor - 2));
     count = separator < 0 ? 0 : cursor - 1 - separator;
     return separator >= 0;
 }
@@ -20,7 +20,7 @@ bool FilePathEdit::getPreceedingPathSeparator(int& count) const
 bool FilePathEdit::getNextPathSeparator(int& count) const
 {
     const int cursor = cursorPosition();
-    const int separator = text().indexOf(QDir::separator(), cursor + 1);
+    const auto separator = static_cast<int>(text().indexOf(QDir::separator(), cursor + 1));
     count = separator < 0 ? 0 : separator - cursor;
     return separator >= 0;
 }

@@ -1,6 +1,8 @@
 // The mouse and the wheel over a frame slider.
 
 #include "widgets/FrameSlider.h"
+
+#include "base/QtVersion.h"
 #include "widgets/Rounding.h"
 
 #include <QApplication>
@@ -20,15 +22,6 @@ constexpr double WheelStep = 0.25; // of a doubling
 QPoint wholePixels(const QPointF& position)
 {
     return {Rounding::frame(Rounding::halfUp(position.x())), Rounding::frame(Rounding::halfUp(position.y()))};
-}
-
-QPointF wheelPosition(const QWheelEvent& event)
-{
-#if QT_VERSION >= QT_VERSION_CHECK(5, 14, 0)
-    return event.position();
-#else
-    return event.posF();
-#endif
 }
 
 // A drag across several screens would leave the range of float, and infinity times nothing is no number.
@@ -59,7 +52,7 @@ void FrameSlider::mousePressEvent(QMouseEvent* event)
     }
     if (s_dragged && (s_dragged != this || dragMode == DragMode::Hovering))
         s_dragged->loseMouse();
-    s_pressed = wholePixels(event->localPos());
+    s_pressed = wholePixels(Halvern::Base::positionOf(*event));
     s_pressedValue = mouseToValue(s_pressed.x());
     s_pressedFrame = selectEnd = frameUnderMouse(s_pressed.x());
     s_pressedStart = m_viewStart;
@@ -83,7 +76,7 @@ FrameSlider::DragMode FrameSlider::modeOfPress(const QMouseEvent& event) const
     if (!left)
         return DragMode::Selecting;
     if (event.modifiers() & Qt::ControlModifier)
-        return pointAt(wholePixels(event.localPos()).x());
+        return pointAt(wholePixels(Halvern::Base::positionOf(event)).x());
     return DragMode::Scrubbing;
 }
 
@@ -106,7 +99,7 @@ void FrameSlider::mouseMoveEvent(QMouseEvent* event)
     const bool dragging = dragMode > DragMode::Hovering;
     if (s_dragged && (s_dragged != this || (dragging && event->buttons() == Qt::NoButton)))
         s_dragged->loseMouse();
-    drag(wholePixels(event->localPos()));
+    drag(wholePixels(Halvern::Base::positionOf(*event)));
 }
 
 void FrameSlider::drag(QPoint mouse)
@@ -238,7 +231,7 @@ void FrameSlider::loseMouse()
 
 void FrameSlider::mouseReleaseEvent(QMouseEvent* event)
 {
-    const QPoint mouse = wholePixels(event->localPos());
+    const QPoint mouse = wholePixels(Halvern::Base::positionOf(*event));
     const DragMode mode = giveMouse();
     const QPointer<FrameSlider> existing(this);
     // Another button may have taken over the drag in the middle of a scrub.
@@ -271,7 +264,7 @@ void FrameSlider::leaveEvent(QEvent* /*event*/)
 
 void FrameSlider::wheelEvent(QWheelEvent* event)
 {
-    const QPoint mouse = wholePixels(wheelPosition(*event));
+    const QPoint mouse = wholePixels(Halvern::Base::positionOf(*event));
     if (!rect().contains(mouse)) {
         event->ignore();
         return;

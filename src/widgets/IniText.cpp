@@ -29,7 +29,7 @@ bool isBlank(char byte)
 // The first line from @p from on that is neither empty nor a comment; an empty one at the end.
 Line nextLine(const QByteArray& ini, int from)
 {
-    const int size = ini.size();
+    const int size = static_cast<int>(ini.size());
     while (from < size && (isBlank(ini.at(from)) || ini.at(from) == ';')) {
         const bool isComment = ini.at(from) == ';';
         ++from;
@@ -91,7 +91,7 @@ QByteArray encodedKey(const QString& key)
 // With "/" after it, empty for keys without a group.
 QString groupOf(const QByteArray& header)
 {
-    const int end = header.indexOf(']');
+    const auto end = header.indexOf(']');
     const QByteArray name = header.mid(1, end < 0 ? -1 : end - 1).trimmed();
     if (name.compare("general", Qt::CaseInsensitive) == 0)
         return QString();
@@ -165,8 +165,8 @@ QByteArray replaced(const QByteArray& ini, const QString& key, const QByteArray&
         return text.replace(place.begin, place.end - place.begin, value);
     const QByteArray line = encodedKey(wanted.mid(group.size())) + '=' + value + '\n';
     // After the last line of its group, and a comment there.
-    const int lineEnd = place.groupEnd < 0 ? -1 : text.indexOf('\n', place.groupEnd);
-    if (lineEnd >= 0)
+    const auto lineEnd = text.indexOf('\n', std::max(place.groupEnd, 0));
+    if (place.groupEnd >= 0 && lineEnd >= 0)
         return text.insert(lineEnd + 1, line);
     if (!text.isEmpty() && !text.endsWith('\n'))
         text += '\n';

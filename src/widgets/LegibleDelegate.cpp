@@ -26,7 +26,9 @@ QColor softened(const QColor& colour, const QColor& base)
 {
     constexpr double MostOfBase = 0.6;
     const double share = MostOfBase * colour.hsvSaturationF() * colour.valueF();
-    const auto mixed = [share](double part, double basePart) { return part + share * (basePart - part); };
+    const auto mixed = [share](double part, double basePart) {
+        return static_cast<float>(part + share * (basePart - part));
+    };
     return QColor::fromRgbF(mixed(colour.redF(), base.redF()), mixed(colour.greenF(), base.greenF()),
                             mixed(colour.blueF(), base.blueF()));
 }

@@ -47,7 +47,7 @@ public:
             names.append(proxy()->index(row, 0).data().toString());
         return names;
     }
-    QModelIndex row(const QString& name) const { return proxy()->index(rows().indexOf(name), 0); }
+    QModelIndex row(const QString& name) const { return proxy()->index(int(rows().indexOf(name)), 0); }
 
     QPoint place(const QString& name) const { return list()->visualRect(row(name)).center(); }
     void clickRow(const QString& name, Qt::KeyboardModifiers modifiers = Qt::NoModifier,

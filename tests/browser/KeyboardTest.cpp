@@ -75,7 +75,7 @@ private slots:
 
         window.browser.setMultipleSelections(true);
         window.list()->setCurrentIndex(window.row("b"));
-        QContextMenuEvent menuKey(QContextMenuEvent::Keyboard, QPoint());
+        QContextMenuEvent menuKey(QContextMenuEvent::Keyboard, QPoint(), QPoint());
         QApplication::sendEvent(window.list(), &menuKey);
         QTRY_VERIFY(window.menu()->isVisible());
         QTest::keyClick(window.menu(), Qt::Key_Down);
@@ -96,7 +96,7 @@ private slots:
             QPoint place;
             connect(window.list(), &FileBrowser::FilesList::menuRequested, &window.browser,
                     [&](const QPoint& global) { place = viewport.mapFromGlobal(global); });
-            QContextMenuEvent menuKey(QContextMenuEvent::Keyboard, QPoint());
+            QContextMenuEvent menuKey(QContextMenuEvent::Keyboard, QPoint(), QPoint());
             QApplication::sendEvent(window.list(), &menuKey);
             QVERIFY(viewport.rect().contains(place));
             window.menu()->hide();

@@ -67,7 +67,7 @@ private slots:
         const QPoint place = m_window->place("sub/");
         // At one moment, as far as the events tell; those of the test library are far apart.
         const auto send = [&](QEvent::Type type) {
-            QMouseEvent event(type, place, Qt::LeftButton, Qt::LeftButton, {});
+            QMouseEvent event(type, place, place, Qt::LeftButton, Qt::LeftButton, {});
             QApplication::sendEvent(m_window->list()->viewport(), &event);
         };
         send(QEvent::MouseButtonPress);

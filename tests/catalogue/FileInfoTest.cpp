@@ -48,7 +48,7 @@ private slots:
         const auto hashes = [](const QByteArrayList& numbers, bool assumePadding) {
             FileInfo sequence("x.#.exr", true);
             for (const QByteArray& number : numbers)
-                sequence.setNumberOfHashes(number.size(), number.startsWith('0'), assumePadding);
+                sequence.setNumberOfHashes(int(number.size()), number.startsWith('0'), assumePadding);
             return sequence.numberOfHashes();
         };
         QCOMPARE(hashes({"0009", "0010", "11"}, false), 4);

@@ -71,9 +71,9 @@ private slots:
         QVERIFY(manager.getFilesFromFolder(m_path, false));
         int most = 0;
         for (QDeadlineTimer deadline(10000); updated.size() < 3 && !deadline.hasExpired();) {
-            const int before = updated.size();
+            const auto before = updated.size();
             QCoreApplication::processEvents();
-            most = std::max(most, updated.size() - before);
+            most = std::max(most, int(updated.size() - before));
         }
         QCOMPARE(updated, (QList<QList<QVariant>>{{0, 1000}, {1000, 1000}, {2000, 502}}));
         QCOMPARE(most, 1);

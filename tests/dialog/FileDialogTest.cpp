@@ -55,7 +55,7 @@ struct Window
     {
         list()->clearSelection();
         for (const QString& text : texts)
-            list()->selectionModel()->select(rows()->index(names().indexOf(text), 0),
+            list()->selectionModel()->select(rows()->index(int(names().indexOf(text)), 0),
                                              QItemSelectionModel::Select | QItemSelectionModel::Rows);
     }
 

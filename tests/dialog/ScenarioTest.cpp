@@ -103,7 +103,7 @@ private:
             goTo(dialog, root.filePath("data/sub"), QString());
             goTo(dialog, root.filePath("data"), "f####.exr 1-3");
             auto* panel = dialog.findChild<FavoritesList*>();
-            const int row = rowsOf(*panel).indexOf("gone");
+            const auto row = int(rowsOf(*panel).indexOf("gone"));
             if (row >= 0) {
                 QTimer::singleShot(0, &dialog, [] {
                     auto* box = qobject_cast<QDialog*>(QApplication::activeModalWidget());

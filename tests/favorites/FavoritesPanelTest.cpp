@@ -27,7 +27,7 @@ public:
     }
     void choose(const QString& name) const
     {
-        const QModelIndex index = favorites->model()->index(names().split(' ').indexOf(name), 0);
+        const QModelIndex index = favorites->model()->index(int(names().split(' ').indexOf(name)), 0);
         QTest::mouseClick(favorites->viewport(), Qt::LeftButton, {}, favorites->visualRect(index).center());
     }
     QString place() const { return browser.directory().dirName(); }

@@ -224,7 +224,8 @@ private slots:
             store->initialize(); // when there is no file, and when it holds nothing
         }
         for (FavoritesStore* store : {&theirs, &mine, &theirs, &mine}) {
-            store->addFolder(store == &mine ? "m" : "t", "", "/", "", "", store->favorites()->size(), true);
+            store->addFolder(store == &mine ? "m" : "t", "", "/", "", "", int(store->favorites()->size()),
+                             true);
             store->save();
         }
         QCOMPARE(stored(file), QString("t:/ m:/ t:/ m:/"));

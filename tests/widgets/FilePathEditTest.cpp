@@ -20,7 +20,7 @@ struct Press
 // Sets the text, puts the cursor where it has a "|", presses the keys, and gives the text marked likewise.
 QString pressed(FilePathEdit& edit, QString text, std::initializer_list<Press> keys)
 {
-    const int cursor = text.indexOf('|');
+    const auto cursor = int(text.indexOf('|'));
     edit.setText(text.remove('|'));
     edit.setCursorPosition(cursor);
     for (const Press& press : keys)

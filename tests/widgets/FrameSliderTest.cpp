@@ -169,7 +169,7 @@ private slots:
             QTest::keyClick(&end, key);
         QAccessible::queryAccessibleInterface(&end)->valueInterface()->setCurrentValue(7);
         QCOMPARE(end.events, QStringLiteral(" 0 2147483647 7"));
-        QContextMenuEvent menu(QContextMenuEvent::Mouse, {5, 5});
+        QContextMenuEvent menu(QContextMenuEvent::Mouse, {5, 5}, {5, 5});
         QApplication::sendEvent(&end, &menu);
         QVERIFY2(menu.isAccepted(), "a parent's menu would open");
     }
