@@ -294,7 +294,7 @@ bool readAnything(const QString& tree, int rounds)
         if (!writeFile(AppSettings().fileName(), bytes) || !writeFile(favorites, bytes))
             return false;
         FileBrowser::ResetFavorites();
-        const auto count = FavoritesFile::parse(bytes.toStdString()).size();
+        const int count = int(FavoritesFile::parse(bytes.toStdString()).size());
         if (!showDialog(count, reach) || !keepsFavorites(favorites, count)) {
             std::printf("files: broken by \"%s\"\n", bytes.toPercentEncoding().constData());
             return false;

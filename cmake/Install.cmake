@@ -7,6 +7,7 @@ set(COREUI_PUBLIC_HEADERS
     base/FileHandle.h
     base/FileSystem.h
     base/Locale.h
+    base/QtVersion.h
     base/Text.h
     browser/FileBrowser.h
     catalogue/EntryPool.h
@@ -34,33 +35,42 @@ set(COREUI_PUBLIC_HEADERS
 foreach(header IN LISTS COREUI_PUBLIC_HEADERS)
     get_filename_component(folder ${header} DIRECTORY)
     install(FILES ${PROJECT_SOURCE_DIR}/src/${header}
-        DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/HvMirefoldCoreUI/${folder})
-endforeach()
-
-# The same file, found under its name where Debian's Python looks for modules, and its types for editors and checkers.
-set(COREUI_PYTHON_DIR lib/python3/dist-packages)
-set(link ${PROJECT_BINARY_DIR}/python/_HvMirefoldCoreUI.abi3.so)
-file(MAKE_DIRECTORY ${PROJECT_BINARY_DIR}/python)
-file(CREATE_LINK ../../_HvMirefoldCoreUI.abi3.so ${link} SYMBOLIC)
-install(FILES ${link} DESTINATION ${COREUI_PYTHON_DIR})
-# The types of the module, for editors and type checkers, beside both.
-foreach(folder IN ITEMS ${COREUI_PYTHON_DIR} ${CMAKE_INSTALL_LIBDIR})
-    install(FILES ${COREUI_TYPE_STUB} DESTINATION ${folder})
+        DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/HvMirefoldCoreUI${COREUI_SUFFIX}/${folder})
 endforeach()
 
 set_target_properties(CoreUI PROPERTIES EXPORT_NAME CoreUI)
-install(TARGETS CoreUI EXPORT HvMirefoldCoreUITargets LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
+install(TARGETS CoreUI EXPORT HvMirefoldCoreUITargets LIBRARY DESTINATION ${COREUI_MODULE_DIR})
+# The types of the module, for editors and type checkers.
+install(FILES ${COREUI_TYPE_STUB} DESTINATION ${COREUI_MODULE_DIR})
 
-set(COREUI_PACKAGE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/HvMirefoldCoreUI)
+# The build for Qt 5 is also found under its name by the linker and by Debian's Python.
+function(coreui_link folder target)
+    get_filename_component(name ${target} NAME)
+    set(link ${PROJECT_BINARY_DIR}/links/${folder}/${name})
+    file(MAKE_DIRECTORY ${PROJECT_BINARY_DIR}/links/${folder})
+    file(CREATE_LINK ${target} ${link} SYMBOLIC)
+    install(FILES ${link} DESTINATION ${folder})
+endfunction()
+if(COREUI_QT EQUAL 5)
+    coreui_link(lib HvMirefoldCoreUI-qt5/_HvMirefoldCoreUI.abi3.so)
+    coreui_link(lib/python3/dist-packages ../../HvMirefoldCoreUI-qt5/_HvMirefoldCoreUI.abi3.so)
+    coreui_link(lib/python3/dist-packages ../../HvMirefoldCoreUI-qt5/_HvMirefoldCoreUI.pyi)
+endif()
+
+set(COREUI_PACKAGE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/HvMirefoldCoreUI${COREUI_SUFFIX})
 install(EXPORT HvMirefoldCoreUITargets NAMESPACE HvMirefold:: DESTINATION ${COREUI_PACKAGE_DIR})
 configure_package_config_file(
     ${PROJECT_SOURCE_DIR}/cmake/HvMirefoldCoreUIConfig.cmake.in
     ${PROJECT_BINARY_DIR}/HvMirefoldCoreUIConfig.cmake
     INSTALL_DESTINATION ${COREUI_PACKAGE_DIR})
 write_basic_package_version_file(
-    ${PROJECT_BINARY_DIR}/HvMirefoldCoreUIConfigVersion.cmake COMPATIBILITY SameMinorVersion)
+    ${PROJECT_BINARY_DIR}/HvMirefoldCoreUIVersion.cmake COMPATIBILITY SameMinorVersion)
+configure_file(
+    ${PROJECT_SOURCE_DIR}/cmake/HvMirefoldCoreUIConfigVersion.cmake.in
+    ${PROJECT_BINARY_DIR}/HvMirefoldCoreUIConfigVersion.cmake @ONLY)
 install(FILES
     ${PROJECT_BINARY_DIR}/HvMirefoldCoreUIConfig.cmake
     ${PROJECT_BINARY_DIR}/HvMirefoldCoreUIConfigVersion.cmake
+    ${PROJECT_BINARY_DIR}/HvMirefoldCoreUIVersion.cmake
     ${PROJECT_SOURCE_DIR}/cmake/PythonForPyQt.cmake
     DESTINATION ${COREUI_PACKAGE_DIR})

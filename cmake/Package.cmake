@@ -1,9 +1,10 @@
-# `cmake --build --preset release --target package` makes build/release/hvmirefold-coreui_VERSION_amd64.deb.
+# `cmake --build --preset release --target package` makes build/release/hvmirefold-coreui_VERSION_amd64.deb, and
+# `release-qt6` makes build/release-qt6/hvmirefold-coreui-qt6_VERSION_amd64.deb. Both can be installed.
 set(CPACK_GENERATOR DEB)
-set(CPACK_PACKAGE_NAME hvmirefold-coreui)
+set(CPACK_PACKAGE_NAME hvmirefold-coreui${COREUI_SUFFIX})
 set(CPACK_PACKAGE_VENDOR Halvern)
 set(CPACK_PACKAGE_CONTACT "CoreUI developers <coreui@halvern.example>")
-set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "file browser for image sequences and other Qt components")
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "file browser for image sequences and other Qt ${COREUI_QT} components")
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_STRIP_FILES ON)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
@@ -12,6 +13,10 @@ set(CPACK_DEBIAN_PACKAGE_DESCRIPTION
  that collapses image sequences, a file dialog, a timeline and disclosure buttons.")
 set(CPACK_DEBIAN_PACKAGE_SECTION libs)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
-set(CPACK_DEBIAN_PACKAGE_DEPENDS "python3, python3-pyqt5, python3-pyqt5.sip")
-set(CPACK_DEBIAN_PACKAGE_SUGGESTS "cmake, qtbase5-dev, libqt5opengl5-dev, python3-dev")
+set(CPACK_DEBIAN_PACKAGE_DEPENDS "python3, python3-pyqt${COREUI_QT}, python3-pyqt${COREUI_QT}.sip")
+if(COREUI_QT EQUAL 5)
+    set(CPACK_DEBIAN_PACKAGE_SUGGESTS "cmake, qtbase5-dev, libqt5opengl5-dev, python3-dev")
+else()
+    set(CPACK_DEBIAN_PACKAGE_SUGGESTS "cmake, qt6-base-dev, libgl-dev, python3-dev")
+endif()
 include(CPack)
