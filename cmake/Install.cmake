@@ -7,7 +7,6 @@ set(COREUI_PUBLIC_HEADERS
     base/FileHandle.h
     base/FileSystem.h
     base/Locale.h
-    base/QtVersion.h
     base/Text.h
     browser/FileBrowser.h
     catalogue/EntryPool.h

@@ -1,8 +1,7 @@
 // The mouse and the wheel over a frame slider.
 
-#include "widgets/FrameSlider.h"
-
 #include "base/QtVersion.h"
+#include "widgets/FrameSlider.h"
 #include "widgets/Rounding.h"
 
 #include <QApplication>

@@ -97,7 +97,7 @@ public:
 
     void drawKeys() { m_slider.drawKeys(m_painter, colourOf(_cacheframeColour), colourOf(_keyframeColour)); }
 
-    void drawHead(FrameNumber frame, qreal opacity = 1)
+    void drawHead(FrameNumber frame, float opacity = 1)
     {
         QColor colour = colourOf(_headColour);
         const bool dark = qGray(m_palette.color(m_slider.backgroundRole()).rgb()) < MidGrey;
@@ -138,7 +138,7 @@ public:
     {
         const FrameNumber frame = m_slider.nearestFrame(hoverX);
         if (inBand(hoverX) && frame != m_slider.m_value)
-            drawHead(frame, 0.5);
+            drawHead(frame, 0.5F);
     }
 
     void shadeOutside()
