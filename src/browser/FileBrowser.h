@@ -63,6 +63,8 @@ public:
     QDir directory() const;
     /// Places a path in the filename field, goes to its directory and selects the bare name, so that typing
     /// replaces it; the listing is not narrowed to it. Without "/" it is relative to the present directory.
+    /// In another directory the row of that path is selected as refresh() does it; in the present one the
+    /// selected rows stay.
     void setFilename(const QString& name);
     /// Adds patterns like "*.exr *.dpx" to the filter box, and lists again with @p doRefresh. The first one
     /// is the filter in force if the box was empty.
@@ -201,7 +203,8 @@ public:
     static void ResetNonPersistentFavorites();
 
 public slots:
-    /// Applies the filename field and the filter to the list again, and clears the selection.
+    /// Applies the filename field and the filter to the list again, and clears the selection. The row whose
+    /// path the field holds is then selected; while the folder is read, as soon as it is listed.
     void refresh();
 
 signals:

@@ -93,7 +93,7 @@ void FileBrowser::Private::awaitChoice()
         return;
     const FilesList::Choice choice = m_filesList->choice();
     m_awaited.selected.unite(choice.selected);
-    if (!choice.current.isEmpty())
+    if (!choice.current.first.isEmpty())
         m_awaited.current = choice.current;
 }
 

@@ -76,7 +76,7 @@ void FileBrowser::Private::awaitFolder(const QDir& left)
 {
     const QFileInfo folder(left.absolutePath());
     if (folder.path() == m_directory.absolutePath())
-        m_awaited.current = folder.fileName().toUtf8();
+        m_awaited.current = {folder.fileName().toUtf8(), {}};
 }
 
 void FileBrowser::navigateUp()

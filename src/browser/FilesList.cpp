@@ -1,13 +1,13 @@
 #include "browser/FilesList.h"
 
 #include "browser/DirectoryModel.h"
-#include "browser/ProxyModel.h"
 #include "widgets/LegibleDelegate.h"
 
 #include <QContextMenuEvent>
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QPainter>
+#include <algorithm>
 
 namespace Halvern::UI {
 
@@ -178,42 +178,67 @@ QModelIndexList FileBrowser::FilesList::selectedSourceRows() const
     return rows;
 }
 
-// Empty for a row without an entry.
-QByteArray FileBrowser::FilesList::nameOf(const QModelIndex& index) const
+FileBrowser::FilesList::RowName FileBrowser::FilesList::nameOf(int sourceRow) const
 {
-    const FileInfo* info = m_model->entry(m_proxy->mapToSource(index).row());
-    return info ? info->displayName() : "";
+    const FileInfo* info = m_model->entry(sourceRow);
+    if (!info)
+        return {};
+    return {m_model->displayName(sourceRow), info->isSequence() ? info->fileName() : ""};
 }
 
 FileBrowser::FilesList::Choice FileBrowser::FilesList::choice() const
 {
     Choice choice;
     for (const QModelIndex& source : selectedSourceRows())
-        choice.selected.insert(m_model->displayName(source.row()));
+        choice.selected.insert(nameOf(source.row()));
     choice.current = currentName();
     return choice;
 }
 
+// The source rows of these names.
+QSet<int> FileBrowser::FilesList::find(const QSet<RowName>& names) const
+{
+    QSet<int> found;
+    QSet<RowName> missing = names;
+    QHash<QByteArray, QList<int>> sequences; // by the name without the range
+    for (int row = 0; row < m_model->rowCount() && !names.isEmpty(); ++row) {
+        const RowName name = nameOf(row);
+        missing.remove(name);
+        if (names.contains(name))
+            found.insert(row);
+        if (!name.second.isEmpty())
+            sequences[name.second].append(row);
+    }
+    // In mid-read a sequence may still be short of frames.
+    if (m_model->isReading())
+        return found;
+    for (const RowName& name : qAsConst(missing)) {
+        const QList<int> rows = sequences.value(name.second);
+        if (rows.size() == 1)
+            found.insert(rows.first());
+    }
+    return found;
+}
+
 void FileBrowser::FilesList::choose(const Choice& choice)
 {
-    if (choice.selected.isEmpty() && choice.current.isEmpty())
+    if (choice.isEmpty())
         return;
+    std::vector<int> rows;
+    for (const int source : find(choice.selected))
+        rows.push_back(m_proxy->mapFromSource(m_model->index(source, 0)).row());
+    std::sort(rows.begin(), rows.end());
     QItemSelection selection;
+    for (auto first = std::upper_bound(rows.begin(), rows.end(), -1); first != rows.end();) {
+        const auto next = std::adjacent_find(first, rows.end(), [](int a, int b) { return a + 1 != b; });
+        const auto last = next == rows.end() ? next - 1 : next;
+        selection.select(m_proxy->index(*first, 0), m_proxy->index(*last, DirectoryModel::ColumnCount - 1));
+        first = last + 1;
+    }
     QModelIndex current;
-    int first = -1; // of the selected rows that follow each other
-    const int rows = m_proxy->rowCount();
-    for (int row = 0; row <= rows; ++row) {
-        const QByteArray name = row < rows ? nameOf(m_proxy->index(row, 0)) : QByteArray();
-        const bool isSelected = choice.selected.contains(name);
-        if (isSelected && first < 0)
-            first = row;
-        if (!isSelected && first >= 0) {
-            selection.select(m_proxy->index(first, 0),
-                             m_proxy->index(row - 1, DirectoryModel::ColumnCount - 1));
-            first = -1;
-        }
-        if (!name.isEmpty() && name == choice.current)
-            current = m_proxy->index(row, 0);
+    if (!choice.current.first.isEmpty()) {
+        for (const int source : find({choice.current}))
+            current = m_proxy->mapFromSource(m_model->index(source, 0));
     }
     const bool scrolls = hasAutoScroll();
     setAutoScroll(false);

@@ -1,7 +1,9 @@
 #pragma once
 
 #include "browser/FileBrowser.h"
+#include "browser/ProxyModel.h"
 
+#include <QPair>
 #include <QSet>
 #include <QTreeView>
 
@@ -28,17 +30,21 @@ public:
     /// The selected rows that have an entry, in selection order, as indexes of the source.
     QModelIndexList selectedSourceRows() const;
 
-    /// Rows by the names of their entries, to be found again after the rows were built anew.
+    /// How a row is found again after the rows were built anew: the name of its entry and, of a sequence, the
+    /// name without its range. Empty for a row without an entry.
+    using RowName = QPair<QByteArray, QByteArray>;
     struct Choice
     {
-        QSet<QByteArray> selected;
-        QByteArray current;
+        QSet<RowName> selected;
+        RowName current;
+        bool isEmpty() const { return selected.isEmpty() && current.first.isEmpty(); }
     };
     Choice choice() const;
-    /// The name of the current row, empty if it has no entry.
-    QByteArray currentName() const { return nameOf(currentIndex()); }
+    /// The name of the current row.
+    RowName currentName() const { return nameOf(m_proxy->mapToSource(currentIndex()).row()); }
     /// Selects the rows of @p choice that exist, and no others, and makes its current row the current one.
-    /// The scroll position stays.
+    /// A sequence that has other frames by now is found by its name without the range, once all names are
+    /// read and if one row alone has that name. The scroll position stays.
     void choose(const Choice& choice);
 
     /// A text in the middle of the list, in place of rows; empty for none.
@@ -70,7 +76,8 @@ private slots:
 private:
     bool navigates(const QKeyEvent& event);
     bool sorts(const QKeyEvent& event);
-    QByteArray nameOf(const QModelIndex& index) const;
+    RowName nameOf(int sourceRow) const;
+    QSet<int> find(const QSet<RowName>& names) const;
 
     DirectoryModel* m_model;
     ProxyModel* m_proxy;

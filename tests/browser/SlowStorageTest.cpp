@@ -115,6 +115,27 @@ private slots:
         QTRY_COMPARE(dialog.selectedFiles(), QStringList(path("a")));
     }
 
+    // A sequence has another name after that.
+    void sequencesStayChosenWhenTheyGrow()
+    {
+        QVERIFY(SampleFiles::make(m_folder->path(), {"a.1.exr", "a.2.exr", "b.1.exr", "b.2.exr"}));
+        FileDialog dialog;
+        dialog.setSequencesEnabled(true);
+        dialog.setMultipleSelections(true);
+        auto& list = show(dialog);
+        QTRY_COMPARE(names(list), (QStringList{"a.#.exr 1-2", "b.#.exr 1-2"}));
+        QTest::keyClick(&list, Qt::Key_A, Qt::ControlModifier);
+        QVERIFY(SampleFiles::make(m_folder->path(), {"a.3.exr", "b.4.exr"}));
+        delayEach("readdir", 20000);
+        QTest::keyClick(&list, Qt::Key_F5);
+        QTRY_COMPARE(dialog.selectedFiles(), (QStringList{path("a.#.exr 1-3"), path("b.#.exr 1-4")}));
+        endFaults();
+        // One row that becomes two leaves open which is meant.
+        QTest::mouseClick(dialog.findChild<QCheckBox*>("splitCheck"), Qt::LeftButton);
+        QTRY_COMPARE(names(list), (QStringList{"a.#.exr 1-3", "b.#.exr 4", "b.#.exr 1-2"}));
+        QCOMPARE(dialog.selectedFiles(), QStringList(path("a.#.exr 1-3")));
+    }
+
     void nextTakesNoParentInMidRead()
     {
         QVERIFY(QDir(m_folder->path()).mkdir("sub"));
