@@ -63,8 +63,7 @@ public:
     QDir directory() const;
     /// Places a path in the filename field, goes to its directory and selects the bare name, so that typing
     /// replaces it; the listing is not narrowed to it. Without "/" it is relative to the present directory.
-    /// In another directory the row of that path is selected as refresh() does it; in the present one the
-    /// selected rows stay.
+    /// In another directory its row is selected as by refresh(); in the present one selected rows stay.
     void setFilename(const QString& name);
     /// Adds patterns like "*.exr *.dpx" to the filter box, and lists again with @p doRefresh. The first one
     /// is the filter in force if the box was empty.
@@ -80,16 +79,16 @@ public:
     QStringList selectedFiles() const;
     /// The paths that were queued with Next and "Add", in that order.
     const QStringList& pickedFiles() const;
+    /// Which buttons a FileDialog enables: both, if what is selected, or without a selection the typed
+    /// folder, is of the selection type; Open alone for a single choice, or if setMayNotExist() or the pick
+    /// list allow it; none while selected rows are read again. Asks the disk for typed folders and unknown
+    /// rows only.
     enum class Acceptance
     {
         None,
         Open,
         OpenAndNext
     };
-    /// Which buttons a FileDialog enables: both, if what is selected, or without a selection the typed
-    /// folder, is of the selection type; Open alone for a single choice, or if setMayNotExist() or the pick
-    /// list allow it; none while selected rows are read again. Asks the disk for typed folders and unknown
-    /// rows only.
     Acceptance acceptance() const;
 
     /// Whether several rows can be selected (default: no). Shows the Next button if they can.
@@ -163,17 +162,16 @@ public:
 
     /// The favourites of the process, in the order of the panels; null until something needed it.
     static QList<Favorite>* Favorites();
-    /// The file that keeps the persistent favourites, and the name of the product, which is written into it
-    /// and names the favourite of the product's folder. Without a path nothing is kept. To be called before
-    /// the first browser is made; later, LoadFavorites() and SaveFavorites() use it at once.
+    /// The file of the persistent favourites (empty: none), and the product's name for its header and for
+    /// the favourite of the product's folder. To be called before the first browser is made; later,
+    /// LoadFavorites() and SaveFavorites() use it at once.
     static void SetPreferencesPath(const QString& path, const QString& productName);
     /// Folders of the default favourites Home, Root, Current and of the product; the home folder and the
     /// working directory stand in for empty ones. @p persist says whether they are kept in the file. A new
     /// browser sets the product's folder to that of the application. To be called before the first one.
     static void SetDefaultFavoritePaths(const QString& home, const QString& root, const QString& working,
                                         const QString& productDir, bool persist);
-    /// Takes ownership of what turns paths of favourites into folders, and deletes the one before; null:
-    /// none.
+    /// Takes ownership of what turns paths of favourites into folders, and deletes the one before.
     static void SetFavoriteExpressionEvaluator(FavoriteExpressionEvaluator* evaluator);
     static FavoriteExpressionEvaluator* GetFavoriteExpressionEvaluator();
     /// Once per process, also by the first browser: adds the defaults and reads or makes the favourites file.
@@ -195,7 +193,7 @@ public:
                                std::string tooltip, int flags, bool persist);
     /// Inserts a copy where it belongs: non-persistent ones first, drives last.
     static void AddFavorite(const Favorite& favorite);
-    /// Removes the first favourite of that name, type (0 for any) and persistence; nothing if there is none.
+    /// Removes the first favourite of that name, type (0 for any) and persistence, if there is one.
     static void RemoveFavoriteDir(std::string name, int type, bool persistent);
     /// Forgets all favourites and initialises them again from defaults and file.
     static void ResetFavorites();
@@ -226,8 +224,7 @@ signals:
 protected:
     /// Keys of the filename field: Up and Down move in the list, Tab completes.
     bool eventFilter(QObject* watched, QEvent* event) override;
-    /// Return ends at the filter, and if Open is shown at the filename field: as the default button of a
-    /// dialog, Open would answer it once more.
+    /// Return ends at the filter, and at the filename field if Open is shown, which would answer it again.
     void keyPressEvent(QKeyEvent* event) override;
     void showEvent(QShowEvent* event) override;
 
