@@ -6,7 +6,6 @@ set(COREUI_PUBLIC_HEADERS
     base/Export.h
     base/FileHandle.h
     base/FileSystem.h
-    base/Locale.h
     base/Text.h
     browser/FileBrowser.h
     catalogue/EntryPool.h

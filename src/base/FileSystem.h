@@ -10,13 +10,12 @@
 #include <sys/stat.h>
 #include <type_traits>
 
-/// The file system by names that are bytes, handed to the system unchanged. Failures are answers: nothing is
-/// printed and nothing throws.
+/// The file system by names that are bytes, passed to the system unchanged. Nothing is printed and nothing
+/// throws: failures are return values.
 namespace Halvern::Base {
 
-/// Makes a call to the system again for as long as a signal interrupts it, and returns its last result. The
-/// call fails with -1 or null. `errno` is 0 where it was not set, so that the end of a directory can be told
-/// from a failure to read it.
+/// Makes a call to the system again as long as a signal interrupts it, and returns its last result. The call
+/// fails with -1 or null. `errno` is 0 if the call did not set it: `readdir` at the end of a directory.
 template <class Call>
 auto uninterrupted(Call call)
 {
@@ -33,10 +32,10 @@ auto uninterrupted(Call call)
     }
 }
 
-/// Where files go that need not outlive the work at hand.
+/// The folder for temporary files.
 inline constexpr const char* TemporaryDirectory = "/var/tmp/";
 
-/// What the system knows of @p name, symbolic links followed; nothing where it can't be examined. A relative
+/// What the system knows of @p name, symbolic links followed; nothing if it can't be examined. A relative
 /// name is looked up in the opened directory @p folder, by default in the working directory.
 HVCOREUI_EXPORT std::optional<struct stat> fileStatus(const char* name, int folder = AT_FDCWD);
 
@@ -48,16 +47,16 @@ HVCOREUI_EXPORT bool isReadable(const std::string& path);
 /// Whether this process may write the file, or make files in the directory.
 HVCOREUI_EXPORT bool isWritable(const std::string& path);
 
-/// Makes a directory and those above it; true when it is there in the end, made now or before.
+/// Makes a directory and those above it; true if it is there afterwards.
 HVCOREUI_EXPORT bool makeDirectories(const std::string& path);
 /// Removes a file, or a directory with all that is in it; links are removed, never what they point to. True
-/// when nothing of the name is left, also where there was nothing.
+/// if nothing of the name is left, or was there before.
 HVCOREUI_EXPORT bool removeAll(const std::string& path);
 /// Gives a file or directory another name, in one step that replaces a file of that name.
 HVCOREUI_EXPORT bool renameFile(const std::string& from, const std::string& to);
 
 /// Calls @p visit with the path of everything below @p folder, directories before what is in them, in the
-/// order of the disk. Links are visited but not followed, and what can't be read is passed over. False where
+/// order of the disk. Links are visited but not followed, and what can't be read is left out. False if
 /// @p folder itself can't be read.
 HVCOREUI_EXPORT bool walk(const std::string& folder,
                           const std::function<void(const std::string& path)>& visit);

@@ -6,8 +6,8 @@
 
 namespace Halvern::Base {
 
-/// A descriptor of a file, closed with the object. Calls that a signal interrupts are made again; what fails
-/// leaves its number in `errno`.
+/// A descriptor of a file, closed with the object. Calls that a signal interrupts are made again. What fails
+/// sets `errno`.
 class OpenFile
 {
 public:
@@ -31,7 +31,7 @@ public:
     };
     Lock lock();
     bool write(const std::string& contents) const;
-    /// Brings what was written to the disk, and learns of failures. The lock stays.
+    /// Brings what was written to the disk; false if that failed. The lock stays.
     bool flush() const;
     void close();
 

@@ -74,8 +74,7 @@ bool copyAttributes(const std::string& from, int to)
     return complete;
 }
 
-// Gives the new file what others may do with the old one, or less. What a file system refuses stays at the
-// mode that the new file was made with, which is that of a private file.
+// Gives the new file the permissions of the old one, or fewer. If the file system refuses, it stays private.
 void copyPermissions(const OpenFile& file, const std::string& path, const Status& old)
 {
     constexpr mode_t GroupRights = 02070;
@@ -96,8 +95,8 @@ void copyPermissions(const OpenFile& file, const std::string& path, const Status
     static_cast<void>(given);
 }
 
-// Writes over the file. Its blocks are had, and written, before it is cut: a full disk leaves it as it was,
-// if its file system can reserve space.
+// Writes over the file. Its blocks are reserved and written before it is cut, so that a full disk leaves it
+// as it was, if its file system can reserve space.
 bool writeOver(const OpenFile& file, const std::string& contents)
 {
     const auto size = static_cast<off_t>(contents.size());
@@ -114,7 +113,7 @@ bool isBoundToItsPlace(int error)
     return error == EACCES || error == EPERM || error == EROFS || error == EBUSY || error == EXDEV;
 }
 
-// What files held before they were written over in part, by path. The next change begins with it.
+// Contents of files before they were written over in part, by path. The next change begins with them.
 std::map<std::string, std::string>& interruptedFiles()
 {
     static std::map<std::string, std::string> files;
@@ -123,8 +122,8 @@ std::map<std::string, std::string>& interruptedFiles()
 
 using Clock = std::chrono::steady_clock;
 
-/// The two files of one change: the old one, and the new one that takes its place. Other programs are kept
-/// away by a lock of the old file and by the name of the new one, which only one program can make.
+/// One change with its two files: the old one, and the new one that takes its place. Other programs are kept
+/// away by a lock of the old file, and by the name of the new one, which only one program can make.
 class Change
 {
 public:
@@ -217,8 +216,8 @@ int Change::openNew()
     return errno == ENOENT ? 0 : errno;
 }
 
-// Removes what has the name of the new file, unless a living program is at work on it: what can be locked was
-// left by one that was killed, and so was, after a while, what has no lock.
+// Removes what has the name of the new file, unless a program that runs is working on it: what can be locked
+// was left by a killed program, and so was, after a while, what has no lock.
 int Change::removeLeft()
 {
     Status status = {};

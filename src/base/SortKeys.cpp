@@ -63,7 +63,7 @@ public:
     std::vector<int> take() { return std::move(m_indexes); }
 
 private:
-    // All texts from here to there are equal up to the depth, and go on there.
+    // Orders texts that are equal up to the depth, and go on there.
     void order(Items from, Items to, std::size_t depth)
     {
         for (bool alike = true; alike; depth += WordSize) {
@@ -92,7 +92,7 @@ private:
         }
     }
 
-    // Texts that are equal.
+    // Appends the indexes of texts that are equal.
     void give(Items from, Items to)
     {
         const auto first = m_indexes.insert(m_indexes.end(), static_cast<std::size_t>(to - from), 0);
@@ -120,7 +120,7 @@ void SortKeys::append(const char* text, const char* following)
     });
 }
 
-// Where a text begins is fetched before the text.
+// Fetches the begin of each text from memory first, then the text.
 SortKeys SortKeys::inOrder(const std::vector<int>& indexes) const
 {
     const auto at = [&](std::size_t i) { return static_cast<std::size_t>(indexes[i]); };

@@ -1,7 +1,9 @@
 #include "base/Text.h"
 
 #include <charconv>
+#include <cstdlib>
 #include <cstring>
+#include <initializer_list>
 
 namespace Halvern::Base {
 
@@ -66,6 +68,16 @@ std::string zeroPadded(long long number, int width)
     if (width > 0 && static_cast<std::size_t>(width) > digits)
         text.insert(sign, static_cast<std::size_t>(width) - digits, '0');
     return text;
+}
+
+bool isUtf8Locale()
+{
+    for (const char* variable : {"LC_ALL", "LC_CTYPE", "LANG"}) {
+        const char* value = std::getenv(variable);
+        if (value && *value)
+            return std::strstr(value, "UTF") || std::strstr(value, "utf");
+    }
+    return false;
 }
 
 } // namespace Halvern::Base

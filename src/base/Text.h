@@ -44,23 +44,26 @@ constexpr bool startsWith(std::string_view text, std::string_view start)
     return text.substr(0, start.size()) == start;
 }
 
-/// @p text without the blanks, tabs and line ends around it; a view into @p text.
+/// @p text without the blanks, tabs and line ends around it, as a view into @p text.
 HVCOREUI_EXPORT std::string_view trimmed(std::string_view text);
 
 /// The parts of @p text between separators, empty ones included, as views into @p text: always one more than
 /// there are separators. Example: "a,,b" at ',' gives "a", "" and "b".
 HVCOREUI_EXPORT std::vector<std::string_view> split(std::string_view text, char separator);
 
-/// The parts one behind the other with @p separator between two of them. Example: "1-3" and "7" with "," give
-/// "1-3,7".
+/// The parts with @p separator between two of them. Example: "1-3" and "7" with "," give "1-3,7".
 HVCOREUI_EXPORT std::string join(const std::vector<std::string>& parts, std::string_view separator);
 
-/// The whole number that all of @p text spells in base 10, with "-" before it or without; nothing for any
-/// other text, for blanks and "+" too, and for numbers beyond 64 bits.
+/// The whole number that all of @p text spells in base 10, with or without a "-" before it. Nothing for any
+/// other text, also with blanks or a "+", and for numbers beyond 64 bits.
 HVCOREUI_EXPORT std::optional<long long> toNumber(std::string_view text);
 
 /// @p number in base 10 with zeros before its digits until there are @p width of them.
 /// Examples: 42 in 4 gives "0042", -7 in 3 gives "-007", 12345 in 4 gives "12345".
 HVCOREUI_EXPORT std::string zeroPadded(long long number, int width);
+
+/// Whether the user's locale says that text is UTF-8: the first of the environment variables LC_ALL, LC_CTYPE
+/// and LANG that is set and not empty decides; it holds "UTF" or "utf" if it is. Without any it is not.
+HVCOREUI_EXPORT bool isUtf8Locale();
 
 } // namespace Halvern::Base

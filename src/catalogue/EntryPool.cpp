@@ -16,17 +16,6 @@ constexpr std::size_t BlockBytes = EntryPool::BlockSize * sizeof(FileInfo);
 static_assert(BlockBytes % PageSize == 0, "blocks begin with a page");
 constexpr std::size_t FewMembers = 16; // are destroyed at once
 
-constexpr std::size_t Ahead = 4; // entries that are fetched from memory meanwhile
-
-// Tells the processor what create() and the names write of a place.
-void fetch(const FileInfo* place)
-{
-    const char* const begin = reinterpret_cast<const char*>(place);
-    for (const std::size_t at : {std::size_t(0), FileInfo::NameSize, 2 * FileInfo::NameSize,
-                                 2 * FileInfo::NameSize + 64, sizeof(FileInfo) - 64, sizeof(FileInfo) - 1})
-        __builtin_prefetch(begin + at, 1);
-}
-
 } // namespace
 
 struct EntryPool::Block
@@ -120,8 +109,6 @@ FileInfo* EntryPool::create()
     Block& block = m_blocks[m_used / BlockSize];
     const std::size_t index = m_used % BlockSize;
     FileInfo* place = block.entries + index;
-    if (index + Ahead < BlockSize)
-        fetch(place + Ahead);
     if (index < block.constructed) {
         if (place->sequenceFiles().size() > FewMembers)
             m_oldMembers.push_back(place->takeMembers());

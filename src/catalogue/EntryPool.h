@@ -13,8 +13,8 @@
 namespace Halvern::UI {
 
 /// Makes and owns entries in contiguous blocks. Entries stay where they are until clear(); blocks are kept
-/// for the next entries until the pool is destroyed. For one thread at a time, except for prepare() and what
-/// trimming() returns.
+/// for the next entries until the pool is destroyed. For one thread at a time, except for prepare() and the
+/// function that trimming() returns.
 class HVCOREUI_EXPORT EntryPool
 {
 public:
@@ -30,21 +30,20 @@ public:
     /// A new entry, FileInfo(), owned by the pool. Throws `std::bad_alloc`.
     FileInfo* create();
     /// Gives up all entries and begins again with the first block. What an entry owns is freed when its place
-    /// is used again, so that this takes no time.
+    /// is used again.
     void clear();
     /// Blocks obtained so far; grows only if more entries are alive than ever before.
     std::size_t blockCount() const;
 
     /// Gets one more block and its memory pages ahead of use, which takes milliseconds. False if @p entries
-    /// entries need no more, or there is no memory. May be called by another thread while the pool lives.
+    /// entries do not fill another block, or there is no memory. Any thread may call it.
     bool prepare(std::size_t entries);
 
-    /// The members of long sequences whose places were used again. Destroying them takes time, and may be
-    /// done on any thread.
+    /// The members of long sequences whose places were used again. Destroying them takes time.
     std::vector<Members> takeOldMembers() { return std::exchange(m_oldMembers, {}); }
     /// A function that destroys what is in unused blocks and gives their memory pages back to the system;
-    /// null if there is little to give back. It takes time and may run on any thread, also after the pool is
-    /// gone. The blocks stay with the pool.
+    /// null if there are few. It takes time and may run on any thread, also after the pool is gone. The
+    /// blocks stay with the pool. It ends early if the pool needs blocks.
     std::function<void()> trimming();
 
 private:

@@ -1,7 +1,6 @@
 #include "catalogue/FileInfo.h"
 
 #include "base/FileSystem.h"
-#include "base/Text.h"
 #include "frames/Placeholder.h"
 
 #include <QDateTime>
@@ -32,7 +31,7 @@ std::uint64_t extensionHash(const char* extension)
     return hash;
 }
 
-// Filled at start-up, only read afterwards; hashes of equal value count as the same extension.
+// Filled at start-up, only read afterwards. Extensions with equal hashes count as the same.
 std::set<std::uint64_t>& extensionRegistry()
 {
     static std::set<std::uint64_t> registry;
@@ -41,7 +40,7 @@ std::set<std::uint64_t>& extensionRegistry()
 
 } // namespace
 
-// The buffers are left as they are behind their terminators: entries are made by the hundred thousand.
+// The buffers are not cleared after their terminators: entries are made by the hundred thousand.
 FileInfo::FileInfo()
 {
     m_fileName[0] = m_sequenceName[0] = m_sortName[0] = '\0';
@@ -72,24 +71,21 @@ void FileInfo::takeName(const char* name)
     platformSpecificInitialization();
 }
 
-// A longer name keeps the key it had: such names order as if their key were empty.
+// A longer name keeps the key that the entry had, which is empty in a new one.
 void FileInfo::platformSpecificInitialization()
 {
     if (m_fileNameLength >= SortNameSize)
         return;
     char lowered[SortNameSize];
     std::transform(m_fileName, m_fileName + m_fileNameLength + 1, lowered, Base::lowerCase);
-    // In most locales the key is several times as long as the name, and strxfrm leaves a buffer that is too
-    // small in no particular state. The key is therefore made whole and cut here.
+    // In most locales the key is several times as long as the name, and strxfrm() leaves a buffer undefined
+    // if it is too small. So the key is made whole, and cut.
     char key[SortNameSize * 16];
     const std::size_t length = std::strxfrm(key, lowered, sizeof key);
-    if (length < sizeof key) {
-        copyTruncated(m_sortName, key);
-        return;
-    }
-    std::string longKey(length + 1, '\0');
-    std::strxfrm(longKey.data(), lowered, longKey.size());
-    copyTruncated(m_sortName, longKey.c_str());
+    std::string longKey(length < sizeof key ? 0 : length + 1, '\0');
+    if (!longKey.empty())
+        std::strxfrm(longKey.data(), lowered, longKey.size());
+    copyTruncated(m_sortName, longKey.empty() ? key : longKey.c_str());
 }
 
 void FileInfo::setFileName(const char* name)
@@ -132,11 +128,6 @@ void FileInfo::updateFromMember(unsigned long long previousSize, const FileInfo&
     m_modificationTime = std::max(m_modificationTime, member.m_modificationTime);
 }
 
-void FileInfo::setIsDirectory(bool directory)
-{
-    set(Directory, directory);
-}
-
 void FileInfo::setIsSequence(bool sequence)
 {
     set(Sequence, sequence);
@@ -149,11 +140,6 @@ void FileInfo::setFrameInformation(int start, int end, int hashes)
     m_startFrame = start;
     m_endFrame = end;
     m_numberOfHashes = hashes;
-}
-
-void FileInfo::setSequenceName(const char* name)
-{
-    copyTruncated(m_sequenceName, name);
 }
 
 void FileInfo::setNumberOfHashes(int digits, bool padded, bool assumeZeroPadding)
@@ -211,7 +197,7 @@ bool FileInfo::collectFrameRanges()
     if (m_sequenceFiles.empty())
         return false;
     int runStart = m_sequenceFiles.begin()->first;
-    // As many frames as there are from the first to the last: nothing is missing, without a walk over them.
+    // If the number of frames is that from the first to the last, nothing is missing.
     const long long span = static_cast<long long>(m_sequenceFiles.rbegin()->first) - runStart + 1;
     if (span == static_cast<long long>(m_sequenceFiles.size()))
         return false;
@@ -288,7 +274,7 @@ bool FileInfo::isDirSafe(const QDir& dir) const
         return true;
     if (info.exists())
         return false;
-    // A name outside ASCII is rarely what its Latin-1 reading says; the system knows it by its bytes.
+    // The Latin-1 reading of a name outside ASCII rarely names it on disk; its bytes do.
     const QByteArray path = QFile::encodeName(dir.absolutePath()) + '/' + m_fileName;
     return Base::isDirectory(path.constData());
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/Export.h"
+#include "base/Text.h"
 #include "catalogue/FileInfoWrapper.h"
 #include "frames/FrameRange.h"
 
@@ -18,10 +19,9 @@ namespace Halvern::UI {
 /// files.
 ///
 /// A plain value with fixed-size name buffers, so that large directories stand in contiguous memory. Names
-/// are bytes as the file system has them. An entry owns its buffers, its frame ranges and the nodes of its
-/// member index; it never owns the entries that the index or parentSequence() point to. Entries are not
-/// synchronised: the thread that owns their manager or list creates and changes them. Nothing reports errors;
-/// names beyond 1023 bytes are cut.
+/// are bytes as the file system has them, cut after 1023 bytes. An entry does not own its members nor
+/// parentSequence(). Entries are not synchronised: they belong to the thread of their manager or list.
+/// Nothing reports errors.
 class HVCOREUI_EXPORT FileInfo
 {
 public:
@@ -81,7 +81,7 @@ public:
     int sequenceFileCount() const { return m_sequenceFileCount; }
     /// The runs of consecutive frames; empty for a sequence without gaps.
     const std::vector<FrameRange>& frameRanges() const { return m_frameRanges; }
-    /// The members by frame, ascending; borrowed pointers that may be null where a host inserted null.
+    /// The members by frame, ascending; borrowed pointers, null for those that a host inserted as null.
     const std::map<int, FileInfo*>& sequenceFiles() const { return m_sequenceFiles; }
     int startFrame() const { return m_startFrame; } ///< First frame of an explicit range, else 0.
     int endFrame() const { return m_endFrame; }     ///< Last frame of an explicit range, else 0.
@@ -99,27 +99,26 @@ public:
     void setAdditionalInfo(const FileInfoWrapper& info);
     /// As above, with the writable bit.
     void setAdditionalInfo(unsigned long long size, long modificationTime, bool isDirectory, bool writable);
-    /// Follows one member whose attributes became known, without walking the others: the size changes by what
-    /// @p member has now beyond @p previousSize bytes, the time rises to the member's where that is later.
+    /// Adds what one member got, without a walk over the others: the size grows by the member's size less
+    /// @p previousSize bytes, the time becomes the member's if that is later.
     void updateFromMember(unsigned long long previousSize, const FileInfo& member);
-    void setIsDirectory(bool directory);
+    void setIsDirectory(bool directory) { set(Directory, directory); }
     /// Sets or clears the sequence bit. Size, time and the extension check no longer count as known.
     void setIsSequence(bool sequence);
     void setStartFrame(int frame) { m_startFrame = frame; }
     void setEndFrame(int frame) { m_endFrame = frame; }
     void setFrameInformation(int start, int end, int hashes);
-    void setSequenceName(const char* name);
+    void setSequenceName(const char* name) { Base::copyTruncated(m_sequenceName, name); }
     void setParentSequence(FileInfo* parent) { m_parentSequence = parent; }
-    /// Settles the width of the display name, called once for every member with the width of its frame number
-    /// and whether that began with "0". Padded members give the widest width; unpadded members of one width
-    /// give that width where @p assumeZeroPadding is set; all else gives 1.
+    /// Settles numberOfHashes(). To be called for every member, with the width of its frame number and
+    /// whether that begins with "0". Padded members give the largest width; unpadded members of one width
+    /// give that width if @p assumeZeroPadding is set; all else gives 1.
     void setNumberOfHashes(int digits, bool padded, bool assumeZeroPadding);
 
     /// Adds a member under its frame. The first member of a frame is kept; a later one only counts.
     void insertSequenceFile(int frame, FileInfo* file);
-    /// Gives up the members, as clearSequenceList() does, and returns them.
+    /// Forgets all members, and returns them; frameRanges() stays.
     std::map<int, FileInfo*> takeMembers();
-    /// Forgets all members; frameRanges() stays.
     void clearSequenceList();
     /// Lets constructSequenceName() build the name again, for a sequence that gained a member.
     void invalidateSequenceName() { set(SequenceNameBuilt, false); }
@@ -133,7 +132,8 @@ public:
     /// sequenceName() with the runs that are present: "plate.####.dpx 1-100 ( 1-49 61-100 )". Bytes are read
     /// as Latin-1.
     QString getSequenceLongName() const;
-    /// Notes whether the extension is a registered sequence extension; always "no" for a sequence of one.
+    /// Sets isAutoSequence(): whether the extension is a registered sequence extension; never for a sequence
+    /// of one.
     void detectAutoSequence();
     /// Whether the entry is a directory in @p dir. A sequence answers from its flag; every other entry asks
     /// the file system each time.

@@ -8,17 +8,16 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstring>
 #include <dirent.h>
+#include <string>
 #include <utility>
 
 namespace Halvern::UI {
 
 namespace {
 
-/// The names of a directory, sorted. They stand one behind the other in one piece of memory, and so do the
-/// keys that are compared: names that lie scattered make sorting wait for memory, the longer the more there
-/// are.
+/// The names of a directory, sorted. Names and keys stand close together, so that sorting does not wait for
+/// memory.
 class DirectoryScan
 {
 public:
@@ -35,9 +34,9 @@ public:
             sort(NaturalOrder(forSequences ? NaturalOrder::DecideLast : NaturalOrder::DecideAtOnce));
     }
 
-    /// Negative where the directory could not be read, with the reason in `errno`.
-    int count() const { return m_complete ? static_cast<int>(m_sorted.size()) : -1; }
-    /// To be asked for one after the other: the names a little further on are fetched meanwhile.
+    /// Negative if the directory could not be read, with the reason in `errno`.
+    int count() const { return m_complete ? static_cast<int>(m_entries.size()) : -1; }
+    /// To be asked for in order: names further on are fetched from memory meanwhile.
     const char* name(int index) const
     {
         constexpr int Ahead = 16;
@@ -64,11 +63,10 @@ private:
     {
         while (const dirent* read = Base::uninterrupted([&] { return ::readdir(stream); })) {
             m_entries.push_back({m_names.size(), read->d_type});
-            m_names.insert(m_names.end(), read->d_name, read->d_name + std::strlen(read->d_name) + 1);
+            m_names.append(read->d_name).push_back('\0');
         }
         return errno == 0;
     }
-
     void sort(const NaturalOrder& order)
     {
         Base::SortKeys keys;
@@ -76,17 +74,17 @@ private:
         for (const Entry& one : m_entries)
             keys.appendFrom(
                 [&](std::vector<char>& bytes) { order.appendKey(m_names.data() + one.begin, bytes); });
-        m_sorted.reserve(m_entries.size());
+        std::vector<Entry> sorted;
+        sorted.reserve(m_entries.size());
         for (const int index : Base::ordered(keys))
-            m_sorted.push_back(m_entries[static_cast<std::size_t>(index)]);
+            sorted.push_back(entry(index));
+        m_entries.swap(sorted);
     }
-
-    const Entry& entry(int index) const { return m_sorted[static_cast<std::size_t>(index)]; }
+    const Entry& entry(int index) const { return m_entries[static_cast<std::size_t>(index)]; }
 
     QByteArray m_folder;
-    std::vector<char> m_names;    // each terminated
-    std::vector<Entry> m_entries; // as they were read
-    std::vector<Entry> m_sorted;
+    std::string m_names; // each terminated
+    std::vector<Entry> m_entries;
     bool m_complete = false;
 };
 
@@ -154,7 +152,7 @@ FileInfoList::FileInfoList()
 
 int FileInfoList::fill(const QString& path)
 {
-    // Assigned, since entries are too large to keep the room for a directory that is gone.
+    // Assigned, because clear() would keep the memory.
     m_entries = std::vector<FileInfo>();
     m_path = path;
     const DirectoryScan scan(path.toUtf8(), m_sequencesEnabled);

@@ -52,16 +52,6 @@ void FileManager::connectWorker()
     connect(&d->gatherer, SIGNAL(fileNameFinished(bool)), this, SLOT(takeArrivals()));
 }
 
-bool FileManager::getFilesFromFolder(const std::string& path, bool force)
-{
-    return getFilesFromFolderPrivate(path, force, true);
-}
-
-bool FileManager::getFilesFromFolderSynchronously(const std::string& path, bool force)
-{
-    return getFilesFromFolderPrivate(path, force, false);
-}
-
 int FileManager::readError() const
 {
     return d->readError;

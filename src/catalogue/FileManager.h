@@ -32,15 +32,22 @@ public:
     ~FileManager() override;
 
     /// Begins to read @p path on the worker thread, after stopping a read that is under way. Emits
-    /// refreshList() when the names are complete and infoUpdated() for every thousand attributes after that.
-    /// False, and nothing begins, when @p path is the current directory, its listing is under way or
-    /// succeeded and @p force is false. False too when @p path cannot be opened: it is the current directory
-    /// from now on, with the entries it had if it was so before, else without entries. What failed is read
-    /// again by the next request for it. A call from within a synchronous read is refused.
-    bool getFilesFromFolder(const std::string& path, bool force);
+    /// refreshList() when the names are complete, then infoUpdated() for every thousand attributes.
+    ///
+    /// False, and nothing begins, if @p path is the current directory, its listing is under way or succeeded,
+    /// and @p force is false. Also false if @p path cannot be opened: it becomes the current directory, with
+    /// its entries if it was so before, else without entries, and the next request for it tries again. Also
+    /// false from within a synchronous read.
+    bool getFilesFromFolder(const std::string& path, bool force)
+    {
+        return getFilesFromFolderPrivate(path, force, true);
+    }
     /// The same on the calling thread: everything is read, and the signals are emitted, when it returns. The
     /// manager must not be destroyed in answer to these.
-    bool getFilesFromFolderSynchronously(const std::string& path, bool force);
+    bool getFilesFromFolderSynchronously(const std::string& path, bool force)
+    {
+        return getFilesFromFolderPrivate(path, force, false);
+    }
     /// Why the listing of the current directory is empty or incomplete: the system's error number, as of
     /// `opendir`, `open` or `readdir`, ENOMEM if there was no memory, EAGAIN if the system has no thread for
     /// the worker. 0 while a read is under way and after a listing that succeeded. Set before refreshList()

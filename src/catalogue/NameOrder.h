@@ -8,27 +8,25 @@ namespace Halvern::UI {
 
 class FileInfo;
 
-/// The names of many entries and their order by sort key, kept close together: who filters looks at every
-/// name, and who sorts compares each with many others, where the entries are kilobytes apart.
-///
-/// Entries can be added while they arrive; finish() sorts them.
+/// The names of many entries and their order by sort key, close together in memory, for filtering and
+/// sorting: the entries are kilobytes apart. Entries can be added while they arrive; finish() sorts them.
 class NameOrder
 {
 public:
-    /// What has no rank: null entries, and those whose names cannot be ordered by their sort keys.
+    /// The rank of null entries, and of those whose names cannot be ordered by their sort keys.
     static constexpr int NoRank = -1;
 
     enum Places
     {
         ByKey,  ///< By rising sort key, equal ones as they were added.
-        AsAdded ///< Also what comes of ByKey where an entry has no rank.
+        AsAdded ///< Also used for ByKey if an entry has no rank.
     };
 
     explicit NameOrder(Places places = ByKey);
     NameOrder(NameOrder&&) = default;
     NameOrder& operator=(NameOrder&&) = default;
     ~NameOrder() = default;
-    /// That of @p entries, finished.
+    /// The order of @p entries, finished.
     explicit NameOrder(const std::vector<FileInfo*>& entries, Places places = ByKey);
 
     /// Whether the sort keys of two entries decide their order by name: both names are shorter than 129

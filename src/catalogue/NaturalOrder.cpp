@@ -13,7 +13,7 @@ namespace {
 constexpr char EndOfText = 1;
 constexpr int LeastWeight = 2;
 
-// Moves the name behind its digits. The length comes first, in two bytes that are never zero.
+// Moves the name after its digits. The length comes first, in two bytes that are never zero.
 void appendNumber(const char*& name, std::vector<char>& key)
 {
     const char* const begin = name;
@@ -31,13 +31,13 @@ void appendNumber(const char*& name, std::vector<char>& key)
 NaturalOrder::NaturalOrder(Numbers numbers)
     : m_numbers(numbers)
 {
-    // Upper case has the lower codes, and comes last.
+    // Upper case has the lower codes, and has to come last.
     std::array<std::pair<unsigned char, int>, 256> order;
     for (int byte = 0; byte < 256; ++byte)
         order[static_cast<std::size_t>(byte)] = {
             static_cast<unsigned char>(Base::lowerCase(static_cast<char>(byte))), -byte};
     std::sort(order.begin(), order.end());
-    // All digits weigh the same, which leaves room for the bytes that are no text.
+    // All digits weigh the same, which leaves weights for EndOfText and the terminator.
     int weight = LeastWeight;
     for (const auto& [lowered, negative] : order) {
         m_weights[static_cast<std::size_t>(-negative)] = static_cast<char>(weight);

@@ -7,13 +7,12 @@ namespace Halvern::UI {
 
 /// The order in which people expect numbered names: digits count as numbers, letters without regard to case.
 ///
-/// Two names are compared byte by byte. Where both have a run of ASCII digits, the longer run is larger
-/// (leading zeros are digits too), and of two equally long runs the one with the larger first differing
-/// digit. Other bytes compare by value in lower case, a lower-case letter before the same letter in upper
-/// case, and the first that differs decides.
+/// Two names are compared byte by byte. If both have a run of ASCII digits, the longer run is larger (leading
+/// zeros count), and of two equally long runs the one with the larger first differing digit. Other bytes
+/// compare by value in lower case, a lower-case letter before the same letter in upper case.
 ///
-/// Names are turned into keys once, and the keys are what is compared: in the order of `strcmp` they are in
-/// the natural order of their names, and only equal names have equal keys.
+/// Names are turned into keys once. The order of keys by `strcmp` is the natural order of their names, and
+/// only equal names have equal keys.
 class NaturalOrder
 {
 public:
@@ -21,9 +20,9 @@ public:
     {
         /// The first difference decides, in a number too: "a1b" comes before "a2a".
         DecideAtOnce,
-        /// A difference in a number decides only where the names are equal otherwise, so that all frames of
-        /// one sequence stand together: "a2a" comes before "a1b", and "a.2.exr" before "a.10.exr". Of several
-        /// numbers the first that differs counts.
+        /// A number decides only if the names are equal otherwise, so that all frames of a sequence stand
+        /// together: "a2a" comes before "a1b", and "a.2.exr" before "a.10.exr". Of several numbers the first
+        /// that differs counts.
         DecideLast
     };
 
@@ -35,7 +34,7 @@ public:
 
 private:
     Numbers m_numbers;
-    std::array<char, 256> m_weights; // by byte; larger than those that end and count
+    std::array<char, 256> m_weights; // by byte
     char m_numberWeight;
 };
 

@@ -3,7 +3,6 @@
 #include "frames/FrameName.h"
 
 #include <algorithm>
-#include <limits>
 #include <utility>
 
 namespace Halvern::UI {
@@ -131,13 +130,8 @@ bool SequenceIndex::settle(std::size_t most)
     return grown.empty();
 }
 
-void SequenceIndex::settle()
-{
-    settle(std::numeric_limits<std::size_t>::max());
-}
-
-// Frames come in the order of the disk. Sorted first, they are appended to the map of members, and its nodes
-// lie in memory in that order: much quicker than to search the place of each.
+// Frames come in the order of the disk. Sorted first, each is appended to the end of the map, which is much
+// quicker than to search the place of each, and the nodes lie in memory in that order.
 void SequenceIndex::addWaiting(Group& group, std::size_t most)
 {
     std::vector<Member>& members = group.waiting;
@@ -197,8 +191,7 @@ void SequenceIndex::sumUp()
     m_unsummed.clear();
 }
 
-// Sums follow the one change. Walking over all members again with each batch would take time that grows with
-// the square of the number of files.
+// Sums follow the change of one file: a walk over all members with each batch would take quadratic time.
 void SequenceIndex::applyTo(File& file, const FileInfoWrapper& info)
 {
     const unsigned long long previousSize = file.entry->size();

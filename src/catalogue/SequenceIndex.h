@@ -3,6 +3,7 @@
 #include "base/FileHandle.h"
 #include "catalogue/EntryPool.h"
 
+#include <cstdint>
 #include <map>
 #include <memory>
 #include <string>
@@ -17,8 +18,8 @@ namespace Halvern::UI {
 /// type come out. Both may arrive in parts, and rows may be built in between.
 ///
 /// A plain value for one thread: no events, threads, timers or disk. It owns all entries; pointers to them
-/// are borrowed and valid until clear(). After an exception (`std::bad_alloc`) it can still be used: a name
-/// that was being added may be missing from some list types.
+/// are valid until clear(). After an exception (`std::bad_alloc`) it can still be used; the name that was
+/// being added may be missing from some list types.
 class SequenceIndex
 {
     struct Groups;
@@ -27,8 +28,7 @@ public:
     /// Adds a file or folder and returns its entry. Numbered files wait for settle() to become members.
     FileInfo* add(const char* name, bool isDirectory);
     /// Makes at most @p most waiting files members of their sequences; true if no file waits any more.
-    bool settle(std::size_t most);
-    void settle();
+    bool settle(std::size_t most = SIZE_MAX);
     /// Applies attributes to the first entries that have none yet, in the order of adding, and to the sums of
     /// what contains them. Returns how many records were used; those beyond the last entry are ignored.
     std::size_t apply(const std::vector<FileInfoWrapper>& infos);
@@ -74,7 +74,7 @@ private:
     struct File
     {
         FileInfo* entry;
-        FileInfo* sequence; // that it is or becomes a member of; may be null
+        FileInfo* sequence; // it is or becomes a member of this; may be null
     };
     struct Member
     {
@@ -89,7 +89,7 @@ private:
         std::size_t added = 0;       // the first so many of waiting are members already
         bool inOrder = false;        // whether waiting is sorted by frame
     };
-    /// What has a node for each file or sequence, and is thrown away as a whole.
+    /// What has a node for each file or sequence. It is thrown away as a whole.
     struct Groups
     {
         std::map<std::string, FileInfo*, std::less<>> byName;

@@ -24,8 +24,9 @@ Frame frameCount(const FrameRange& run)
 FrameRange ascending(const FrameRange& range)
 {
     const Frame distance = Frame(range.last) - range.first;
-    const int end = static_cast<int>(range.first + distance / range.step * range.step);
-    return {std::min(range.first, end), std::max(range.first, end), end == range.first ? 1 : range.step};
+    const auto [first, last] =
+        std::minmax({range.first, int(range.first + distance / range.step * range.step)});
+    return {first, last, first == last ? 1 : range.step};
 }
 
 void appendFrame(std::vector<FrameRange>& runs, int frame)
@@ -58,51 +59,44 @@ void appendRange(std::vector<FrameRange>& runs, const FrameRange& range)
         runs.back().last = range.last;
 }
 
-std::nullopt_t refuse(std::string_view item, const char* reason)
+std::nullopt_t refuse(std::string_view item)
 {
-    std::printf("Frame range \"%.*s\": %s\n", static_cast<int>(std::min<std::size_t>(item.size(), 80)),
-                item.data(), reason);
+    std::printf(
+        "Frame range \"%.*s\": expected a frame (7), a range (1-10) or a range with a step, in numbers "
+        "from -2147483648 to 2147483647\n",
+        static_cast<int>(std::min<std::size_t>(item.size(), 80)), item.data());
     return std::nullopt;
 }
 
 /// Takes the number that @p text begins with off it.
-std::optional<int> takeNumber(std::string_view& text)
+bool takeNumber(std::string_view& text, int& number)
 {
-    int number = 0;
     const auto result = std::from_chars(text.data(), text.data() + text.size(), number);
-    if (result.ec != std::errc())
-        return std::nullopt;
     text.remove_prefix(static_cast<std::size_t>(result.ptr - text.data()));
-    return number;
+    return result.ec == std::errc();
+}
+
+bool take(std::string_view& text, char mark)
+{
+    const bool found = !text.empty() && text.front() == mark;
+    text.remove_prefix(found ? 1 : 0);
+    return found;
 }
 
 /// Reads "7", "1-10" or, with 'x' as @p stepMark, "1-10x2".
 std::optional<FrameRange> parseItem(std::string_view item, char stepMark)
 {
-    constexpr const char* wantsFrame = "a frame is a whole number from -2147483648 to 2147483647";
     std::string_view rest = item;
-    const auto first = takeNumber(rest);
-    if (!first)
-        return refuse(item, wantsFrame);
-    FrameRange range{*first, *first, 1};
-    if (rest.empty())
-        return range;
-    if (rest.front() != '-')
-        return refuse(item, "a frame, a range or a range with a step was expected");
-    rest.remove_prefix(1);
-    const auto last = takeNumber(rest);
-    if (!last)
-        return refuse(item, wantsFrame);
-    range.last = *last;
-    if (rest.empty())
-        return range;
-    if (rest.front() != stepMark)
-        return refuse(item, "a frame, a range or a range with a step was expected");
-    rest.remove_prefix(1);
-    const auto step = takeNumber(rest);
-    if (!step || *step < 1 || !rest.empty())
-        return refuse(item, "a step is a whole number from 1 to 2147483647");
-    range.step = *step;
+    FrameRange range;
+    bool isRead = takeNumber(rest, range.first);
+    range.last = range.first;
+    if (isRead && take(rest, '-')) {
+        isRead = takeNumber(rest, range.last);
+        if (isRead && take(rest, stepMark))
+            isRead = takeNumber(rest, range.step) && range.step > 0;
+    }
+    if (!isRead || !rest.empty())
+        return refuse(item);
     return range;
 }
 
@@ -118,13 +112,6 @@ std::string itemText(const FrameRange& run)
 
 } // namespace
 
-FrameRanges::Iterator::Iterator(const FrameRange* run, const FrameRange* end)
-    : m_run(run)
-    , m_end(end)
-    , m_frame(run == end ? 0 : run->first)
-{
-}
-
 FrameRanges::Iterator& FrameRanges::Iterator::operator++()
 {
     if (m_frame != m_run->last)
@@ -132,13 +119,6 @@ FrameRanges::Iterator& FrameRanges::Iterator::operator++()
     else
         *this = Iterator(m_run + 1, m_end);
     return *this;
-}
-
-FrameRanges::Iterator FrameRanges::Iterator::operator++(int)
-{
-    const Iterator before = *this;
-    ++*this;
-    return before;
 }
 
 FrameRanges::FrameRanges(std::vector<FrameRange> runs)
@@ -215,7 +195,7 @@ std::optional<FrameRanges> FrameRanges::parseDisplayName(std::string_view name)
     if (!head.empty() && head.back() == ')') {
         const std::size_t bracket = head.rfind('(');
         if (bracket == std::string_view::npos)
-            return refuse(name, "there is no \"(\" before the \")\"");
+            return refuse(name);
         listed = head.substr(bracket + 1, head.size() - bracket - 2);
         head = trimmed(head.substr(0, bracket));
     }

@@ -8,6 +8,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace Halvern::Base {
@@ -33,7 +34,7 @@ public:
         Iterator() = default;
         int operator*() const { return m_frame; }
         Iterator& operator++();
-        Iterator operator++(int);
+        Iterator operator++(int) { return std::exchange(*this, ++Iterator(*this)); }
         bool operator==(const Iterator& other) const
         {
             return m_run == other.m_run && m_frame == other.m_frame;
@@ -42,7 +43,12 @@ public:
 
     private:
         friend class FrameRanges;
-        Iterator(const FrameRange* run, const FrameRange* end);
+        Iterator(const FrameRange* run, const FrameRange* end)
+            : m_run(run)
+            , m_end(end)
+            , m_frame(run == end ? 0 : run->first)
+        {
+        }
 
         const FrameRange* m_run = nullptr;
         const FrameRange* m_end = nullptr;

@@ -15,8 +15,8 @@ struct ListedName
     bool isSequence = false;
 };
 
-/// Numbered files of one pattern as they follow each other in a sorted listing. Grows one name at a time,
-/// then tells how the names are listed.
+/// Numbered files of one pattern that follow each other in a sorted listing. Grows one name at a time, then
+/// tells how the names are listed.
 class FrameRun
 {
 public:
@@ -25,8 +25,8 @@ public:
     /// A run of one name, read with one "#" for each digit of @p frame.
     FrameRun(const QString& pattern, int frame);
 
-    /// Adds the next name, where its pattern is the same but for the number of "#" and its frame is larger.
-    /// False where it is not, which changes nothing.
+    /// Adds the next name, if its pattern is the same but for the number of "#" and its frame is larger. Else
+    /// false, and nothing changes.
     bool take(const QString& pattern, int frame);
     /// Names taken so far.
     int size() const { return m_size; }
@@ -44,7 +44,7 @@ private:
     int m_last = 0;
     int m_step = 0; // 0 until there are two names
     int m_size = 0;
-    std::vector<Base::FrameRange> m_closedRuns; // those that a gap follows
+    std::vector<Base::FrameRange> m_closedRuns; // those before a gap
     int m_openRunStart = 0;
 };
 

@@ -19,7 +19,7 @@ using Halvern::Base::startsWith;
 
 namespace {
 
-/// What was found out about one name; there is one for the process.
+/// What was found out about one name. The process has one.
 struct StatusCache
 {
     bool used = false;
@@ -27,7 +27,7 @@ struct StatusCache
     std::optional<struct stat> status;
 };
 
-/// The status of @p name, from the cache where it was the last name; null where it can't be examined.
+/// The status of @p name, from the cache if it was the last name; null if it can't be examined.
 const struct stat* examine(const char* name)
 {
     static StatusCache cache;

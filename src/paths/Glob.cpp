@@ -6,8 +6,8 @@
 
 namespace {
 
-/// The places of a pattern that the bytes of a name read so far can lead to, each once. They are followed all
-/// at once: trying one way after another would take time exponential in the number of "*" and "{".
+/// The places of a pattern that the bytes of a name read so far can lead to, each once. All are followed at
+/// the same time: to try them in turn would take time exponential in the number of "*" and "{".
 struct Places
 {
     std::vector<std::size_t> list;
@@ -33,8 +33,7 @@ std::size_t endOfAlternative(std::string_view pattern, std::size_t from, bool at
     return pattern.size();
 }
 
-/// For each "{" and separator of a pattern: where the alternative after it ends, and where all alternatives
-/// end.
+/// For each "{" and separator of a pattern: the end of the alternative after it, and of all alternatives.
 struct Ends
 {
     explicit Ends(std::string_view pattern)

@@ -4,10 +4,10 @@
 #include <QString>
 #include <initializer_list>
 
-/// Makes the files that a test needs. Names are bytes, handed to the system unchanged.
+/// Makes the files that a test needs. Names are bytes, passed to the system unchanged.
 namespace SampleFiles {
 
-/// Makes one file of @p size bytes in @p folder; false where the system refuses it.
+/// Makes one file of @p size bytes in @p folder; false if the system refuses it.
 bool make(const QString& folder, const QByteArray& name, int size = 0);
 
 /// Makes empty files; false at the first that the system refuses.
