@@ -32,7 +32,7 @@ namespace {
 
 constexpr qint64 TimeLimit = 300000; // milliseconds
 
-// Kilobytes, as the kernel counts the memory of this process.
+// In kilobytes, as the kernel counts the memory of this process.
 double memory(const char* field)
 {
     QFile status(QStringLiteral("/proc/self/status"));
@@ -82,8 +82,8 @@ private:
     bool m_painted = false;
 };
 
-// Runs the event loop until the condition holds; false when it does not come to that. The longest turn is
-// told with what the condition makes the models do.
+// Runs the event loop until the condition holds. False if that takes too long. The longest turn includes the
+// work of the condition.
 bool runUntil(const std::function<bool()>& condition, double& longest)
 {
     QElapsedTimer whole;
@@ -100,7 +100,7 @@ bool runUntil(const std::function<bool()>& condition, double& longest)
     return true;
 }
 
-/// A shown browser that has an empty directory on screen.
+/// A shown browser of an empty directory.
 class Browser
 {
 public:
@@ -152,7 +152,7 @@ public:
         return values;
     }
 
-    // Once the list has come to rest: attributes that came last are shown after a pause.
+    // After a pause, because the last attributes are shown late.
     double typeKeys()
     {
         double busy = 0;
@@ -195,7 +195,7 @@ public:
         return added;
     }
 
-    // Not a number where all was read by then, which is no leaving in mid-read.
+    // Not a number if everything was read by then: that did not interrupt a read.
     double leave(const QString& folder, qint64 after)
     {
         QElapsedTimer timer;
@@ -212,8 +212,8 @@ public:
     }
 
 private:
-    // Sizes arrive in the order of the disk, so every row is looked at, from the last that was missing on and
-    // not for so long that the looking itself would count.
+    // Sizes arrive in the order of the disk, so every row is checked. The check starts at the last row that
+    // was missing, and takes little time.
     bool hasAttributes()
     {
         constexpr int AtOnce = 2000;
@@ -246,7 +246,7 @@ Values timeCollapsed(const QString& folder, int files)
     return values;
 }
 
-// The memory of the entries alone.
+// Only the memory of the entries.
 Values timeMemory(int files)
 {
     constexpr std::size_t PageSize = 4096;

@@ -3,11 +3,11 @@
 #include <QString>
 #include <map>
 
-/// What the listing benchmark measures of one directory of numbered frames. Each kind is to be measured in a
-/// process of its own, so that none finds the memory of another.
+/// The measurements of the listing benchmark, of one directory of numbered frames. Measure each kind in a
+/// process of its own, so that no measurement uses the memory of another.
 namespace ListingMeasurements {
 
-/// Names of values: milliseconds, but for bytes and counts.
+/// Values by name, in milliseconds, bytes or counts.
 using Values = std::map<QString, double>;
 
 /// The kinds:
@@ -20,12 +20,13 @@ using Values = std::map<QString, double>;
 ///     expanded   rows, attributes, turn and bytes with a row for each file, key (the slowest of some keys
 ///                typed in the filename field, until the list is painted), entries (that a second read made
 ///                newly)
-///     memory     touched (to have the memory of the entries alone from the system, whatever the directory);
-///                so does every kind that begins with this
+///     memory     touched (the time to get the memory of the entries from the system, for any directory),
+///     also
+///                for every kind that begins with this
 ///     switch     switch (the slowest of some changes to another directory in mid-read)
 ///
-/// Needs a QApplication. An unknown kind, a directory of another number of files and a measurement that came
-/// to no end give nothing.
+/// Needs a QApplication. Returns nothing for an unknown kind, for a directory with another number of files,
+/// and if a measurement takes too long.
 Values measure(const QString& kind, const QString& folder, int files);
 
 } // namespace ListingMeasurements

@@ -17,7 +17,7 @@ constexpr int LeastWarmUp = 20;
 MemoryWatch::Memory memoryInUse()
 {
     MemoryWatch::Memory memory;
-    Halvern::Base::waitForHelpers(); // they free what a read leaves
+    Halvern::Base::waitForHelpers(); // they free the memory of the last read
     ::malloc_trim(0);
     const auto info = ::mallinfo2();
     memory.allocated = static_cast<long long>(info.uordblks) + static_cast<long long>(info.hblkhd);
@@ -56,10 +56,10 @@ bool MemoryWatch::isSteady() const
     const long long grown = m_last.allocated - m_first.allocated;
     const long long residentGrown = m_last.resident - m_first.resident;
 #ifdef __SANITIZE_ADDRESS__
-    // It keeps what was freed, and has a heap of its own.
+    // AddressSanitizer keeps freed memory and has a heap of its own.
     const bool steady = true;
 #else
-    // Pages stay where a single small block in use is left between what was freed.
+    // Pages with a single block in use cannot be given back.
     constexpr long long AllowedResident = 16 << 20;
     const bool steady = grown < m_allowed && residentGrown < AllowedResident;
 #endif

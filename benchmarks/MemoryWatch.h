@@ -2,11 +2,11 @@
 
 #include <QElapsedTimer>
 
-/// Prints the memory in use from time to time, and tells whether it stays.
+/// Prints the memory in use at intervals, and whether it grows.
 class MemoryWatch
 {
 public:
-    /// What the process uses, in bytes.
+    /// The memory of the process, in bytes.
     struct Memory
     {
         long long allocated = 0;
@@ -15,13 +15,13 @@ public:
 
     /// Watches @p rounds rounds, named @p what in print. From the end of the warm-up to the last round the
     /// heap may grow by less than @p allowed bytes, and resident memory by less than 16 MB. The warm-up is a
-    /// twentieth of the rounds, but at least 20: fonts and icons are still loaded in the first ones. It is
-    /// half of the rounds where there are fewer than 40.
+    /// twentieth of the rounds, but at least 20, because fonts and icons are loaded in the first ones. With
+    /// fewer than 40 rounds it is half of them.
     MemoryWatch(const char* what, int rounds, long long allowed);
 
-    /// To be called after each round, counted from 1.
+    /// Call this after each round, counted from 1.
     void finishRound(int round);
-    /// Prints the verdict, and returns it. Under AddressSanitizer it is always yes.
+    /// Prints and returns the result. Under AddressSanitizer it is always true.
     bool isSteady() const;
 
 private:

@@ -1,7 +1,6 @@
-// Prints what the user interface asks the disk for, step by step, in folders of few and of many files and on
-// a disk that takes 1 ms and 50 ms for each question of the worker, and in a dialog with 20,000 files. Ends
-// with 1 if a step asks for anything but what is written beside it, however many files there are.
-// Usage: disk-calls [FILES]
+// Prints the system calls of the user interface for files, step by step: in folders of few and of many files,
+// on disks that take 1 ms and 50 ms for each call of the worker, and in a dialog with 20,000 files. Exit
+// status: 1 if a step makes other calls than listed here, for any number of files. Usage: disk-calls [FILES]
 
 #include "browser/BrowserWindow.h"
 #include "dialog/FileDialog.h"
@@ -24,11 +23,11 @@ constexpr int DialogFiles = 20000;
 struct Step
 {
     const char* name;
-    const char* calls; ///< What it is expected to ask for, as summary() tells it.
+    const char* calls; ///< The expected calls, as summary() prints them.
     std::function<void()> run;
 };
 
-/// One walk through a folder. What the steps do is done with the controls, as a user does it.
+/// One walk through a folder. The steps use the controls, as a user does.
 class Walk
 {
 public:
@@ -39,7 +38,7 @@ public:
         window.browser.setSequencesEnabled(false);
     }
 
-    /// @p wait is how many milliseconds attributes are given to arrive in.
+    /// @p wait is the time for attributes to arrive, in milliseconds.
     std::vector<Step> steps(int wait)
     {
         return {
@@ -107,8 +106,8 @@ private:
     BrowserWindow window;
 };
 
-/// How often each call occurs: "opendir 1, statx 2". What Qt does for a settings file depends on the machine
-/// and is "settings file", beside which the calls in the folder are counted.
+/// How often each call occurs: "opendir 1, statx 2". The calls for a settings file depend on the machine and
+/// are printed as "settings file".
 QString summary(const QStringList& calls, const QString& folder)
 {
     const auto isSettings = [](const QString& call) { return call.contains(QLatin1String(".ini")); };
@@ -126,7 +125,7 @@ QString summary(const QStringList& calls, const QString& folder)
     return texts.isEmpty() ? QStringLiteral("none") : texts.join(QStringLiteral(", "));
 }
 
-/// Prints the calls of each step. False if they are not as expected, or if a step does not come to its end.
+/// Prints the calls of each step. False if they are not as expected, or if a step does not end.
 bool walk(const std::vector<Step>& steps, const std::function<bool()>& finish, const QString& folder)
 {
     bool asExpected = true;
@@ -151,7 +150,7 @@ bool walkBrowser(const QString& folder, int wait)
                                          browser.steps(wait), [&] { return browser.finishStep(); }, folder);
 }
 
-/// In a dialog, whose buttons follow what is selected.
+/// In a dialog, whose buttons depend on the selection.
 bool walkDialog(const QString& folder)
 {
     using Halvern::UI::FileBrowser;

@@ -1,6 +1,6 @@
-// Goes from directory to directory as a user does in a day and more, makes and destroys browsers in mid-read
-// and behind their boxes, and dialogs over settings and favourites files of random bytes; prints how much
-// memory is in use on the way. Ends with 1 where memory grows, rows are wrong or a favourite is lost. Usage:
+// Goes from directory to directory as often as a user in a day or more. Makes and destroys browsers during
+// reads and while their boxes are open, and dialogs with settings and favourites files of random bytes.
+// Prints the memory in use. Exit status: 1 if memory grows, rows are wrong or a favourite is lost. Usage:
 // endurance-benchmark [CHANGES [BROWSERS]]
 
 #include "Measuring.h"
@@ -40,8 +40,8 @@ constexpr int DefaultBrowsers = 1000;
 constexpr int DefaultFavorites = 3;
 constexpr int EveryType = 255;
 
-// Growth that is a leak, in bytes of the heap. A batch of names takes two megabytes, and several may be on
-// their way or kept to be filled again, which is little beside many changes only.
+// Growth of the heap that counts as a leak, in bytes. A batch of names takes two megabytes, and several may
+// be in use or kept for later. That is little compared to many changes only.
 constexpr long long AllowedInFewChanges = 16 << 20;
 constexpr long long AllowedInChanges = 4 << 20;
 constexpr long long AllowedInWindows = 256 << 10;
@@ -51,7 +51,7 @@ QString folderName(const QString& tree, int index)
     return QStringLiteral("%1/shot_%2").arg(tree).arg(index, 3, 10, QLatin1Char('0'));
 }
 
-// No two have as many.
+// No two directories have the same number of files.
 int fileCount(int index)
 {
     return 100 + 45 * index;
@@ -67,7 +67,7 @@ bool makeFolders(const QString& tree)
     return true;
 }
 
-// Into a folder by its path and out of it by the button, so that the history stays as long as it is.
+// Enters a folder by its path and leaves it by the button, so that the history does not grow.
 bool changeDirectories(const QString& tree, int changes)
 {
     FileBrowser browser;
@@ -85,7 +85,7 @@ bool changeDirectories(const QString& tree, int changes)
             browser.setDirectory(QDir(folderName(tree, folder)), false, true);
         else
             back->click();
-        // Every third directory is left in mid-read, as by someone who knows the way.
+        // Every third directory is left during the read.
         const bool waits = change % 3 != 0;
         QElapsedTimer timer;
         timer.start();
@@ -101,15 +101,14 @@ bool changeDirectories(const QString& tree, int changes)
     return watch.isSteady();
 }
 
-// Destroys a browser with a favourite selected behind the box that a button brings up, or behind the one that
-// follows the answer.
+// Destroys a browser with a selected favourite while the box of a button is open, or the box that follows it.
 bool destroyBehindBox(const char* button, const QString& answer)
 {
     const QPointer<FileBrowser> browser = new FileBrowser;
     auto* favorites = browser->findChild<QListView*>(QStringLiteral("favoritesList"));
     favorites->setCurrentIndex(favorites->model()->index(favorites->model()->rowCount() - 1, 0));
     bool shown = false;
-    const QObject box; // ends the timers where there is none
+    const QObject box; // ends the timers if no box opens
     QTimer::singleShot(0, &box, [&] {
         QTimer::singleShot(0, &box, [&] {
             shown = QApplication::activeModalWidget() != nullptr;
@@ -133,7 +132,7 @@ bool destroyBehindBoxes(int rounds)
 {
     const QString refused = QStringLiteral("no/such/folder");
     FileBrowser::AddFavoriteDir("root", std::string(), "/", std::string(), std::string(), FaveAll, true);
-    // Qt makes the icons of a box's buttons anew each time, and would keep them all, up to ten megabytes.
+    // Qt makes new icons for the buttons of each box, and would keep up to ten megabytes of them.
     const int limit = QPixmapCache::cacheLimit();
     QPixmapCache::setCacheLimit(0);
     MemoryWatch watch("boxes", rounds, AllowedInWindows);
@@ -144,7 +143,7 @@ bool destroyBehindBoxes(int rounds)
             if (!destroyBehindBox(button, QString()))
                 return false;
         }
-        QCoreApplication::processEvents(); // what the X server said of the boxes
+        QCoreApplication::processEvents(); // events of the X server for the boxes
         watch.finishRound(round);
     }
     QPixmapCache::setCacheLimit(limit);
@@ -167,7 +166,7 @@ bool destroyInMidRead(const QString& folder, int browsers)
     return watch.isSteady();
 }
 
-// Random bytes, and pieces that mean something to one reader or the other.
+// Random bytes, and pieces that the readers know.
 QByteArray anything(std::mt19937& random)
 {
     static const QByteArrayList pieces{
@@ -222,7 +221,7 @@ bool writeFile(const QString& path, const QByteArray& bytes)
     return file.open(QFile::WriteOnly) && file.write(bytes) == bytes.size();
 }
 
-/// Stands for a pane without its drawing surface, which needs the display driver.
+/// A pane without a drawing surface, which would need the display driver.
 class Pane : public QWidget
 {
     Q_OBJECT
@@ -234,7 +233,7 @@ public slots:
     void fileSelected(const Halvern::UI::FileInfo& /*info*/, QDir /*dir*/) {}
 };
 
-/// What dialogs made of the files.
+/// What the dialogs read from the files.
 struct Reach
 {
     std::set<QString> directories;
@@ -243,7 +242,7 @@ struct Reach
     int previews = 0;
 };
 
-// Shows a dialog that reads the settings, and the favourites that were read into the panel.
+// Shows a dialog that reads the settings and the favourites.
 bool showDialog(int favorites, Reach& reach)
 {
     FileDialog dialog;
@@ -268,7 +267,7 @@ bool showDialog(int favorites, Reach& reach)
            dialog.directory().exists() && !dialog.size().isEmpty();
 }
 
-// Whether the favourites in the file are still as many when the browsers' list was saved.
+// Whether the file has the same number of favourites after the list was saved.
 bool keepsFavorites(const QString& path, int favorites)
 {
     FileBrowser::SaveFavorites();
@@ -279,7 +278,7 @@ bool keepsFavorites(const QString& path, int favorites)
 
 bool readAnything(const QString& tree, int rounds)
 {
-    // Settings that name no directory lead here or one up, and those with a relative one not far from it.
+    // Settings without a directory lead here or one level up, and those with a relative directory nearby.
     const QString folder = tree + QStringLiteral("/settings/working");
     const QString favorites = tree + QStringLiteral("/favorites");
     if (!QDir().mkpath(folder) || !Measuring::makeTree(folder, fileCount(0)) || !QDir::setCurrent(folder))
@@ -299,7 +298,7 @@ bool readAnything(const QString& tree, int rounds)
             std::printf("files: broken by \"%s\"\n", bytes.toPercentEncoding().constData());
             return false;
         }
-        QCoreApplication::processEvents(); // what the X server said of the window
+        QCoreApplication::processEvents(); // events of the X server for the window
         watch.finishRound(round);
     }
     std::printf("files: %d favourites, %zu directories, %d times expanded, %d previews\n", reach.favorites,
@@ -318,9 +317,9 @@ int main(int argc, char** argv)
         return 2;
     }
     const QApplication application(argc, argv);
-    // Else what workers freed would stay resident, and how many had a heap of their own is chance.
+    // With one heap for all threads: otherwise freed memory of the workers would stay resident.
     ::mallopt(M_TRIM_THRESHOLD, 128 << 10);
-    // A window may be gone when the X server is to give it the focus.
+    // A window may be destroyed before the X server gives it the focus.
     QLoggingCategory::setFilterRules(QStringLiteral("qt.qpa.xcb=false"));
     const QTemporaryDir settings;
     QSettings::setPath(QSettings::IniFormat, QSettings::UserScope, settings.path());

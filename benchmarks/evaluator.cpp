@@ -1,7 +1,7 @@
-// Times an evaluator in Python that hands on every entry, as native code calls it, beside a plain list
-// comprehension over as many strings. Usage: evaluator-benchmark [ENTRIES [ROUNDS]]
+// Times an evaluator in Python that returns every entry, called by native code, beside a list comprehension
+// over the same number of strings. Usage: evaluator-benchmark [ENTRIES [ROUNDS]]
 
-// Before Qt, whose keyword "slots" it would stumble over.
+// Before Qt, whose keyword "slots" is a name in this header.
 #include <Python.h>
 
 #include "Measuring.h"

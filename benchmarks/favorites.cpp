@@ -40,8 +40,8 @@ bool writeFile(const QString& path, int favorites)
 /// Medians over all rounds, in milliseconds.
 struct Times
 {
-    double load = 0; ///< To read the file and resolve what it holds.
-    double open = 0; ///< From there until a browser is made, shown and painted.
+    double load = 0; ///< Reading the file and resolving its favourites.
+    double open = 0; ///< Making, showing and painting a browser after that.
 };
 
 Times timeOpening(const QString& folder, int favorites, int rounds)

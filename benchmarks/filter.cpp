@@ -1,5 +1,5 @@
-// Times the filter of the file list: many wildcard patterns over many names, looked at as a letter is typed
-// into the filename field. The baseline has one expression for each pattern. Usage: filter-benchmark [NAMES]
+// Times the filter of the file list for a letter typed into the filename field: many wildcard patterns, many
+// names. The baseline has one expression for each pattern. Usage: filter-benchmark [NAMES]
 
 #include "browser/NameFilter.h"
 
@@ -23,7 +23,7 @@ std::vector<QString> makeNames(int count)
     return names;
 }
 
-// The last one matches, the others do not.
+// Only the last one matches.
 QString makePatterns(const char* form, int count)
 {
     QString text;

@@ -1,7 +1,7 @@
-// Prints the processor time of what a user of a long file list does, each beside the same with nothing to
-// slow it down: a letter typed with many filter patterns, attributes that arrive while many rows are
-// selected, and painting while many rows are in the pick list. Usage: list-benchmark [ROUNDS [FILES]]. Exit
-// status: 0, 1 if a limit is missed, 2 if the list is not read.
+// Prints the processor time of three actions in a long file list: a letter typed with many filter patterns,
+// attributes that arrive while many rows are selected, and a paint with many rows in the pick list. Each is
+// printed beside the same action without filter, selection or pick list. Usage: list-benchmark [ROUNDS
+// [FILES]]. Exit status: 0, 1 if a limit is missed, 2 if the list is not read.
 
 #include "Measuring.h"
 #include "browser/DirectoryModel.h"
@@ -41,7 +41,7 @@ public:
     bool waitFor(int files)
     {
         constexpr qint64 TimeLimit = 60000;   // milliseconds
-        constexpr qint64 LongestPause = 2000; // between the last attributes and their arrival in the list
+        constexpr qint64 LongestPause = 2000; // from the last attributes until the list shows them
         QElapsedTimer timer;
         timer.start();
         while (!m_model->isListReady() || !m_model->hasAllAttributes() || m_proxy->rowCount() != files) {

@@ -1,5 +1,5 @@
-// Times the one-shot lister beside scandir with alphasort, and how its time grows from 10,000 names on, all
-// in one run. Usage: lister-benchmark [FILES [ROUNDS]]
+// Times FileInfoList beside scandir with alphasort, and how its time grows from 10,000 names, all in one run.
+// Usage: lister-benchmark [FILES [ROUNDS]]
 
 #include "Measuring.h"
 #include "catalogue/FileInfoList.h"
@@ -21,7 +21,7 @@ namespace {
 
 constexpr int FewestFiles = 10000;
 
-// The names are freed within the time, as the lister frees its own.
+// Includes freeing the names, as the lister does.
 double timeSystem(const QString& folder, int files)
 {
     QElapsedTimer timer;

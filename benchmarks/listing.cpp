@@ -1,10 +1,10 @@
-// Times how a directory of numbered frames comes to the screen, beside what the system needs at least and
-// what Qt's own model needs, all in one run, and says of each value whether it holds. Usage:
+// Times how long a directory of numbered frames takes to be shown, beside the system calls alone and beside
+// Qt's own model, all in one run. Prints whether each value is within its limit. Usage:
 //
-//     listing-benchmark [ROUNDS [FILES]]                makes its trees below the working directory
-//     listing-benchmark --measure KIND FOLDER FILES     one measurement of a tree that is there
+//     listing-benchmark [ROUNDS [FILES]]                makes its trees in the working directory
+//     listing-benchmark --measure KIND FOLDER FILES     one measurement of an existing tree
 //
-// The second form is what the first runs for every value; it is also the one for a profiler.
+// The first form runs the second one for every value. Use the second form with a profiler.
 
 #include "ListingMeasurements.h"
 #include "Measuring.h"
@@ -28,7 +28,7 @@ constexpr int TypingFiles = 10000;
 constexpr int ManyFiles = 100000;
 constexpr int MostFiles = 1000000;
 
-/// What may not be exceeded; 0 for what is only told.
+/// A limit; 0 for none.
 struct Limits
 {
     double rows;
@@ -43,7 +43,7 @@ struct Limits
 constexpr Limits LimitsForMany = {3, 1.5, 0.33, 50, 120, 100, 300};
 constexpr Limits LimitsForMost = {3.5, 1.6, 0.12, 100, 0, 0, 300};
 
-/// All values of one size, as "collapsed rows" and the like, for every round.
+/// All values of one size for every round, under names like "collapsed rows".
 using Rounds = std::map<QString, std::vector<double>>;
 
 bool measure(const QString& kind, const QString& folder, int files, Rounds& rounds)
@@ -73,7 +73,7 @@ bool measureTree(int files, int rounds, const QStringList& kinds, Rounds& values
         std::fprintf(stderr, "listing-benchmark: cannot make %d files below the working directory\n", files);
         return false;
     }
-    // Writing a million new files to the disk would make the measurements stand still now and then.
+    // Synchronise first: writing a million new files to the disk would disturb the measurements.
     ::sync();
     for (int round = 0; round < rounds; ++round) {
         for (const QString& kind : kinds) {
@@ -131,8 +131,8 @@ bool judgeGrowth(const Rounds& many, const Rounds& most)
 
 int printTable(int rounds, int most)
 {
-    // A virtual machine gives idle memory back to its host. Touching as much just before a listing makes the
-    // host hand it out again, which the listing would otherwise time.
+    // A virtual machine gives idle memory back to its host. Touching as much memory before a listing gets it
+    // back, so the listing does not include that time.
     const QStringList kinds = {QStringLiteral("system"),    QStringLiteral("memory"),
                                QStringLiteral("collapsed"), QStringLiteral("memory-again"),
                                QStringLiteral("expanded"),  QStringLiteral("qt")};

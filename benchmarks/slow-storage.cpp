@@ -1,5 +1,5 @@
-// Times the attributes of a directory on a file system that takes its time for each answer, beside a program
-// that asks for one after the other. Usage: slow-storage-benchmark [FILES]
+// Times reading the attributes of a directory on a slow file system, beside a program that asks for one after
+// the other. Usage: slow-storage-benchmark [FILES]
 
 #include "Measuring.h"
 #include "base/FileSystem.h"
@@ -22,7 +22,7 @@ namespace {
 constexpr int DefaultFiles = 10000;
 constexpr int Rounds = 3;
 
-// On a thread of its own: the first is not delayed.
+// On another thread: calls of the first one are not delayed.
 double timeOneAfterTheOther(const QString& folder)
 {
     QElapsedTimer timer;

@@ -1,5 +1,5 @@
-# The Python module, made by the binding generator from src/python: coreui_generated and coreui_conversions, which
-# go into the shared library. Defines COREUI_TYPE_STUB, the file of types that is installed beside it.
+# The Python module. The generator makes it from src/python. Defines coreui_generated and coreui_conversions, which
+# are parts of the shared library, and COREUI_TYPE_STUB, the installed file of types.
 set(script "import os, sipbuild, PyQt${COREUI_QT} as qt, PyQt${COREUI_QT}.sip; print(os.path.join(qt.__path__[0], 'bindings'))")
 execute_process(COMMAND ${Python3_EXECUTABLE} -c "${script}" RESULT_VARIABLE result
     OUTPUT_VARIABLE COREUI_PYQT_BINDINGS ERROR_VARIABLE error OUTPUT_STRIP_TRAILING_WHITESPACE)
@@ -21,7 +21,7 @@ set(sources
     ${COREUI_SIP_DIR}/FileSequenceEvaluator.sip
     ${COREUI_SIP_DIR}/StdString.sip
     ${COREUI_SIP_DIR}/StdVector.sip)
-# The generator empties the folder that it writes into.
+# The generator empties its output folder.
 add_custom_command(
     OUTPUT ${generated}/sip_HvMirefoldCoreUIpart0.cpp ${COREUI_TYPE_STUB}
     COMMAND ${Python3_EXECUTABLE} -m sipbuild.tools.build --quiet --no-compile --concatenate 1
@@ -31,12 +31,12 @@ add_custom_command(
     COMMENT "Generating the Python binding"
     VERBATIM)
 
-# What every Python from 3.7 on offers, and no more.
+# Only the stable interface of Python 3.7.
 add_library(coreui_python INTERFACE)
 target_compile_definitions(coreui_python INTERFACE Py_LIMITED_API=0x03070000)
 target_include_directories(coreui_python SYSTEM INTERFACE ${Python3_INCLUDE_DIRS})
 
-# Generated code is none of ours: no warnings.
+# No warnings in generated code.
 add_library(coreui_generated OBJECT ${generated}/sip_HvMirefoldCoreUIpart0.cpp)
 set_target_properties(coreui_generated PROPERTIES AUTOMOC OFF)
 target_include_directories(coreui_generated PRIVATE ${folder}/generated ${generated} ${PROJECT_SOURCE_DIR}/src)

@@ -1,4 +1,4 @@
-# The options that all of this project's own code is compiled with.
+# The compiler options of the project's own code.
 add_library(coreui_options INTERFACE)
 target_compile_definitions(coreui_options INTERFACE
     QT_NO_CAST_TO_ASCII QT_NO_CAST_FROM_BYTEARRAY QT_STRICT_ITERATORS

@@ -1,5 +1,5 @@
-# The target `reference` makes the reference of the public headers in docs/reference of the build folder, and
-# a warning fails it; the target `lupdate` makes the catalogue of the translatable texts, HvMirefoldCoreUI.ts.
+# The target `reference` makes the reference of the public headers in docs/reference of the build folder. A
+# warning is an error. The target `lupdate` makes the catalogue of the translatable texts, HvMirefoldCoreUI.ts.
 find_package(Doxygen QUIET)
 if(DOXYGEN_FOUND)
     set(DOXYGEN_PROJECT_NAME CoreUI)
@@ -8,7 +8,7 @@ if(DOXYGEN_FOUND)
     set(DOXYGEN_USE_MDFILE_AS_MAINPAGE ${PROJECT_SOURCE_DIR}/docs/reference.md)
     set(DOXYGEN_STRIP_FROM_PATH ${PROJECT_SOURCE_DIR}/src)
     set(DOXYGEN_STRIP_FROM_INC_PATH ${PROJECT_SOURCE_DIR}/src)
-    # Names that speak for themselves have no comment, and are in the reference all the same.
+    # Functions without a comment are listed too.
     set(DOXYGEN_EXTRACT_ALL YES)
     set(DOXYGEN_JAVADOC_AUTOBRIEF YES)
     set(DOXYGEN_GENERATE_LATEX NO)

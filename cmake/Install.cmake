@@ -1,5 +1,5 @@
-# An installed tree: the library, its public headers in the folders they have here, and a package for
-# find_package(HvMirefoldCoreUI) with the target HvMirefold::CoreUI.
+# Installs the library, its public headers with their folders, and a package for find_package(HvMirefoldCoreUI) with
+# the target HvMirefold::CoreUI.
 include(CMakePackageConfigHelpers)
 
 set(COREUI_PUBLIC_HEADERS

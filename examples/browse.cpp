@@ -44,8 +44,8 @@ void printLine(const QString& text)
     std::cout << QFile::encodeName(text).constData() << '\n';
 }
 
-// Waits until the rows and their attributes are there: each row has a time, or nothing has changed for a
-// while (a link that points nowhere never gets one). False where no rows come at all.
+// Waits until all rows have a time, or until nothing has changed for a while (a broken link never gets one).
+// False if there are no rows.
 bool waitForRows(QAbstractItemModel& rows)
 {
     constexpr int ListingTime = 120000; // milliseconds
@@ -95,7 +95,7 @@ struct Options
     bool needsWindow() const { return !list || !screenshot.isEmpty(); }
 };
 
-// Reads the command line; a status where the program ends with it.
+// Reads the command line. Returns an exit status if the program ends here.
 std::optional<int> parse(const QStringList& arguments, Options& options)
 {
     const auto text = [](const char* latin) { return QString::fromLatin1(latin); };
@@ -161,7 +161,7 @@ void configure(FileDialog& dialog, const Options& options)
     dialog.setDirectory(QDir(options.directory), false, false);
 }
 
-// Prints and pictures what the list shows, without anybody at the keyboard.
+// Prints the rows and writes a picture, without a user.
 int report(FileDialog& dialog, const Options& options)
 {
     if (options.needsWindow()) {
@@ -196,7 +196,7 @@ int main(int argc, char** argv)
 {
     Options options;
     {
-        // What kind of application is needed is known only after the command line was read.
+        // The kind of application depends on the command line.
         const QCoreApplication reader(argc, argv);
         if (const auto status = parse(reader.arguments(), options))
             return *status;
@@ -210,7 +210,7 @@ int main(int argc, char** argv)
     FileBrowser::SetUseLastSavedDir(false);
     FileBrowser::SetAssumeZeroPadding(true);
     QString settings = QStandardPaths::writableLocation(QStandardPaths::ConfigLocation);
-    // Without a user, the user's settings and favourites are left alone.
+    // Without a user, settings and favourites are not written.
     std::optional<QTemporaryDir> own;
     if (!options.isInteractive()) {
         settings = own.emplace().path();
@@ -219,7 +219,7 @@ int main(int argc, char** argv)
     QDir().mkpath(settings);
     FileBrowser::SetPreferencesPath(settings + QStringLiteral("/HvMirefoldCoreUI.favorites"),
                                     QStringLiteral("browse"));
-    // The row under the mouse; the default is made for hosts with a black surface.
+    // For the row under the mouse. The default is for hosts with a black surface.
     FileBrowser::SetHighlightColor(QApplication::palette().color(QPalette::Midlight));
     FileDialog dialog;
     configure(dialog, options);

@@ -1,6 +1,6 @@
 // Takes the pictures of the documents: pictures DIRECTORY FOLDER shows DIRECTORY and writes PNG files into
-// FOLDER. With a third argument, "dark" or "scale2", it writes only FOLDER/dark.png, in a dark palette, or
-// FOLDER/scale2.png, for which QT_SCALE_FACTOR=2 is to be set.
+// FOLDER. With a third argument it writes only one picture: "dark" writes FOLDER/dark.png, in a dark palette,
+// and "scale2" writes FOLDER/scale2.png, which needs QT_SCALE_FACTOR=2.
 
 #include "dialog/FileDialog.h"
 #include "dialog/FilePreview.h"
@@ -90,7 +90,7 @@ bool pictureDialogs(const QDir& directory, const QString& folder)
     return picture(dialog, folder + QStringLiteral("/picklist.png"));
 }
 
-// The list that says why it is empty.
+// Lists that say why they are empty.
 bool pictureEmptyLists(const QDir& directory, const QString& folder)
 {
     const QTemporaryDir made;
@@ -129,7 +129,7 @@ bool pictureEmptyLists(const QDir& directory, const QString& folder)
     return true;
 }
 
-// One dialog with everything in it: a selected, a hovered and a queued row, and a preview with its slider.
+// A dialog with a selected, a hovered and a queued row, and a preview with its slider.
 bool pictureVariant(const QDir& directory, const QString& file)
 {
     FileDialog dialog;
@@ -177,7 +177,7 @@ QPalette darkPalette()
     return palette;
 }
 
-// What a host with a dark surface sets.
+// The settings of a host with a dark surface.
 void darken()
 {
     QApplication::setPalette(darkPalette());
@@ -185,8 +185,8 @@ void darken()
     FileBrowser::SetQueuedColor(QColor(130, 70, 30));
 }
 
-// Sliders on a light and on a dark surface: of four digits, of five with the mouse near the end, and
-// disabled.
+// Sliders on a light and on a dark surface: with four digits, with five digits and the mouse near the end,
+// and disabled.
 bool pictureSliders(const QString& file)
 {
     QWidget window;

@@ -1,4 +1,4 @@
-// Lists a directory with numbered files collapsed into sequences, one entry a line.
+// Lists a directory with its sequences collapsed, one entry on each line.
 //
 // Exit status: 0, or 2 for a directory that cannot be read or a wrong option.
 
@@ -53,7 +53,7 @@ int main(int argc, char** argv)
     if (list.fill(directory) < 0)
         return fail("cannot read " + directory.toStdString() + ": " + std::strerror(errno));
     for (const Halvern::UI::FileInfo& entry : list.entries()) {
-        // A name may hold anything but "/": a line end in it would make two entries of one.
+        // A name may contain a line end, which would make two entries of one.
         const QByteArray line = QByteArray(entry.fileName()).replace('\n', "\\n");
         if (line == "." || line == "..")
             continue;

@@ -1,4 +1,4 @@
-// A window with a frame slider that prints what is done with it.
+// A window with a frame slider that prints its signals.
 //
 // Exit status: 0, or 2 for a wrong option or a picture that cannot be written.
 

@@ -1,4 +1,4 @@
-# What the scripts share: the project's folder, and the packages that it needs on Debian.
+# Shared by the scripts: the project's folder, and the packages that it needs on Debian.
 
 project=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 
@@ -10,7 +10,7 @@ check_packages=(clang-format clang-tidy)
 fuzz_packages=(clang libclang-rt-14-dev)
 document_packages=(doxygen qttools5-dev-tools)
 
-# install_missing PACKAGE...: installs the packages that are not there. Prints nothing where all are.
+# install_missing PACKAGE...: installs the packages that are missing. Prints nothing if none is.
 install_missing() {
     local package missing=()
     for package in "$@"; do
@@ -34,7 +34,7 @@ install_missing() {
     } >&2
 }
 
-# build PRESET [TARGET...]: configures and builds; what the tools say goes to standard error.
+# build PRESET [TARGET...]: configures and builds. All output goes to standard error.
 build() {
     local preset=$1
     shift

@@ -14,7 +14,7 @@ int main(int argc, char** argv)
     QApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
 #endif
     QApplication application(argc, argv);
-    // Class-wide, once, before the first browser is made.
+    // Class-wide settings, before the first browser is made.
     Halvern::UI::AppSettings::SetName("Comp");
     FileBrowser::SetPreferencesPath(QDir::homePath() + "/.comp-favorites", "Comp");
     FileBrowser::SetHighlightColor(application.palette().color(QPalette::AlternateBase));
@@ -30,7 +30,7 @@ int main(int argc, char** argv)
     QStringList filters{"*.exr *.dpx", "*.jpg"};
     browser->setFilters(filters, false);
     browser->setAcceptButtonText("Import");
-    browser->setAcceptButtonEnabled(true); // a browser on its own leaves that to its host
+    browser->setAcceptButtonEnabled(true); // only FileDialog does this by itself
     browser->setDirectory(QDir::current(), false, true);
 
     QObject::connect(browser, &FileBrowser::fileSelected, [](const Halvern::UI::FileInfo& info, QDir) {

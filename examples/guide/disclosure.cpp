@@ -7,7 +7,7 @@
 
 using namespace Halvern::UI;
 
-// Shown only while all the buttons that it was added to are open.
+// Shown only if all buttons that it was added to are open.
 class BothBox : public QSpinBox, public DisclosableWidget
 {
 };

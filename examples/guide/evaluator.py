@@ -21,7 +21,7 @@ class StereoPairs(Halvern.UI.FileSequenceEvaluator):
             else:
                 rows.append(file)
         for take, members in eyes.items():
-            name = os.fsencode(take + ".stereo.exr")  # whatever bytes it has
+            name = os.fsencode(take + ".stereo.exr")  # for any bytes
             rows.append(self.buildFileSequence(name, range(len(members)), tuple(members)))
             print(take, len(members), "files")
         return tuple(rows)  # a list is refused

@@ -1,4 +1,4 @@
-// Prints how the names of one directory become rows in each list type, as a table.
+// Prints a table of the rows of one directory in each list type.
 #include <QString>
 #include <algorithm>
 #include <array>

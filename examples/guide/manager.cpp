@@ -9,9 +9,9 @@ int main(int argc, char** argv)
 {
     QCoreApplication application(argc, argv);
     FileManager manager;
-    // Names first, so that rows are there at once; sizes and times follow in batches.
+    // Names arrive first. Sizes and times follow in batches.
     QObject::connect(&manager, &FileManager::refreshList, [&] {
-        std::vector<FileInfo*> rows; // borrowed until the next read
+        std::vector<FileInfo*> rows; // valid until the next read
         manager.buildRunningList(&rows, Halvern::Base::FileHandle::RegisteredSequences);
         for (const FileInfo* row : rows)
             std::cout << row->displayName() << std::endl;

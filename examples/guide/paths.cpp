@@ -11,9 +11,9 @@ int main(int argc, char** argv)
     std::cout << path << " " << filename_name(path) << " " << filename_match(path, "*.{exr,dpx}")
               << std::endl;
     if (filename_isdir("."))
-        std::cout << "modified " << filename_mtime(".") << std::endl; // one look at the disk for both
+        std::cout << "modified " << filename_mtime(".") << std::endl; // one system call for both
 
-    FilePathEdit edit(nullptr); // Control with Backspace, Delete, Left and Right goes by components
+    FilePathEdit edit(nullptr); // Control with Backspace, Delete, Left or Right acts on path components
     edit.setText(path);
     edit.show();
     return application.exec();

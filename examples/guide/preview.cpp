@@ -7,7 +7,7 @@
 
 using namespace Halvern::UI;
 
-// Any widget with this slot can stand below the browser; FilePreview is a ready one with a frame slider.
+// Any widget with this slot can be the preview. FilePreview is one with a frame slider.
 class FirstFrame : public QLabel
 {
     Q_OBJECT
@@ -16,7 +16,7 @@ public slots:
     void fileSelected(const Halvern::UI::FileInfo& info, QDir dir)
     {
         const QString path = dir.filePath(QString::fromUtf8(info.displayName()));
-        const FCPreviewInfo shown(path, 0); // the frame next to 0 that the sequence has
+        const FCPreviewInfo shown(path, 0); // the frame of the sequence nearest to 0
         setPixmap(QPixmap(shown.path));
         std::cout << "shows " << shown.path.toStdString() << std::endl;
     }
@@ -27,7 +27,7 @@ int main(int argc, char** argv)
     QApplication application(argc, argv);
     FileDialog dialog;
     dialog.setSequencesEnabled(true);
-    dialog.setPreviewWidget(new FirstFrame); // the browser owns it from here on
+    dialog.setPreviewWidget(new FirstFrame); // the browser owns it from now on
     dialog.exec();
 }
 

@@ -5,7 +5,7 @@
 int main(int argc, char** argv)
 {
     QApplication application(argc, argv);
-    FrameSlider::SetHeadColour(0xd08020ff); // colours and keys are those of all sliders
+    FrameSlider::SetHeadColour(0xd08020ff); // for all sliders, as are the keys
     FrameSlider::SetKeys({1001, 1060});
     FrameSlider slider(true, nullptr);
     slider.set_frame_range(1001, 1200);

@@ -1,5 +1,5 @@
-// Linked into the programs of the guide so that the tests can run them: with GUIDE_UNATTENDED in the
-// environment a program gets what a user would do, the choice of a sequence or a key on a slider, and ends.
+// Linked into the programs of the guide, so that the tests can run them. If GUIDE_UNATTENDED is in the
+// environment, it acts as a user: it chooses a sequence or presses a key on a slider, and ends the program.
 
 #include <QApplication>
 #include <QDialog>

@@ -1,5 +1,5 @@
-"""unattended.py FILE: runs a program of the guide as the tests do. It picks the first sequence that the program shows,
-presses Open, and ends the program."""
+"""unattended.py FILE: runs a program of the guide for the tests. It selects the first sequence in the list, presses
+Open, and ends the program."""
 import runpy
 import sys
 

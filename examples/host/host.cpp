@@ -1,11 +1,11 @@
-// A host with Python in it. It opens the file dialog natively and runs a script, which imports the same
-// library and finds it loaded: what the script sets is what the dialog does. Usage: host SCRIPT DIRECTORY
+// A host that embeds Python. It opens the file dialog natively and runs a script. The script imports the same
+// library, which is loaded already, so the script can change the dialog. Usage: host SCRIPT DIRECTORY
 // [--list]
 //
 // Prints the chosen paths, or with --list the rows. Exit status: 0 after Open and after --list, 1 after
 // Cancel, 2 for a wrong argument or a script that raised an error.
 
-// Before Qt, whose keyword "slots" it would stumble over.
+// Before Qt, whose keyword "slots" is a name in this header.
 #include <Python.h>
 
 #include "dialog/FileDialog.h"
@@ -38,7 +38,7 @@ struct Release
 
 using Owned = std::unique_ptr<PyObject, Release>;
 
-// Python finds the module in the folder of the library that this program was linked with.
+// Lets Python find the module in the folder of the library that this program is linked with.
 void makeModuleKnown()
 {
     Dl_info library;
@@ -50,7 +50,7 @@ void makeModuleKnown()
     PyList_Insert(PySys_GetObject("path"), 0, entry.get());
 }
 
-// The names that the script defined, or null after its error was printed.
+// Returns the names that the script defines, or null after printing its error.
 Owned runScript(const QByteArray& path)
 {
     const Owned runner(PyImport_ImportModule("runpy"));
@@ -68,7 +68,7 @@ void printLine(const QString& text)
     std::puts(QFile::encodeName(text).constData());
 }
 
-// Shows the dialog until its rows are there.
+// Shows the dialog and waits for its rows.
 int list(FileDialog& dialog)
 {
     const QAbstractItemModel* rows = dialog.findChild<QTreeView*>(QStringLiteral("filesList"))->model();
@@ -100,7 +100,7 @@ int run(const QStringList& arguments)
     const Owned names = runScript(QFile::encodeName(arguments.at(1)));
     if (!names)
         return Failed;
-    // While the dialog is open other threads may run Python; the library takes the lock where it calls a
+    // While the dialog is open, other threads may run Python. The library takes the lock when it calls a
     // script.
     PyThreadState* const state = PyEval_SaveThread();
     const int status = arguments.size() == 4 ? list(dialog) : choose(dialog);

@@ -1,7 +1,7 @@
-"""A script of the program beside it: groups the files of its open dialog by shot.
+"""A script for the program in this folder: groups the files of its open dialog by shot.
 
-It finds the browser that the program made. The evaluator lives as long as this script's names do, and the program
-keeps those until its dialog has closed.
+It finds the browser that the program made. The evaluator exists as long as the names of this script. The program keeps
+them until its dialog is closed.
 """
 
 import pathlib

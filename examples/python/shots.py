@@ -3,7 +3,7 @@
 
 usage: PYTHONPATH=FOLDER_OF_THE_MODULE shots.py [DIRECTORY]
 
-The frames of a shot are the files whose names begin alike, whatever their layers and versions are called:
+Files belong to one shot if their names have the same first part, for any names of layers and versions:
 "sh010_beauty.0001.exr" and "sh010_matte_v02.0001.exr" belong to "sh010".
 """
 
@@ -20,7 +20,7 @@ FRAME_OF_A_SHOT = re.compile(r"([A-Za-z]+_?\d+)_.*\.\d+\.\w+$")
 
 
 class Shots(Halvern.UI.FileSequenceEvaluator):
-    """Makes one row of each shot, and leaves all other files as they are."""
+    """Makes one row for each shot. Other files keep their rows."""
 
     def evaluateFiles(self, files):
         rows = []
@@ -32,13 +32,13 @@ class Shots(Halvern.UI.FileSequenceEvaluator):
             else:
                 rows.append(file)
         for shot, members in shots.items():
-            name = os.fsencode(f"{shot} ({len(members)} files)")  # whatever bytes it has
+            name = os.fsencode(f"{shot} ({len(members)} files)")  # for any bytes
             rows.append(self.buildFileSequence(name, range(len(members)), tuple(members)))
         return tuple(rows)
 
 
 class ShotDialog(QDialog):
-    """A dialog of the script's own around the browser."""
+    """A dialog with a browser."""
 
     def __init__(self, directory):
         super().__init__()

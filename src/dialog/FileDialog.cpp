@@ -30,7 +30,7 @@ FileDialog::FileDialog(QWidget* parent, const char* acceptText, const char* acce
         m_browser->setAcceptButtonText(QString::fromLatin1(acceptText));
     if (acceptTooltip)
         m_browser->setAcceptButtonTooltip(QString::fromLatin1(acceptTooltip));
-    // A file that is dropped on a field is dropped on the dialog, not written into the text as a URL.
+    // A file dropped on a field goes to the dialog. The field would insert its URL as text.
     m_filenameEdit->setAcceptDrops(false);
     m_browser->findChild<QComboBox*>(QStringLiteral("filterCombo"))->lineEdit()->setAcceptDrops(false);
     auto* layout = new QVBoxLayout(this);
@@ -60,7 +60,7 @@ FileDialog::~FileDialog()
     if (m_wasShown)
         AppSettings::Store(
             {{SizeKey, grown && m_sizeBeforePreview.isValid() ? m_sizeBeforePreview : size()}});
-    // Before the rest of the dialog goes, to which its last signals are connected.
+    // First, because its last signals are connected to the rest of the dialog.
     delete m_browser;
 }
 
@@ -70,8 +70,8 @@ void FileDialog::refreshWidget()
     fileSelectionChanged();
 }
 
-// A dialog that opens gives its first field the focus as if by Tab, which selects the whole text: the first
-// key would then replace the directory that the field begins with.
+// QDialog gives the focus to its first field as if by Tab, which selects the whole text. The first key would
+// then replace the directory at the start of the field.
 void FileDialog::setVisible(bool visible)
 {
     const int cursor = m_filenameEdit->cursorPosition();
@@ -79,7 +79,7 @@ void FileDialog::setVisible(bool visible)
     const int length = m_filenameEdit->selectionLength();
     const bool firstShow = visible && !m_wasShown;
     m_wasShown = m_wasShown || visible;
-    // The size may have been given after the preview was opened.
+    // The user may have set the size after the preview was opened.
     if (firstShow && m_previewOpen)
         m_sizeBeforePreview = testAttribute(Qt::WA_Resized) ? size() : QSize();
     QDialog::setVisible(visible);
@@ -110,7 +110,7 @@ void FileDialog::resetFileFilter()
 
 void FileDialog::onPreviewOpening()
 {
-    // Closed and opened at once, the dialog still has the size that the preview made.
+    // If the preview is closed and opened at once, the dialog still has the larger size.
     if (!std::exchange(m_sizeIsDue, false))
         m_sizeBeforePreview = size();
     m_previewOpen = true;
@@ -135,7 +135,7 @@ void FileDialog::noteSizeWithPreview()
     m_sizeWithPreview = size();
 }
 
-// Only the window system tells of a size that the user gave.
+// Only spontaneous events come from a resize by the user.
 void FileDialog::resizeEvent(QResizeEvent* event)
 {
     QDialog::resizeEvent(event);

@@ -9,24 +9,21 @@ class QLineEdit;
 
 namespace Halvern::UI {
 
-/// A dialog around one FileBrowser: it decides after every change of the selection or the pick list whether
-/// Open and Next may be pressed, remembers its size from one run to the next, and takes a file that is
-/// dropped on it.
+/// A dialog with one FileBrowser. After every change of the selection or the pick list it enables or disables
+/// Open and Next. It remembers its size between runs, and accepts a file that is dropped on it.
 ///
-/// The host makes it, runs it with exec(), reads selectedFiles() after it was accepted, and destroys it;
-/// title and place are the host's. A slot of one of its signals that destroys it does so with deleteLater(),
-/// as with every QDialog. Configuration calls go to the browser's member of the same name, which documents
-/// them.
+/// The host makes it, sets title and position, runs it with exec(), reads selectedFiles() after it was
+/// accepted, and destroys it. A slot of one of its signals that destroys it uses deleteLater(), as with every
+/// QDialog. Configuration calls go to the browser's function of the same name, which documents them.
 class HVCOREUI_EXPORT FileDialog : public QDialog
 {
     Q_OBJECT
 
 public:
-    /// The texts name the Open button and its tooltip, as Latin-1; null leaves what the browser has.
+    /// The texts are those of the Open button and its tooltip, in Latin-1. Null keeps the browser's text.
     explicit FileDialog(QWidget* parent = nullptr, const char* acceptText = nullptr,
                         const char* acceptTooltip = nullptr);
-    /// Stores the size, if the dialog was shown, without what an open preview added to it; the browser stores
-    /// what it remembers.
+    /// Stores the size without an open preview, if the dialog was shown. The browser stores its settings.
     ~FileDialog() override;
 
     void setFilterBlock(bool block) { m_browser->setFilterBlock(block); }
@@ -37,8 +34,8 @@ public:
     }
     void setFilename(const QString& name) { m_browser->setFilename(name); }
     void setFilters(QStringList& filters, bool doRefresh) { m_browser->setFilters(filters, doRefresh); }
-    /// While the preview is open the dialog may be larger. When it closes the dialog gets back the size that
-    /// it had when the preview opened, or that the user gave the window since.
+    /// While the preview is open the dialog may be larger. When the preview closes, the dialog gets the size
+    /// that it had before, or that the user has given it since.
     void setPreviewWidget(QWidget* widget) { m_browser->setPreviewWidget(widget); }
     void setSelectionType(FileBrowser::SelectionType type) { m_browser->setSelectionType(type); }
     void setSequencesEnabled(bool enabled) { m_browser->setSequencesEnabled(enabled); }
@@ -54,13 +51,13 @@ public:
     /// The browser that fills the dialog, owned by it.
     FileBrowser* fileBrowser() const { return m_browser; }
 
-    /// Shows the dialog with the filename field as it was prepared: what is selected in it stays selected.
+    /// Shows the dialog. The selection in the filename field stays as it is.
     void setVisible(bool visible) override;
 
 protected:
     /// Accepts the drag of exactly one local file.
     void dragEnterEvent(QDragEnterEvent* event) override;
-    /// Places the path of the first file in the filename field.
+    /// Puts the path of the first file into the filename field.
     void dropEvent(QDropEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
 
@@ -75,12 +72,12 @@ private slots:
 private:
     FileBrowser* m_browser;
     QLineEdit* m_filenameEdit; // of the browser
-    // While the preview is open: the size to return to, invalid for the one that the contents ask for, and
-    // the size that the layout made of it.
+    // While the preview is open: the size to return to, invalid for the size hint, and the size that the
+    // layout has made of it.
     QSize m_sizeBeforePreview;
     QSize m_sizeWithPreview;
     bool m_previewOpen = false;
-    bool m_sizeIsDue = false; // the preview was closed, and onPreviewClosed() follows
+    bool m_sizeIsDue = false; // the preview was closed, and onPreviewClosed() has not run yet
     bool m_wasShown = false;
 };
 

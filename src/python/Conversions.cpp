@@ -15,7 +15,7 @@ struct Release
 
 using Owned = std::unique_ptr<PyObject, Release>;
 
-// A length is only a hint: it may be wrong, raise, or promise more than there is memory for.
+// The length is only a hint: __len__ may be wrong, raise, or return more than there is memory for.
 std::size_t expectedCount(PyObject* iterable)
 {
     constexpr Py_ssize_t Most = 1 << 20;

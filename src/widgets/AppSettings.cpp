@@ -49,7 +49,7 @@ AppSettings::AppSettings()
     setFallbacksEnabled(false);
 }
 
-// Of a name that no file has, so that none is read.
+// The name "-" is that of no file, so none is read.
 QString AppSettings::FilePath()
 {
     const QSettings probe(QSettings::IniFormat, QSettings::UserScope, QStringLiteral("-"));

@@ -11,43 +11,41 @@
 
 namespace Halvern::UI {
 
-/// The application's settings store: an INI file of the user's, named after the organisation that the host
-/// sets once with SetName().
+/// The application's settings: an INI file in the user's configuration folder, named after the organisation
+/// that the host sets once with SetName().
 ///
-/// The library keeps its own values with the static functions. A host may use the objects, which are as
-/// QSettings has them. They are cheap and short-lived: make one for each read or write and let it go, and
-/// what it wrote is on disk. All objects of a process share the organisation name; an object keeps the one it
-/// was made with. Example: under Linux the name "Studio" gives the file "~/.config/Studio.ini".
+/// The library stores its own values with the static functions. Hosts can use the objects, which are
+/// QSettings objects. They are cheap: make one for each read or write and destroy it, which writes to the
+/// disk. All objects of a process use the organisation name at the time when they are made. Example: under
+/// Linux the name "Studio" gives the file "~/.config/Studio.ini".
 class HVCOREUI_EXPORT AppSettings : public QSettings
 {
     Q_OBJECT
 
 public:
-    /// Opens the user's INI file of the current organisation name, with an empty application name, no parent
-    /// and no fallback to other files: a key that the file lacks is not looked for elsewhere.
+    /// Opens the user's INI file for the current organisation name, with an empty application name, no parent
+    /// and no fallback to other files.
     AppSettings();
 
-    /// Sets the organisation name, in UTF-8, of the settings made afterwards. The text is copied.
-    ///
-    /// Until a host calls it, and after an empty @p name (which no file can be named by), the name is
-    /// "HvMirefoldCoreUI".
+    /// Sets the organisation name, in UTF-8, of the settings made from now on. The text is copied. The
+    /// default, also for an empty @p name, is "HvMirefoldCoreUI".
     static void SetName(std::string name);
 
-    /// The file of settings that are made now. The file is not opened.
+    /// The path of the file for the current organisation name. The file is not opened.
     static QString FilePath();
 
-    /// One value of that file, as what it should be. Other values of the file are not decoded, so that none
-    /// of them can do harm. What is missing, damaged or out of range gives nothing: texts of more than 4096
-    /// characters, sizes below 1 or above 32767 pixels, and everything in a file of more than 16 MB.
+    /// Reads one value of that file. Other values are not decoded, so that damaged or hostile ones do no
+    /// harm. Nothing is returned for a value that is missing, of another type or out of range: texts of more
+    /// than 4096 characters, sizes below 1 or above 32767 pixels, and all values of a file of more than 16
+    /// MB.
     static std::optional<QString> Text(const QString& key);
     static std::optional<int> Number(const QString& key);
     static std::optional<bool> Flag(const QString& key);
     static std::optional<QSize> Size(const QString& key);
 
-    /// Writes values under their keys: texts, numbers, flags and sizes. They are in the file afterwards, and
-    /// everything else in the file is as it was. False if they could not be written, and then the file is as
-    /// it was. A file that cannot be read is not written. Another program that writes the file is waited for,
-    /// 0.2 seconds at most.
+    /// Writes values under their keys: texts, numbers, flags and sizes. The rest of the file stays as it is.
+    /// Returns false if they could not be written; the file is then unchanged. A file that cannot be read is
+    /// not written. Waits at most 0.2 seconds for another program that writes the file.
     static bool Store(std::initializer_list<std::pair<QString, QVariant>> values);
 
 private:

@@ -15,8 +15,7 @@ namespace {
 
 constexpr int DarkestLight = 128; // a grey level
 
-// A widget whose own classes are already destroyed is a plain QWidget here, so that its mix-in is not
-// touched.
+// Null also for a widget in its destructor, which is a plain QWidget by then: its mix-in is gone.
 DisclosableWidget* disclosable(QWidget* widget)
 {
     return dynamic_cast<DisclosableWidget*>(widget);
@@ -38,7 +37,7 @@ DisclosureButton::DisclosureButton(QWidget* parent, bool showWidgetsWhenChecked)
 
 DisclosureButton::~DisclosureButton()
 {
-    // The connections must end before the base classes do: a widget may be a child of this button.
+    // A widget may be a child of this button. Disconnect it before the base class destroys it.
     while (!m_widgets.isEmpty())
         removeWidget(m_widgets.constLast());
 }
@@ -117,7 +116,7 @@ void DisclosureButton::paintEvent(QPaintEvent* /*event*/)
     painter.setPen(Qt::NoPen);
     painter.setBrush(palette().color(QPalette::Disabled, QPalette::Light));
     if (isEnabled()) {
-        // The triangle is black; on a dark window it needs something to stand on.
+        // The triangle is black. On a dark window it is drawn on a light plate.
         if (qGray(palette().color(QPalette::Window).rgb()) < DarkestLight) {
             painter.setRenderHint(QPainter::Antialiasing, true);
             painter.setBrush(palette().color(QPalette::WindowText));

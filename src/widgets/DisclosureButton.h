@@ -12,38 +12,36 @@ class VisibilitySetter;
 /// A check box drawn as a small triangle that shows (pointing down, checked) or hides (pointing right,
 /// unchecked) a group of widgets. The triangle is black, in a dark palette on a light plate.
 ///
-/// Buttons can be nested: one button may be among the widgets of another, and what is in a closed or hidden
-/// button's group stays hidden. A widget that derives from DisclosableWidget can belong to several buttons.
-/// Widgets are borrowed: one that is destroyed leaves the group, and a button that is destroyed leaves its
-/// widgets as they are.
+/// Buttons can be nested: a button can be one of the widgets of another. The group of a closed or hidden
+/// button stays hidden. A widget that derives from DisclosableWidget can belong to several buttons. Widgets
+/// are not owned: a destroyed widget leaves the group, and a destroyed button does not change its widgets.
 ///
-/// The button makes no connection of its own; whoever creates it connects its signal to its slot:
+/// The button makes no connections. Its creator connects its signal to its slot:
 /// @code
 /// auto* button = new DisclosureButton(parent, true);
 /// connect(button, SIGNAL(toggled(bool)), button, SLOT(showOrHideWidgets()));
 /// button->addWidget(details);
 /// @endcode
 ///
-/// "Hidden" and "visible" are those of QWidget::isHidden(): a button or widget in a window that is not shown
-/// yet, or on a page that is not the current one, counts as visible unless it was hidden itself. So a group
-/// can be opened before its window is shown. GUI thread only.
+/// "Hidden" means QWidget::isHidden(): a widget counts as visible unless it was hidden itself, also if its
+/// window or page is not shown. So a group can be opened before its window is shown. GUI thread only.
 class HVCOREUI_EXPORT DisclosureButton : public QCheckBox
 {
     Q_OBJECT
 
 public:
-    /// Makes an unchecked button with an empty text and a fixed size policy. With @p showWhenChecked false,
-    /// addWidget() hides a new widget even while the button is checked; nothing else depends on it.
+    /// Makes an unchecked button with an empty text and a fixed size policy. If @p showWhenChecked is false,
+    /// addWidget() hides a new widget even if the button is checked. It has no other effect.
     DisclosureButton(QWidget* parent, bool showWhenChecked);
     ~DisclosureButton() override;
 
-    /// Appends @p w to the group and shows or hides it at once: it is shown if the button is checked and made
+    /// Appends @p w to the group and shows or hides it at once. It is shown if the button is checked and made
     /// with showWhenChecked and, for a DisclosableWidget, its other buttons are checked too. A widget may be
-    /// added several times. Ignored are a null @p w, the button itself, and a button that has this one in its
-    /// group or in a group nested in it.
+    /// added several times. A null @p w is ignored, and so are the button itself and a button that contains
+    /// this one, directly or nested.
     void addWidget(QWidget* w);
 
-    /// Takes every occurrence of @p w out of the group and leaves its visibility as it is. A widget that is
+    /// Removes every occurrence of @p w from the group and keeps its visibility. A widget that is
     /// not in the group, null included, is ignored and not followed.
     void removeWidget(QWidget* w);
 
@@ -61,8 +59,8 @@ public:
     void setVisible(bool visible) override;
 
 public slots:
-    /// Brings the group and all nested groups into the state that the buttons ask for. Widgets that are in it
-    /// already are not touched.
+    /// Shows or hides the group and all nested groups as the buttons' states require. Widgets that are in the
+    /// required state are not touched.
     void showOrHideWidgets();
 
 protected:

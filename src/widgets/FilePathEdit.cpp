@@ -12,7 +12,8 @@ bool FilePathEdit::getPreceedingPathSeparator(int& count) const
 {
     const int cursor = cursorPosition();
     // lastIndexOf() would count a negative position from the end of the text.
-    const int separator = cursor < 2 ? -1 : static_cast<int>(text().lastIndexOf(QDir::separator(), cursor - 2));
+    const int separator =
+        cursor < 2 ? -1 : static_cast<int>(text().lastIndexOf(QDir::separator(), cursor - 2));
     count = separator < 0 ? 0 : cursor - 1 - separator;
     return separator >= 0;
 }

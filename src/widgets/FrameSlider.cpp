@@ -138,8 +138,8 @@ QSize FrameSlider::minimumSizeHint() const
     return {LeastWidth, Height};
 }
 
-// Frames are carried in double: a view of the whole range of frames and its product with the width are exact
-// there, and leave the range of int.
+// In double, because the length of a view and its product with the width exceed int. Both are exact in
+// double.
 int FrameSlider::valueToMouse(double v) const
 {
     if (m_viewEnd == m_viewStart)
@@ -162,7 +162,7 @@ int FrameSlider::valuePlusOneToMouse(double v) const
     return m_viewEnd > shown ? valueToMouse(shown + 1) : width() - EndMargin - m_margin;
 }
 
-// The whole view is clipped to the frames that can be named, never wrapped around.
+// Limits both ends to the range of frame numbers.
 void FrameSlider::setView(qint64 start, qint64 end)
 {
     m_viewStart = Rounding::frame(start);

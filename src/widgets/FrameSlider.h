@@ -9,39 +9,41 @@
 class QPainter;
 struct ScaleNumber;
 
-/// A frame number; the whole 32-bit range is usable.
+/// A frame number. The whole 32-bit range can be used.
 using FrameNumber = qint32;
 
-/// A timeline of one line: a window onto a frame range that the user zooms and pans, with a play head, an in
-/// and an out point, key frames and cached frames.
+/// A timeline of one line. It shows a part of a frame range, which the user zooms and pans, a play head, an
+/// in and an out point, key frames and cached frames.
 ///
-/// The mouse, in the scale of 10 pixels from the left edge to 10 pixels from the right edge:
-/// - the left button scrubs the head, with Control it moves the nearer of in and out point, with Alt it pans;
-/// - the right or middle button selects a range to zoom into, and a click without a drag asks the host by
-///   sliderRangeReset() to reset the view; with Alt it zooms, 96 pixels to the left or down double the view.
-///   No context menu opens, not even that of a parent, unless the host sets another contextMenuPolicy();
-/// - the wheel zooms about the frame under the mouse, one step for an event;
-/// - without a button the frame under the mouse is marked.
+/// The mouse. The scale lies from 10 pixels after the left edge to 10 pixels before the right edge.
+/// - The left button scrubs the head. With Control it moves the nearer of in and out point, with Alt it pans.
+/// - The right or middle button selects a range to zoom into. A click without a drag emits
+/// sliderRangeReset().
+///   With Alt it zooms: 96 pixels to the left or down double the view.
+/// - No context menu opens, not even that of a parent, unless the host sets another contextMenuPolicy().
+/// - The wheel zooms about the frame under the mouse, one step for each event.
+/// - Without a button the frame under the mouse is marked.
 ///
-/// The keyboard, while the slider has the focus, which it takes by Tab and not by a click:
-/// - Left and Right move the head by a frame, Page Down and Page Up by ten, Home and End to the first and the
-///   last frame to play, or in view while the in and out marks are hidden;
-/// - I and O move the in and the out point to the head, while their marks are shown;
-/// - "+" and "-" zoom about the head, Alt with Left or Right pans by a tenth of the view, and F asks the host
-///   by sliderRangeReset() to reset it.
+/// The keyboard. The slider takes the focus by Tab, not by a click.
+/// - Left and Right move the head by one frame, Page Down and Page Up by ten. Home and End move it to the
+/// first
+///   and last frame to play, or in view if the in and out marks are hidden.
+/// - I and O move the in and the out point to the head, if their marks are shown.
+/// - "+" and "-" zoom about the head. Alt with Left or Right pans by a tenth of the view. F emits
+///   sliderRangeReset().
 ///
-/// All frames are whole numbers. "The view" is what is visible, "the play range" lies from the in to the out
-/// point, "the frame range" is all that there is. What a host sets emits nothing; signals tell what the user
-/// did. A slot of any of them may delete the slider. The drag in progress is kept once for all sliders, as
-/// are the colours and the key frames. A disabled slider is drawn in its palette's text colour. The tooltip
-/// tells what the mouse does. GUI thread only; 31 pixels high, and as wide as its layout allows.
+/// "The view" is the visible range, "the play range" lies from the in to the out point, and "the frame range"
+/// is the whole range. Setters emit nothing: signals report what the user did. A slot of any signal may
+/// delete the slider. All sliders share the drag in progress, the colours and the key frames. A disabled
+/// slider is drawn in its palette's text colour. The tooltip lists the mouse actions. GUI thread only. The
+/// slider is 31 pixels high and as wide as its layout allows.
 class HVCOREUI_EXPORT FrameSlider : public QWidget
 {
     Q_OBJECT
 
 public:
-    /// A view of 0 to 100, a play range of 10 to 100, an empty frame range and the head at 0. With
-    /// @p showGlobalKeys the key frames of SetKeys() are drawn. @p parent owns it.
+    /// Makes a slider with a view of 0 to 100, a play range of 10 to 100, the frame range 0 to 0 and the head
+    /// at 0. If @p showGlobalKeys is true, it shows the key frames of SetKeys(). @p parent owns the slider.
     FrameSlider(bool showGlobalKeys, QWidget* parent);
     ~FrameSlider() override;
 
@@ -53,82 +55,83 @@ public:
     int frameFirst() const { return m_frameFirst; }
     int frameLast() const { return m_frameLast; }
 
-    /// Moves the head; the view grows to show it. False if it is there already.
+    /// Moves the head. The view grows to show it. Returns false if the head is there already.
     bool setValue(FrameNumber v);
-    /// Shows the frames @p start to @p end, which are not put in order. False if they are shown already.
+    /// Sets the view to @p start to @p end, without ordering them. Returns false if it is the view already.
     bool range(FrameNumber start, FrameNumber end);
-    /// Sets the play range, which is not put in order. False if nothing changes.
+    /// Sets the play range, without ordering it. Returns false if nothing changes.
     bool setinout(int in, int out);
-    /// Sets the frame range, in either order. It becomes the play range and the view, except while
-    /// setKeepInOut() is on: then the play range stays, and only the first call shows it. False if nothing
-    /// changes.
+    /// Sets the frame range; the order of the arguments does not matter. The play range and the view become
+    /// the same range. With setKeepInOut() the play range stays, and only the first call sets the view, to
+    /// the play range. Returns false if nothing changes.
     bool set_frame_range(int a, int b);
 
     /// Shows the play range.
     bool zoomToPlayRange() { return range(m_inPoint, m_outPoint); }
     /// Shows the whole frame range.
     bool zoomToSubrange() { return range(m_frameFirst, m_frameLast); }
-    /// Applies the present view again, which changes nothing; always false.
+    /// Sets the present view again, which changes nothing. Returns false.
     bool zoomToRange() { return range(m_viewStart, m_viewEnd); }
 
-    /// The first frame to play: the in point where it is strictly inside the view or kept, else the first
-    /// frame in view.
+    /// The first frame to play: the in point, if it is strictly inside the view or setKeepInOut() is on, else
+    /// the first frame in view.
     int first_frame() const;
     /// The last frame to play, likewise.
     int last_frame() const;
 
     /// Always false.
     bool isLocked() const { return false; }
-    /// Whether the head is being dragged; emits scrubbingChanged() on a change.
+    /// Sets whether the head is being dragged, and emits scrubbingChanged() on a change.
     void setScrubbing(bool scrubbing);
-    /// Hides the in and out marks (default: shown); the keys then pass them over.
+    /// Hides the in and out marks (default: shown). Home, End, I and O then don't use them.
     void setHideInOut(bool hide);
     /// Keeps the play range when the frame range changes (default: off), see set_frame_range().
     void setKeepInOut(bool keep);
-    /// Moves the scale to the right by @p pixels (default: 0); a negative number counts as 0.
+    /// Moves the scale to the right by @p pixels (default: 0). A negative number counts as 0.
     void setMargin(int pixels);
-    /// Marks frames as cached, in the lower row of marks; replaces what was set before.
+    /// Sets the cached frames, which are shown in the lower row of marks (default: none).
     void setCacheFrames(const std::set<int>& frames);
 
-    /// The pixel of a frame: viewStart() stands at 10, viewEnd() 10 before the right edge. A view of one
-    /// frame puts everything at 10. Pixels far outside are cut to the range of a billion either side.
+    /// The pixel of a frame. viewStart() is at 10, viewEnd() 10 pixels before the right edge. In a view of
+    /// one frame every frame is at 10. The result is limited to a billion pixels to either side.
     int valueToMouse(double v) const;
     /// The frame of a pixel, with its fraction.
     double mouseToValue(int x) const;
-    /// Where the frame after @p v begins: the right edge of what @p v covers. At the end of the view it is
-    /// the end of the scale; frames before the view count as its first.
+    /// The pixel at which the frame after @p v begins, the right edge of @p v. At the end of the view it is
+    /// the end of the scale. Frames before the view count as its first frame.
     int valuePlusOneToMouse(double v) const;
 
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
 
-    /// For hosts that keep the state of a slider elsewhere; both do nothing.
+    /// Hooks for hosts that store the state of a slider. Both do nothing.
     void load_from_knobs() {}
     void store_to_knobs() {}
 
-    /// The colours are packed as rgb0toQColor() reads them and show at the next paint of each slider.
-    /// 0 by default, which is black, and the palette's text colour on a dark background.
+    /// Colours are packed, see rgb0toQColor(). Each slider uses them from its next paint on. The default 0 is
+    /// black, and on a dark background the palette's text colour.
     static void SetHeadColour(quint32 colour) { _headColour = colour; }
-    /// 0xd3431dff by default.
+    /// Default: 0xd3431dff.
     static void SetInOutColour(quint32 colour) { _inOutColour = colour; }
-    /// 0x276ad1ff by default. The head takes it too where it stands on a key frame.
+    /// Default: 0x276ad1ff. On a key frame the head has this colour too.
     static void SetKeyframeColour(quint32 colour) { _keyframeColour = colour; }
-    /// 0x436043ff by default.
+    /// Default: 0x436043ff.
     static void SetCacheframeColour(quint32 colour) { _cacheframeColour = colour; }
-    /// The key frames of all sliders, shown at the next paint of each; none by default.
+    /// Sets the key frames of all sliders (default: none). Each slider uses them from its next paint on.
     static void SetKeys(const std::set<int>& keys);
 
 signals:
-    /// The user moved the head to @p value, or let go of it there.
+    /// The user moved the head to @p value, or released it there.
     void sliderMoved(int value);
-    /// The user zoomed or panned the view, or drags over a range to zoom into (the view follows at the end).
+    /// The user zoomed or panned the view, or is selecting a range to zoom into (the view changes at the
+    /// end).
     void sliderRangeChanged();
     /// The user moved the in or the out point.
     void sliderInOutChanged();
-    /// The user clicked with the right or middle button: the host may set the view that it likes.
+    /// The user clicked with the right or middle button, or pressed F. The host may reset the view.
     void sliderRangeReset();
-    /// The user took hold of the head (true) or let go of it (false). Hiding or disabling the slider, a modal
-    /// box and a popup end the drag too; this signal then comes with the next turn of the event loop.
+    /// The user pressed (true) or released (false) the head. Hiding or disabling the slider, a modal box and
+    /// a popup end the drag too. The signal is then emitted in the next turn of the event loop.
     void scrubbingChanged(bool scrubbing);
 
 protected:
@@ -141,20 +144,19 @@ protected:
     void keyPressEvent(QKeyEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
 
-    /// Called by each paint before the key rows are drawn, for subclasses that fill cacheFrames or _keys only
-    /// when they are needed. They do not call this one.
+    /// Called by each paint before the key rows are drawn. Subclasses that fill cacheFrames or _keys on
+    /// demand override it, without calling this one.
     virtual void prepareKeys();
 
-    /// Draws the frames of @p frames that lie within @p from and @p to as marks two pixels high, the upper at
-    /// the pixel row @p row; neighbouring frames join into one mark. Frames outside the painted band may be
-    /// left out.
+    /// Draws the frames of @p frames from @p from to @p to as marks two pixels high, in the pixel rows @p row
+    /// and below. Neighbouring frames join into one mark. Frames outside the painted band may be left out.
     void drawKeyframes(int from, int to, int row, QPainter& painter, const QColor& colour,
                        const std::set<int>& frames) const;
 
     std::set<int> cacheFrames;
     static inline std::set<int> _keys;
-    /// What keeps the settings of this slider elsewhere, null (the default) for nothing; borrowed, and never
-    /// followed. While set, the scale outside the frame range is blackened.
+    /// The object that stores the settings of this slider, null by default; not owned, and not used. If it is
+    /// set, the scale outside the frame range is black.
     const QObject* settingsOwner = nullptr;
 
 private:
@@ -212,10 +214,11 @@ private:
     FrameNumber m_viewStart = 0;
     FrameNumber m_viewEnd = 100;
     FrameNumber m_value = 0;
-    // The frames of setCacheFrames() and SetKeys() once more: a search of a large std::set is slow.
+    // The frames of setCacheFrames() and SetKeys() in sorted lists, because a large std::set is slow to
+    // search.
     std::vector<int> m_cacheList;
     static inline std::vector<int> s_keyList;
-    bool m_setsAreAsSet = false; // by those two; a subclass that overrides prepareKeys() may change the sets
+    bool m_setsAreAsSet = false; // false if a subclass overrides prepareKeys(), which may change the sets
 
     static inline quint32 _headColour = 0;
     static inline quint32 _inOutColour = 0xd3431dff;
@@ -226,7 +229,7 @@ private:
     static inline DragMode dragMode = DragMode::Idle;
     static inline FrameSlider* s_dragged = nullptr; // the slider of dragMode, null while idle
     static inline int hoverX = 0;
-    // What a press found: the pixel, its frame without and with its fraction, and the view.
+    // The state at the press: the pixel, its frame without and with its fraction, and the view.
     static inline QPoint s_pressed;
     static inline FrameNumber s_pressedFrame = 0;
     static inline double s_pressedValue = 0;

@@ -23,7 +23,7 @@ QPoint wholePixels(const QPointF& position)
     return {Rounding::frame(Rounding::halfUp(position.x())), Rounding::frame(Rounding::halfUp(position.y()))};
 }
 
-// A drag across several screens would leave the range of float, and infinity times nothing is no number.
+// Limited to finite numbers: a drag across several screens would give infinity, and infinity times 0 is NaN.
 double powerOfTwo(double exponent)
 {
     const float power = std::exp2(static_cast<float>(exponent));
@@ -60,7 +60,7 @@ void FrameSlider::mousePressEvent(QMouseEvent* event)
     if (mode == DragMode::Scrubbing)
         setScrubbing(true);
     const bool movesAtOnce = mode == DragMode::Scrubbing || mode >= DragMode::MovingIn;
-    // A listener may have ended the drag or deleted the slider.
+    // A slot may have ended the drag or deleted the slider.
     if (movesAtOnce && s_dragged == this)
         drag(s_pressed);
 }
@@ -79,7 +79,7 @@ FrameSlider::DragMode FrameSlider::modeOfPress(const QMouseEvent& event) const
     return DragMode::Scrubbing;
 }
 
-// Which of in and out point a press at a pixel takes.
+// Whether a press at a pixel moves the in or the out point.
 FrameSlider::DragMode FrameSlider::pointAt(int x) const
 {
     const int first = first_frame();
@@ -147,7 +147,7 @@ void FrameSlider::pan(qint64 frames)
 {
     constexpr qint64 least = std::numeric_limits<FrameNumber>::min();
     constexpr qint64 most = std::numeric_limits<FrameNumber>::max();
-    // A view at the end of the numbers stops there and keeps its length.
+    // At the first and the last frame number the view stops and keeps its length.
     const qint64 distance =
         std::clamp(frames, std::max(m_viewStart, m_viewEnd) - most, std::min(m_viewStart, m_viewEnd) - least);
     if (distance != 0)
@@ -155,7 +155,8 @@ void FrameSlider::pan(qint64 frames)
     emit sliderRangeChanged();
 }
 
-// Neither point passes the other one, or the head if that is on its side of the other one.
+// The in point stops at the out point and at a head that is not before the play range. The out point stops at
+// the in point and at a head that is not after it.
 void FrameSlider::movePoint(int frame)
 {
     const int first = first_frame();
@@ -180,8 +181,8 @@ void FrameSlider::hover(int x)
     update(hoverBand());
 }
 
-// A popup that opens gets the release, and a slider that is hidden, disabled or blocked by a modal box gets
-// none. So the slider watches the application.
+// Watches the application: a popup that opens gets the release instead of the slider, and a slider that is
+// hidden, disabled or blocked by a modal box gets none.
 void FrameSlider::takeMouse(DragMode mode)
 {
     dragMode = mode;
@@ -189,7 +190,7 @@ void FrameSlider::takeMouse(DragMode mode)
     QCoreApplication::instance()->installEventFilter(this);
 }
 
-// Ends what the mouse does with a slider, and returns what it did.
+// Ends the present drag or hover and returns its mode.
 FrameSlider::DragMode FrameSlider::giveMouse()
 {
     if (s_dragged && QCoreApplication::instance())
@@ -210,8 +211,8 @@ bool FrameSlider::eventFilter(QObject* watched, QEvent* event)
     return QWidget::eventFilter(watched, event);
 }
 
-// Ends a hover, or a drag that gets no release. Qt may be in the middle of hiding or disabling the slider and
-// goes on with it, so listeners, who may delete it, are called later.
+// Ends a hover, or a drag that gets no release. The signal is queued: its slots may delete the slider, and Qt
+// may still be hiding or disabling it.
 void FrameSlider::loseMouse()
 {
     if (dragMode == DragMode::Hovering) {
@@ -233,7 +234,7 @@ void FrameSlider::mouseReleaseEvent(QMouseEvent* event)
     const QPoint mouse = wholePixels(Halvern::Base::positionOf(*event));
     const DragMode mode = giveMouse();
     const QPointer<FrameSlider> existing(this);
-    // Another button may have taken over the drag in the middle of a scrub.
+    // Another button may have started a drag during the scrub.
     if (mode == DragMode::Scrubbing || event->button() == Qt::LeftButton)
         setScrubbing(false);
     if (!existing)

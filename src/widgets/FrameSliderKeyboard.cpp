@@ -1,4 +1,4 @@
-// The keyboard on a frame slider, and what it tells assistive technology.
+// The keys of a frame slider, and its interface for screen readers.
 
 #include "widgets/FrameSlider.h"
 #include "widgets/Rounding.h"
@@ -14,7 +14,7 @@ constexpr int StepsAcrossTheView = 10;
 
 } // namespace
 
-/// A slider as a screen reader sees it: the head within the view.
+/// The slider for screen readers: the value is the head, its range the view.
 class FrameSlider::Accessible : public QAccessibleWidget, public QAccessibleValueInterface
 {
 public:
@@ -52,7 +52,7 @@ private:
 
 void FrameSlider::initAccessibility()
 {
-    // A click shall not take the focus from where the user types.
+    // A click does not take the focus from a field in which the user types.
     setFocusPolicy(Qt::TabFocus);
     setAccessibleName(tr("Frame"));
     static const bool installed = (QAccessible::installFactory(&Accessible::make), true);

@@ -1,5 +1,5 @@
-// The two rows of marks of a frame slider. If frames are denser than pixels, a paint goes by pixels, so that
-// neither a long view nor a large set makes it slow.
+// The two rows of marks of a frame slider. If frames are denser than pixels, a paint goes from pixel to
+// pixel. So long views and large sets are not slow.
 
 #include "widgets/FrameSlider.h"
 #include "widgets/Rounding.h"
@@ -28,7 +28,7 @@ Set::const_iterator seek(const Set& frames, Set::const_iterator from, int frame)
 
 List::const_iterator seek(const List& frames, List::const_iterator from, int frame)
 {
-    // Each frame is in the list once.
+    // No frame is in the list twice, which limits the search.
     const qint64 most = from == frames.end() ? 0 : std::max<qint64>(qint64(frame) - *from, 0);
     return std::lower_bound(from, from + std::min<qint64>(most, frames.end() - from), frame);
 }
@@ -48,7 +48,6 @@ void FrameSlider::SetKeys(const std::set<int>& keys)
     s_keyList.assign(keys.cbegin(), keys.cend());
 }
 
-// Overridden, this may change the sets.
 void FrameSlider::prepareKeys()
 {
     m_setsAreAsSet = true;
@@ -98,12 +97,12 @@ void FrameSlider::drawMarks(int from, int to, int row, QPainter& painter, const 
         return;
     }
 
-    // The first frame whose pixel is not to the left of x. Rounding never makes it a later one.
+    // The first frame at pixel x or to the right of it. With rounding errors it may be an earlier frame.
     const auto firstAt = [this](int x) {
         constexpr double Inexact = 1e-5;
         return Rounding::frame(static_cast<qint64>(std::ceil(mouseToValue(x) - Inexact)));
     };
-    // A frame covers its pixel and the one before it: marks that touch each other are drawn as one.
+    // A frame covers its pixel and the one before it. Marks that touch are drawn as one.
     const QRect band = painter.hasClipping() ? painter.clipBoundingRect().toAlignedRect() : rect();
     const int last = std::min(to, firstAt(band.right() + 3));
     auto frame = seek(frames, frames.cbegin(), std::max(from, firstAt(band.left() - 1)));

@@ -1,4 +1,4 @@
-// How a frame slider looks. All geometry is in pixels of the widget, rows counted from its top.
+// The painting of a frame slider. Positions are pixels of the widget; rows are counted from its top.
 
 #include "widgets/FrameSlider.h"
 #include "widgets/PackedColour.h"
@@ -19,7 +19,7 @@ constexpr int FontSize = 9;
 constexpr int MidGrey = 128;
 constexpr int TickBottom = 16;
 constexpr int NumberRow = 7;  // the baseline of the numbers above the head and the marks
-constexpr int BandReach = 16; // how far a mark can stand outside what is repainted and still show in it
+constexpr int BandReach = 16; // a mark this far outside the repainted band may reach into it
 
 // Whether a mark at a pixel shows in a slider of that width.
 bool reaches(int x, int width)
@@ -43,7 +43,7 @@ public:
     {
         m_painter.setFont(owner.numberFont());
         m_painter.setClipRect(painted);
-        // Palettes of hosts often give disabled text the colour of all text.
+        // In many hosts' palettes disabled text has the same colour as other text.
         const QColor& faint = m_palette.color(QPalette::Disabled, QPalette::Text);
         if (!owner.isEnabled() && faint == m_palette.color(QPalette::Active, QPalette::Text))
             m_painter.setOpacity(0.5);
@@ -71,7 +71,7 @@ public:
             if (inBand(x))
                 ticks.append(QLine(x, top, x, bottom));
         };
-        // Ticks outside the band are not looked at, however long the view is.
+        // Only the ticks in the band, because the view may be long.
         const qint64 first = std::max(start, m_slider.frameUnderMouse(m_bandLeft));
         const qint64 last = std::min(end, m_slider.frameUnderMouse(m_bandRight));
         for (qint64 f = floorToMultiple(first, spacing.minorStep); f <= last; f += spacing.minorStep) {
@@ -84,8 +84,7 @@ public:
         addTick(m_slider.valuePlusOneToMouse(end), 0, height - 1);
         m_painter.setPen(m_palette.color(QPalette::Text));
         m_painter.drawLines(ticks);
-        // Which numbers there is room for is decided over the whole view, so that a band that is repainted
-        // alone shows what it showed before.
+        // All numbers of the view are placed, so that a repainted band shows the same numbers as before.
         const QFontMetrics metrics = m_painter.fontMetrics();
         const auto numbers = scaleNumbers(
             spacing, m_width, start, end, m_slider.valuePlusOneToMouse(end),
@@ -170,12 +169,12 @@ private:
 
     void drawNumber(const ScaleNumber& number, int baseline)
     {
-        // A wide number reaches farther into the band than a mark does.
+        // A wide number may reach farther into the band than a mark.
         if (number.right > m_bandLeft && number.left <= m_bandRight)
             m_painter.drawText(number.left, baseline, QString::number(number.frame));
     }
 
-    // Of a mark at a pixel; numbers that follow have its colour.
+    // Draws the mark at a pixel, and sets the pen for its number.
     void drawTriangle(int x, std::initializer_list<QPointF> corners, const QColor& colour)
     {
         m_painter.setPen(Qt::NoPen);
@@ -203,7 +202,7 @@ QFont FrameSlider::numberFont() const
     return numbers;
 }
 
-// A number above the scale, centred on a pixel. At the edges of the slider it stays inside.
+// The number above the scale, centred on a pixel, but inside the slider.
 ScaleNumber FrameSlider::numberAbove(FrameNumber frame, int x) const
 {
     const int wide = QFontMetrics(numberFont(), this).horizontalAdvance(QString::number(frame));
@@ -213,7 +212,7 @@ ScaleNumber FrameSlider::numberAbove(FrameNumber frame, int x) const
     return {frame, left, left + wide};
 }
 
-// What the mark under the mouse covers, and its number.
+// The band of the mark under the mouse and its number.
 QRect FrameSlider::hoverBand() const
 {
     constexpr int MarkReach = 9;

@@ -13,7 +13,7 @@ constexpr const char* byteOrderMark = "\xef\xbb\xbf";
 constexpr const char* simpleEscapes = "abfnrtv\"?'\\";
 constexpr const char* escapedCharacters = "\a\b\f\n\r\t\v\"?'\\";
 
-/// A line as QSettings has it: quotes and a backslash carry it on, a semicolon ends it.
+/// A line as QSettings reads it: it goes on in quotes and after a backslash, and a semicolon ends it.
 struct Line
 {
     int begin = 0;
@@ -26,7 +26,7 @@ bool isBlank(char byte)
     return byte == ' ' || byte == '\t' || byte == '\r' || byte == '\n';
 }
 
-// The first line from @p from on that is neither empty nor a comment; an empty one at the end.
+// The first line after @p from that is neither empty nor a comment. An empty line at the end of the text.
 Line nextLine(const QByteArray& ini, int from)
 {
     const int size = static_cast<int>(ini.size());
@@ -88,7 +88,7 @@ QByteArray encodedKey(const QString& key)
     return bytes;
 }
 
-// With "/" after it, empty for keys without a group.
+// The group of a header with "/" after it; empty for keys without a group.
 QString groupOf(const QByteArray& header)
 {
     const auto end = header.indexOf(']');
@@ -108,7 +108,7 @@ QByteArray headerOf(const QString& group)
     return needsEscape ? "[%" + name.toLatin1() + ']' : '[' + encodedKey(name) + ']';
 }
 
-// As QSettings has keys.
+// A key without empty parts, as QSettings uses it.
 QString normalised(const QString& key)
 {
     QStringList parts = key.split(QLatin1Char('/'));
@@ -116,7 +116,7 @@ QString normalised(const QString& key)
     return parts.join(QLatin1Char('/'));
 }
 
-/// Where the value of a key stands, or where its line belongs.
+/// The place of the value of a key, or of its group.
 struct Place
 {
     int begin = -1; // of the value; negative if there is none
@@ -135,7 +135,7 @@ Place placeOf(const QByteArray& ini, const QString& key, const QString& keyGroup
             group = groupOf(ini.mid(line.begin, line.end - line.begin));
         else if (line.equals >= 0 &&
                  group + decodedKey(ini.mid(line.begin, line.equals - line.begin).trimmed()) == key) {
-            // Of several, the last one counts.
+            // The last one of several is valid.
             place.begin = line.equals + 1;
             place.end = line.end;
         }
@@ -164,7 +164,7 @@ QByteArray replaced(const QByteArray& ini, const QString& key, const QByteArray&
     if (place.begin >= 0)
         return text.replace(place.begin, place.end - place.begin, value);
     const QByteArray line = encodedKey(wanted.mid(group.size())) + '=' + value + '\n';
-    // After the last line of its group, and a comment there.
+    // After the last line of its group, also after a comment in that line.
     const auto lineEnd = text.indexOf('\n', std::max(place.groupEnd, 0));
     if (place.groupEnd >= 0 && lineEnd >= 0)
         return text.insert(lineEnd + 1, line);

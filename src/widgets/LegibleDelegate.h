@@ -4,9 +4,9 @@
 
 namespace Halvern::UI {
 
-/// Draws rows whose model gives them a background of its own so that they are calm and can be read. The more
-/// vivid that background is, the more of the palette's base is mixed into it; greys stay as they are. If the
-/// result is too near to the palette's text colour, the text is black or white.
+/// Softens the background that a model gives a row, and keeps the text legible. The more vivid the background
+/// is, the more of the palette's base is mixed into it. Greys stay as they are. If the contrast to the
+/// palette's text colour is too low, the text is black or white.
 class LegibleDelegate : public QStyledItemDelegate
 {
     Q_OBJECT

@@ -14,8 +14,7 @@ HVCOREUI_EXPORT QColor rgb0toQColor(unsigned int v);
 
 /// Packs @p c as 0xRRGGBBff; its alpha is dropped, and an invalid colour packs as black.
 ///
-/// Black is the one opaque colour that does not survive the way back: it packs to 0x000000ff, which
-/// rgb0toQColor() reads as the grey level 255.
+/// Black cannot be unpacked again: it packs to 0x000000ff, which rgb0toQColor() reads as the grey level 255.
 HVCOREUI_EXPORT unsigned int QColorToRgb0(const QColor& c);
 
 } // namespace Halvern::UI

@@ -5,9 +5,9 @@
 namespace {
 
 constexpr qint64 MostFramesOfOneStep = 100;
-constexpr qint64 NarrowestStep = 9; // pixels, exceeded by a step that is wide enough
-constexpr qint64 WideStep = 21;     // pixels, from which on every fifth step has a number
-constexpr qint64 WideHalfStep = 11; // pixels, from which on half steps have a tick
+constexpr qint64 NarrowestStep = 9; // pixels; steps become wider than this
+constexpr qint64 WideStep = 21;     // pixels; from this width on every fifth step has a number
+constexpr qint64 WideHalfStep = 11; // pixels; from this width on half steps have a tick
 constexpr qint64 WideMinorStep = 31;
 constexpr int BesideTick = 1; // pixels between a tick and the number beside it
 
@@ -58,7 +58,7 @@ QVector<ScaleNumber> scaleNumbers(const TickSpacing& spacing, int width, int vie
     if (last.right > width)
         last = at(viewEnd, endX - BesideTick - widthOf(viewEnd));
     const int startX = pixelOf(viewStart);
-    int occupied = startX; // up to here nothing may stand
+    int occupied = startX; // the right end of what is drawn so far
     if (viewStart <= viewEnd) {
         ScaleNumber first = centred(viewStart, startX);
         if (first.left < 0)

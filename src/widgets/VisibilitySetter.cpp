@@ -15,8 +15,8 @@ void VisibilitySetter::record(QWidget* widget, bool visible)
 
 void VisibilitySetter::apply() const
 {
-    // A nested button that appears shows its own widgets at that moment. They were recorded as hidden,
-    // because the button was not visible yet; hiding first keeps them from being hidden again.
+    // Hide first: a nested button that is shown shows its own widgets, which were recorded as hidden because
+    // the button was not visible yet.
     for (const auto& [widget, visible] : m_wanted) {
         if (widget && !visible && !widget->isHidden())
             widget->hide();

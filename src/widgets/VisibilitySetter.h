@@ -8,23 +8,21 @@
 
 namespace Halvern::UI {
 
-/// Collects which widgets are to be shown and hidden while a tree of disclosure buttons is walked, and then
-/// shows and hides them at once.
+/// Records which widgets are to be shown and hidden, for a tree of disclosure buttons, and then shows and
+/// hides them.
 ///
-/// Only the order of recording counts, never the addresses of the widgets. Widgets are borrowed; one that is
-/// destroyed before its turn is passed over. GUI thread only.
+/// Widgets are handled in the order of recording. They are not owned, and destroyed widgets are skipped. GUI
+/// thread only.
 class HVCOREUI_EXPORT VisibilitySetter
 {
 public:
-    /// Notes that @p widget, which must not be null, is to be visible or hidden. A later note for the same
-    /// widget replaces an earlier one and takes its own, later place.
+    /// Records that @p widget, which must not be null, is to be visible or hidden. A later record of the same
+    /// widget replaces the earlier one, also in the order.
     void record(QWidget* widget, bool visible);
 
-    /// Hides every widget that is recorded as hidden and then shows every widget that is recorded as visible,
-    /// each in the order of recording. A widget that is in the wanted state already is not touched.
-    ///
-    /// Hidden means QWidget::isHidden(): a widget that merely waits for its window to be shown counts as
-    /// visible.
+    /// Hides all widgets recorded as hidden, then shows all widgets recorded as visible. A widget that is in
+    /// the recorded state already is not touched. "Hidden" means QWidget::isHidden(), so a widget in a window
+    /// that is not shown may count as visible.
     void apply() const;
 
 private:
