@@ -8,40 +8,41 @@ class AppSettingsTest : public Test
 {
     Q_OBJECT
 
-private slots:
-    void keepsValuesUnderTheSetName()
+    static QVariantMap texts()
     {
-        AppSettings::SetName("Studio A");
-        AppSettings().setValue("key", 7);
         const AppSettings settings;
-        AppSettings::SetName("");
-        AppSettings().setValue("key", 8);
-        QCOMPARE(AppSettings().value("key"), QVariant(8));
-        QCOMPARE(settings.value("key"), QVariant(7));
+        QVariantMap texts;
+        for (const QString& key : settings.allKeys())
+            texts[key] = settings.value(key).toString();
+        return texts;
     }
 
+private slots:
     // What QSettings writes is read, and what is written is what QSettings reads.
     void readsAndWritesWhatQSettingsDoes()
     {
+        const AppSettings unnamed;
         AppSettings::SetName("Studio B");
+        QVERIFY(unnamed.fileName() != AppSettings().fileName());
         QCOMPARE(AppSettings::FilePath(), AppSettings().fileName());
         for (const QString text :
              {"", "/a/b", " x ", "a;b,c=d", "\"'\\\n\r\t\a\b\f\v\x01?", "ü1Möbel€x", "@x", "@@x", "%20[a]"}) {
-            for (const QString key : {"key", "sub/key", "s%/ä 中/\\=[]", "b"}) {
-                AppSettings().setValue("G r/" + key, text);
-                QCOMPARE(AppSettings::Text("G r/" + key).value_or("none"), text);
-                AppSettings().setValue("G r/" + key, "of a size of its own");
-                QVERIFY(AppSettings::Store({{"G r/" + key, text}}));
-                QCOMPARE(AppSettings().value("G r/" + key).toString(), text);
+            for (const QString key : {"G r/key", "G r/sub/key", "G r/s%/ä 中/\\=[]", "G r/b"}) {
+                AppSettings().setValue(key, text);
+                QCOMPARE(AppSettings::Text(key).value_or("none"), text);
+                AppSettings().setValue(key, "of a size of its own");
+                QVERIFY(AppSettings::Store({{key, text}}));
+                QCOMPARE(AppSettings().value(key).toString(), text);
             }
         }
-        QVERIFY(AppSettings::Store({{"New/size", QSize(7, 8)}}) && AppSettings::Store({{"New/flag", true}}) &&
-                AppSettings::Store({{"New/number", -7}}));
-        QCOMPARE(AppSettings().value("New/size").toSize(), QSize(7, 8));
-        QCOMPARE(AppSettings::Size("New/size").value_or(QSize()), QSize(7, 8));
-        QVERIFY(AppSettings().value("New/flag").toBool() && AppSettings::Flag("New/flag").value_or(false));
-        QVERIFY(AppSettings().value("New/number") == -7 && AppSettings::Number("New/number") == -7);
+        QVERIFY(AppSettings::Store({{"N/size", QSize(7, 8)}, {"N/flag", true}, {"N/number", -7}}));
+        QCOMPARE(AppSettings().value("N/size").toSize(), QSize(7, 8));
+        QCOMPARE(AppSettings::Size("N/size").value_or(QSize()), QSize(7, 8));
+        QVERIFY(AppSettings().value("N/flag").toBool() && AppSettings::Flag("N/flag").value_or(false));
+        QVERIFY(AppSettings().value("N/number") == -7 && AppSettings::Number("N/number") == -7);
         QCOMPARE(AppSettings().allKeys().size(), 7);
+        AppSettings::SetName("");
+        QCOMPARE(AppSettings::FilePath(), unnamed.fileName());
     }
 
     // Files that others wrote: what QSettings finds is found, and stays for QSettings when a value is stored.
@@ -72,24 +73,15 @@ private slots:
                 QFile file(AppSettings::FilePath());
                 QVERIFY(file.open(QFile::WriteOnly) && file.write(text) == text.size());
                 file.close();
-                QMap<QString, QString> expected;
-                {
-                    const AppSettings settings;
-                    for (const QString& one : settings.allKeys())
-                        expected[one] = settings.value(one).toString();
-                    const QString what = file.fileName() + key + '\n' + text;
-                    QVERIFY2(AppSettings::Text(key).value_or("none") == settings.value(key, "none"),
-                             qPrintable(what));
-                }
-                QVERIFY(AppSettings::Store({{key, QString("=;stored")}}));
+                QVariantMap expected = texts();
+                QVERIFY2(AppSettings::Text(key).value_or("none") ==
+                             AppSettings().value(key, "none").toString(),
+                         qPrintable(file.fileName() + key + '\n' + text));
+                QVERIFY(AppSettings::Store({{key, "=;stored"}}));
                 AppSettings::SetName("Studio copy " + std::to_string(number));
                 QVERIFY(file.copy(AppSettings::FilePath()));
                 expected[key == "G//k/" ? QString("G/k") : key] = "=;stored";
-                QMap<QString, QString> found;
-                const AppSettings settings;
-                for (const QString& one : settings.allKeys())
-                    found[one] = settings.value(one).toString();
-                QVERIFY2(found == expected, qPrintable(key + '\n' + text));
+                QVERIFY2(texts() == expected, qPrintable(key + '\n' + text));
             }
         }
     }
@@ -103,12 +95,11 @@ private slots:
         QFile file(AppSettings::FilePath());
         QVERIFY(file.open(QFile::WriteOnly) && file.write(bombs + "[B]\nx=1\n") > 0);
         file.close();
+        for (const char* key : {"A/list", "A/long", "A/missing", "x", "C/x", "A/wide", "A/minus", "A/huge"})
+            QVERIFY2(!AppSettings::Number(key) && !AppSettings::Size(key), key);
         for (const char* key : {"A/list", "A/long", "A/missing", "x", "C/x"})
-            QVERIFY2(!AppSettings::Text(key) && !AppSettings::Number(key) && !AppSettings::Size(key), key);
-        QVERIFY(!AppSettings::Size("A/wide") && !AppSettings::Size("A/minus") &&
-                !AppSettings::Number("A/huge"));
-        QVERIFY(AppSettings::Store({{"A/new", 7}}) && AppSettings::Store({{"B/x", QString("a")}}));
-        QVERIFY(file.open(QFile::ReadOnly));
+            QVERIFY2(!AppSettings::Text(key), key);
+        QVERIFY(AppSettings::Store({{"A/new", 7}, {"B/x", "a"}}) && file.open(QFile::ReadOnly));
         QCOMPARE(file.readAll(), bombs + "new=7\n[B]\nx=a\n");
     }
 

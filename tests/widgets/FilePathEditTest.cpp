@@ -1,30 +1,21 @@
 #include "widgets/FilePathEdit.h"
 #include "support/Test.h"
 
-#include <initializer_list>
+#include <tuple>
+#include <vector>
 
 namespace {
 
-// A key that is pressed with Control and whatever else.
-struct Press
+// Sets the text, puts the cursor where it has a "|", presses the keys with Control, and returns the text with
+// "|".
+QString pressed(FilePathEdit& edit, QString text, const std::vector<int>& keys)
 {
-    Press(Qt::Key pressed, Qt::KeyboardModifiers with = Qt::NoModifier)
-        : key(pressed)
-        , modifiers(with)
-    {
-    }
-    Qt::Key key;
-    Qt::KeyboardModifiers modifiers;
-};
-
-// Sets the text, puts the cursor where it has a "|", presses the keys, and gives the text marked likewise.
-QString pressed(FilePathEdit& edit, QString text, std::initializer_list<Press> keys)
-{
-    const auto cursor = int(text.indexOf('|'));
+    const auto cursor = text.indexOf('|');
     edit.setText(text.remove('|'));
-    edit.setCursorPosition(cursor);
-    for (const Press& press : keys)
-        QTest::keyClick(&edit, press.key, Qt::ControlModifier | press.modifiers);
+    edit.setCursorPosition(static_cast<int>(cursor));
+    for (const int key : keys)
+        QTest::keyClick(&edit, Qt::Key(key & ~int(Qt::KeyboardModifierMask)),
+                        Qt::ControlModifier | Qt::KeyboardModifiers(key & int(Qt::ShiftModifier)));
     return edit.text().insert(edit.cursorPosition(), '|');
 }
 
@@ -37,22 +28,25 @@ class FilePathEditTest : public Test
 private slots:
     void editsComponents()
     {
+        constexpr int shift = Qt::ShiftModifier;
+        const std::tuple<const char*, std::vector<int>, const char*, const char*> rows[] = {
+            {"/usr/local/|", {Qt::Key_Backspace}, "/usr/|", ""},
+            {"/a/\U0001F3AC\U0001F3AC|", {Qt::Key_Backspace}, "/a/|", ""},
+            {"two words|", {Qt::Key_Backspace}, "two |", ""},
+            {"/usr|/local/bin", {Qt::Key_Delete}, "/usr|/bin", ""},
+            {"/|\U0001F3AC\U0001F3AC/b", {Qt::Key_Delete}, "/|/b", ""},
+            {"/usr/local/|", {Qt::Key_Left}, "/usr/|local/", ""},
+            {"/usr|/local/bin", {Qt::Key_Right}, "/usr/local|/bin", ""},
+            {"/a/b|c", {shift | Qt::Key_Left, shift | Qt::Key_Left, shift | Qt::Key_Right}, "/a|/bc", "/b"},
+            {"/a/b|c", {shift | Qt::Key_Left, Qt::Key_Backspace}, "/a/|c", ""},
+        };
         FilePathEdit edit(nullptr);
-        const auto backspace = [&](const char* text) { return pressed(edit, text, {Qt::Key_Backspace}); };
-        QCOMPARE(backspace("/usr/local/|"), QString("/usr/|"));
-        QCOMPARE(backspace("/a/\U0001F3AC\U0001F3AC|"), QString("/a/|"));
-        QCOMPARE(backspace("two words|"), QString("two |"));
-        QCOMPARE(pressed(edit, "/usr|/local/bin", {Qt::Key_Delete}), QString("/usr|/bin"));
-        QCOMPARE(pressed(edit, "/|\U0001F3AC\U0001F3AC/b", {Qt::Key_Delete}), QString("/|/b"));
-        QCOMPARE(pressed(edit, "/usr/local/|", {Qt::Key_Left}), QString("/usr/|local/"));
-        QCOMPARE(pressed(edit, "/usr|/local/bin", {Qt::Key_Right}), QString("/usr/local|/bin"));
-        const Press left(Qt::Key_Left, Qt::ShiftModifier);
-        QCOMPARE(pressed(edit, "/a/b|c", {left, left, {Qt::Key_Right, Qt::ShiftModifier}}),
-                 QString("/a|/bc"));
-        QCOMPARE(edit.selectedText(), QString("/b"));
-        QCOMPARE(pressed(edit, "/a/b|c", {left, Qt::Key_Backspace}), QString("/a/|c"));
+        for (const auto& [text, keys, wanted, selected] : rows) {
+            QCOMPARE(pressed(edit, text, keys), QString(wanted));
+            QCOMPARE(edit.selectedText(), QString(selected));
+        }
         edit.setReadOnly(true);
-        QCOMPARE(backspace("/usr/|local/"), QString("/usr/|local/"));
+        QCOMPARE(pressed(edit, "/usr/|local/", {Qt::Key_Backspace}), QString("/usr/|local/"));
     }
 
     void aDeletionIsOneEdit()
@@ -63,7 +57,7 @@ private slots:
             edit.setText("/a/bc/de/f");
             edit.setCursorPosition(5);
             edit.insert("x");
-            const int before = edits.size();
+            const auto before = edits.size();
             QTest::keyClick(&edit, key, Qt::ControlModifier);
             QCOMPARE(edits.size(), before + 1);
             QCOMPARE(edit.text(), QString(key == Qt::Key_Delete ? "/a/bcx/f" : "/a//de/f"));
