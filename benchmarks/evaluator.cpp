@@ -27,8 +27,8 @@ namespace {
 constexpr int DefaultEntries = 100000;
 constexpr int DefaultRounds = 9;
 
-constexpr const char* Script = R"(
-from PyQt5 import sip
+constexpr const char* Script = "from " PYQT " import sip"
+                               R"(
 from _HvMirefoldCoreUI import Halvern
 
 class HandOn(Halvern.UI.FileSequenceEvaluator):

@@ -1,33 +1,34 @@
 """unattended.py FILE: runs a program of the guide for the tests. It selects the first sequence in the list, presses
-Open, and ends the program."""
-import runpy
+Open, and ends the program. The examples name PyQt5. If the module is for PyQt6, it runs them with that name."""
+import pathlib
 import sys
 
-from PyQt5.QtCore import Qt, QTimer
-from PyQt5.QtWidgets import QApplication, QPushButton, QTreeView
+sys.path.append(str(pathlib.Path(__file__).parent.parent / "python"))
+from qt import QtCore, QtWidgets, binding
 
 LISTING_TIME = 400  # milliseconds
 
 
 def act():
-    for window in QApplication.topLevelWidgets():
-        view = window.findChild(QTreeView, "filesList")
+    for window in QtWidgets.QApplication.topLevelWidgets():
+        view = window.findChild(QtWidgets.QTreeView, "filesList")
         if view:
-            rows = view.model().match(view.model().index(0, 0), Qt.DisplayRole, "shot.")
+            rows = view.model().match(view.model().index(0, 0), QtCore.Qt.ItemDataRole.DisplayRole, "shot.")
             if rows:
                 view.setCurrentIndex(rows[0])
-            window.findChild(QPushButton, "openButton").click()
-    QApplication.quit()
+            window.findChild(QtWidgets.QPushButton, "openButton").click()
+    QtWidgets.QApplication.quit()
 
 
 def attended(run):
-    def exec_(*arguments):
-        QTimer.singleShot(LISTING_TIME, act)
+    def run_for_a_while(*arguments):
+        QtCore.QTimer.singleShot(LISTING_TIME, act)
         return run(*arguments)
 
-    return staticmethod(exec_)
+    return staticmethod(run_for_a_while)
 
 
-QApplication.exec_ = attended(QApplication.exec_)
+QtWidgets.QApplication.exec = attended(QtWidgets.QApplication.exec)
 sys.argv = sys.argv[1:]
-runpy.run_path(sys.argv[0], run_name="__main__")
+program = pathlib.Path(sys.argv[0]).read_text(encoding="utf-8").replace("PyQt5", binding)
+exec(compile(program, sys.argv[0], "exec"), {"__name__": "__main__"})

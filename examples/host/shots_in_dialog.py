@@ -7,15 +7,14 @@ them until its dialog is closed.
 import pathlib
 import sys
 
-from PyQt5.QtWidgets import QApplication
-
 from _HvMirefoldCoreUI import Halvern
 
 sys.path.append(str(pathlib.Path(__file__).parent.parent / "python"))
+from qt import QtWidgets
 from shots import Shots
 
 shots = Shots()
-for window in QApplication.topLevelWidgets():
+for window in QtWidgets.QApplication.topLevelWidgets():
     browser = window.findChild(Halvern.UI.FileBrowser)
     if browser:
         browser.setFileSequenceEvaluator(shots)

@@ -11,10 +11,8 @@ import os
 import re
 import sys
 
-from PyQt5.QtCore import QDir
-from PyQt5.QtWidgets import QApplication, QDialog, QDialogButtonBox, QVBoxLayout
-
 from _HvMirefoldCoreUI import Halvern
+from qt import QtCore, QtWidgets
 
 FRAME_OF_A_SHOT = re.compile(r"([A-Za-z]+_?\d+)_.*\.\d+\.\w+$")
 
@@ -37,7 +35,7 @@ class Shots(Halvern.UI.FileSequenceEvaluator):
         return tuple(rows)
 
 
-class ShotDialog(QDialog):
+class ShotDialog(QtWidgets.QDialog):
     """A dialog with a browser."""
 
     def __init__(self, directory):
@@ -50,19 +48,20 @@ class ShotDialog(QDialog):
         self.browser.setSequencesEnabled(True)
         self.browser.setFileSequenceEvaluator(self.shots)
         self.browser.setButtonsVisible(False)
-        self.browser.setDirectory(QDir(directory))
-        buttons = QDialogButtonBox(QDialogButtonBox.Open | QDialogButtonBox.Cancel)
+        self.browser.setDirectory(QtCore.QDir(directory))
+        button = QtWidgets.QDialogButtonBox.StandardButton
+        buttons = QtWidgets.QDialogButtonBox(button.Open | button.Cancel)
         buttons.accepted.connect(self.accept)
         buttons.rejected.connect(self.reject)
-        layout = QVBoxLayout(self)
+        layout = QtWidgets.QVBoxLayout(self)
         layout.addWidget(self.browser)
         layout.addWidget(buttons)
 
 
 def main():
-    application = QApplication(sys.argv)
+    application = QtWidgets.QApplication(sys.argv)
     dialog = ShotDialog(sys.argv[1] if len(sys.argv) > 1 else ".")
-    if dialog.exec() == QDialog.Accepted:
+    if dialog.exec() == QtWidgets.QDialog.DialogCode.Accepted:
         print("\n".join(dialog.browser.selectedFiles()))
 
 

@@ -175,6 +175,13 @@ QByteArray replaced(const QByteArray& ini, const QString& key, const QByteArray&
     return text + line;
 }
 
+// Bytes outside ASCII are UTF-8, as Qt 6 and editors write them, or else Latin-1. Qt 5 writes none.
+static QString textOf(const QByteArray& bytes)
+{
+    const QString text = QString::fromUtf8(bytes);
+    return text.contains(QChar(QChar::ReplacementCharacter)) ? QString::fromLatin1(bytes) : text;
+}
+
 std::optional<QString> decoded(const QByteArray& value)
 {
     QString text;
@@ -183,7 +190,10 @@ std::optional<QString> decoded(const QByteArray& value)
         if (byte == '"')
             continue;
         if (byte != '\\' || i == value.size()) {
-            text += QLatin1Char(byte);
+            const int begin = i - 1;
+            while (i < value.size() && value.at(i) != '"' && value.at(i) != '\\')
+                ++i;
+            text += textOf(value.mid(begin, i - begin));
             continue;
         }
         const char escape = value.at(i++);

@@ -1,3 +1,4 @@
+import importlib
 import os
 import tempfile
 
@@ -7,13 +8,12 @@ os.environ.update(XDG_CONFIG_HOME=folder, XDG_RUNTIME_DIR=folder, QT_FATAL_WARNI
                   QT_LOGGING_RULES="qt.qpa.xcb=false")
 
 import pytest
-from PyQt5.QtCore import QDir
-from PyQt5.QtTest import QTest
-from PyQt5.QtWidgets import QApplication, QTreeView
+from qt import QtCore, QtWidgets, binding
 
 from _HvMirefoldCoreUI import Halvern
 
-application = QApplication(["tests"])
+QTest = importlib.import_module(f"{binding}.QtTest").QTest
+application = QtWidgets.QApplication(["tests"])
 
 
 @pytest.fixture(autouse=True)
@@ -40,7 +40,7 @@ def open_browser(frames):
         browser = kind()
         browser.setSequencesEnabled(True)
         browser.setFileSequenceEvaluator(evaluator)
-        browser.setDirectory(QDir(str(frames)))
+        browser.setDirectory(QtCore.QDir(str(frames)))
         browser.show()
         listed = []
         files(browser).sourceModel().modelReset.connect(lambda: listed.append(True))
@@ -55,7 +55,7 @@ def until(condition):
 
 
 def files(browser):
-    return browser.findChild(QTreeView, "filesList").model()
+    return browser.findChild(QtWidgets.QTreeView, "filesList").model()
 
 
 def rows(browser):

@@ -1,9 +1,5 @@
-from conftest import rows
-from PyQt5.QtCore import QChildEvent, QEvent, QMimeData, QObject, QPoint, QPointF, Qt, QTimerEvent
-from PyQt5.QtGui import (QActionEvent, QContextMenuEvent, QDragEnterEvent, QDragLeaveEvent, QDragMoveEvent, QDropEvent,
-                         QFocusEvent, QInputMethodEvent, QKeyEvent, QMouseEvent, QMoveEvent)
-from PyQt5.QtTest import QTest
-from PyQt5.QtWidgets import QAction, QLineEdit
+from conftest import QTest, rows
+from qt import QtCore, QtGui, QtWidgets
 
 from _HvMirefoldCoreUI import Halvern
 
@@ -25,24 +21,29 @@ def test_overrides_are_called_and_reach_the_native_handlers(open_browser):
 
     browser = open_browser(kind=type("Noting", (Halvern.UI.FileBrowser,), {name: noting(name) for name in VIRTUALS}))
     assert "notes.txt" in rows(browser), "the native showEvent() lists"
-    edit = browser.findChild(QLineEdit, "filenameEdit")
+    edit = browser.findChild(QtWidgets.QLineEdit, "filenameEdit")
     before = edit.text()
-    QTest.keyClick(edit, Qt.Key_Down)
+    QTest.keyClick(edit, QtCore.Qt.Key.Key_Down)
     assert edit.text() != before, "the native eventFilter() moves in the list"
     edit.setFocus()
-    key = QKeyEvent(QEvent.KeyPress, Qt.Key_Return, Qt.NoModifier)
+    kinds, left = QtCore.QEvent.Type, QtCore.Qt.MouseButton.LeftButton
+    unmodified, place = QtCore.Qt.KeyboardModifier.NoModifier, QtCore.QPointF()
+    key = QtGui.QKeyEvent(kinds.KeyPress, QtCore.Qt.Key.Key_Return, unmodified)
     browser.event(key)
     assert key.isAccepted(), "the native keyPressEvent() ends Return"
-    QTest.keyClick(browser, Qt.Key_F5)
-    drop = (QPoint(), Qt.CopyAction, QMimeData(), Qt.LeftButton, Qt.NoModifier)
-    mouse = (QPointF(), Qt.LeftButton, Qt.LeftButton, Qt.NoModifier)
-    for event in [*(QMouseEvent(QEvent.Type(kind), *mouse) for kind in range(QEvent.MouseButtonPress, QEvent.KeyPress)),
-                  QEvent(QEvent.Enter), QEvent(QEvent.Leave), QEvent(QEvent.User), QEvent(QEvent.StyleChange),
-                  QFocusEvent(QEvent.FocusIn), QFocusEvent(QEvent.FocusOut), QInputMethodEvent(), QTimerEvent(1),
-                  QChildEvent(QEvent.ChildPolished, QObject(browser)), QMoveEvent(QPoint(), QPoint()),
-                  QActionEvent(QEvent.ActionChanged, QAction(browser)), QDragEnterEvent(*drop), QDragMoveEvent(*drop),
-                  QDragLeaveEvent(), QDropEvent(QPointF(), *drop[1:]),
-                  QContextMenuEvent(QContextMenuEvent.Mouse, QPoint())]:
+    QTest.keyClick(browser, QtCore.Qt.Key.Key_F5)
+    drop = (QtCore.QPoint(), QtCore.Qt.DropAction.CopyAction, QtCore.QMimeData(), left, unmodified)
+    mouse = (kinds.MouseButtonPress, kinds.MouseButtonRelease, kinds.MouseButtonDblClick, kinds.MouseMove)
+    action = (getattr(QtGui, "QAction", None) or QtWidgets.QAction)(browser)
+    for event in [*(QtGui.QMouseEvent(kind, place, place, left, left, unmodified) for kind in mouse),
+                  QtGui.QEnterEvent(place, place, place), *(QtCore.QEvent(kind) for kind in (
+                      kinds.Leave, kinds.User, kinds.StyleChange)),
+                  QtGui.QFocusEvent(kinds.FocusIn), QtGui.QFocusEvent(kinds.FocusOut), QtGui.QInputMethodEvent(),
+                  QtCore.QTimerEvent(1), QtCore.QChildEvent(kinds.ChildPolished, QtCore.QObject(browser)),
+                  QtGui.QMoveEvent(QtCore.QPoint(), QtCore.QPoint()), QtGui.QActionEvent(kinds.ActionChanged, action),
+                  QtGui.QDragEnterEvent(*drop), QtGui.QDragMoveEvent(*drop), QtGui.QDragLeaveEvent(),
+                  QtGui.QDropEvent(place, *drop[1:]),
+                  QtGui.QContextMenuEvent(QtGui.QContextMenuEvent.Reason.Mouse, QtCore.QPoint(), QtCore.QPoint())]:
         browser.event(event)
     browser.focusNextChild()
     browser.windowTitleChanged.disconnect(browser.windowTitleChanged.connect(print))
@@ -58,7 +59,7 @@ def test_errors_in_overrides_do_not_end_the_process(open_browser, capfd):
 
     overrides = {"resizeEvent": leave, "mousePressEvent": lambda *_: 1 // 0, "sizeHint": lambda _: "big"}
     browser = open_browser(kind=type("Raising", (Halvern.UI.FileBrowser,), overrides))
-    QTest.mouseClick(browser, Qt.LeftButton)
+    QTest.mouseClick(browser, QtCore.Qt.MouseButton.LeftButton)
     browser.adjustSize()
     printed = capfd.readouterr().err
     assert "SystemExit: leaving" in printed and "ZeroDivisionError" in printed and "QSize in this context" in printed

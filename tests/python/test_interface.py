@@ -1,7 +1,5 @@
 import pytest
-from PyQt5.QtCore import QDir, QTimer
-from PyQt5.QtGui import QPaintDevice
-from PyQt5.QtWidgets import QAbstractItemView, QApplication, QPushButton, QWidget
+from qt import QtCore, QtGui, QtWidgets
 
 from _HvMirefoldCoreUI import Halvern
 
@@ -13,7 +11,7 @@ METHODS = """setDirectory setFilename setFilters setShowChooserTypes setSequence
 
 
 @pytest.mark.parametrize("cls, base, names", [
-    (FileBrowser, QWidget, METHODS),
+    (FileBrowser, QtWidgets.QWidget, METHODS),
     (FileInfo, object, "setStartFrame setEndFrame setSequenceName insertSequenceFile fileName"),
     (Halvern.UI.FileSequenceEvaluator, object, "evaluateFiles buildFileSequence")])
 def test_exposes_what_is_promised_and_no_more(cls, base, names):
@@ -24,7 +22,8 @@ def test_exposes_what_is_promised_and_no_more(cls, base, names):
 def test_opens_the_protected_members_of_a_widget():
     browser = FileBrowser()
     assert browser.sender() is None and browser.senderSignalIndex() == -1 and browser.sharedPainter() is None
-    assert browser.receivers(browser.destroyed) == 0 and browser.metric(QPaintDevice.PdmWidth) == browser.width()
+    assert browser.receivers(browser.destroyed) == 0
+    assert browser.metric(QtGui.QPaintDevice.PaintDeviceMetric.PdmWidth) == browser.width()
     for call in [browser.create, browser.updateMicroFocus, browser.focusPreviousChild, browser.destroy]:
         call()
     assert browser.eventFilter(None, None) is False
@@ -46,7 +45,7 @@ entry = FileInfo("a", False)
     (lambda: Halvern.UI.FileSequenceEvaluator(), TypeError, "FileSequenceEvaluator"),
     (lambda: FileBrowser(1), TypeError, "FileBrowser()"),
     (lambda: FileBrowser().setDirectory("/tmp"), TypeError, "FileBrowser.setDirectory()"),
-    (lambda: FileBrowser().setDirectory(QDir("/tmp"), refresh=True), TypeError, "setDirectory()"),
+    (lambda: FileBrowser().setDirectory(QtCore.QDir("/tmp"), refresh=True), TypeError, "setDirectory()"),
     (lambda: FileBrowser.AddFavoriteDir("a", "b", path="c"), TypeError, "FileBrowser.AddFavoriteDir()"),
     (lambda: FileBrowser.RemoveFavoriteDir("a", 0, False), TypeError, "FileBrowser.RemoveFavoriteDir()"),
     (lambda: FileBrowser.SetPreferencesPath("a"), TypeError, "FileBrowser.SetPreferencesPath()")])
@@ -59,9 +58,9 @@ def test_hands_arguments_to_the_native_calls(open_browser, frames, tmp_path):
     assert browser.setShowChooserTypes(True) is browser.setMayNotExist(True) is browser.setButtonsVisible(True) is None
     browser.setFilters(["*.txt"], False)
     browser.setFilename(str(frames / "notes.txt"))
-    browser.setDirectory(QDir(str(tmp_path)), True, False)
+    browser.setDirectory(QtCore.QDir(str(tmp_path)), True, False)
     assert browser.selectedFiles() == [str(frames / "notes.txt")], "the typed name was to be kept"
-    browser.setDirectory(QDir(str(frames)))
+    browser.setDirectory(QtCore.QDir(str(frames)))
     assert browser.selectedFiles() == [str(frames) + "/"]
 
 
@@ -75,7 +74,7 @@ def test_keeps_favorites(preferences):
     FileBrowser.RemoveFavoriteDir("typed", type=4)
     FileBrowser.RemoveFavoriteDir("passing")
     browser = FileBrowser()
-    model = browser.findChild(QAbstractItemView, "favoritesList").model()
+    model = browser.findChild(QtWidgets.QAbstractItemView, "favoritesList").model()
 
     def shown():
         browser.refreshFavorites()
@@ -84,8 +83,8 @@ def test_keeps_favorites(preferences):
     assert shown() == {"kept", "passing"}, "only persistent ones can be removed"
     FileBrowser.ResetNonPersistentFavorites()
     assert shown() == {"kept"}
-    QTimer.singleShot(200, lambda: QApplication.activeModalWidget().accept())
-    browser.findChild(QPushButton, "addFavoriteButton").click()
+    QtCore.QTimer.singleShot(200, lambda: QtWidgets.QApplication.activeModalWidget().accept())
+    browser.findChild(QtWidgets.QPushButton, "addFavoriteButton").click()
     # Which writes the file.
     del browser
     FileBrowser.ResetFavorites()

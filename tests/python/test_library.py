@@ -15,7 +15,7 @@ def output(*command, **options):
 
 def test_asks_for_stable_python_and_a_few_libraries():
     needed = re.findall(r"NEEDED.*\[(.*)\]", output("readelf", "-d", MODULE))
-    allowed = r"(libQt5(Core|Gui|Widgets|OpenGL)|libc|libm|libstdc\+\+|libgcc_s|libpthread|libGL|libasan|libubsan)\.so\.\d"
+    allowed = r"(libQt[56](Core|Gui|(OpenGL)?Widgets|OpenGL)|libc|libm|libstdc\+\+|libgcc_s|libpthread|libGL|libasan|libubsan)\.so\.\d"
     assert needed and [name for name in needed if not re.match(allowed, name)] == []
     undefined = re.findall(r"undefined symbol: (\w+)", output("ldd", "-r", MODULE, stderr=subprocess.STDOUT))
     declared = output("g++", "-E", "-DPy_LIMITED_API=0x03070000", f"-I{os.environ['PYTHON_HEADERS']}", "-xc++", "-",

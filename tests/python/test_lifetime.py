@@ -4,9 +4,7 @@ from concurrent.futures import ThreadPoolExecutor
 
 import pytest
 from conftest import rows, until
-from PyQt5 import sip
-from PyQt5.QtCore import QDir, QEvent
-from PyQt5.QtWidgets import QApplication, QWidget
+from qt import QtCore, QtWidgets, sip
 from shots import Shots
 
 from _HvMirefoldCoreUI import Halvern
@@ -26,7 +24,7 @@ def drop_cycle(holder):
 
 def browsers():
     gc.collect()
-    return sum(isinstance(window, FileBrowser) for window in QApplication.topLevelWidgets())
+    return sum(isinstance(window, FileBrowser) for window in QtWidgets.QApplication.topLevelWidgets())
 
 
 @pytest.mark.parametrize("release", [list.clear, drop_elsewhere, drop_cycle])
@@ -34,9 +32,9 @@ def test_deletes_a_browser_without_a_parent_and_leaves_others(release):
     before = browsers()
     release([FileBrowser(None)])
     assert browsers() - before == (release is drop_elsewhere), "only its own thread may delete it at once"
-    parent = QWidget()
+    parent = QtWidgets.QWidget()
     release([FileBrowser(parent=parent)])
-    QApplication.sendPostedEvents(None, QEvent.DeferredDelete)
+    QtWidgets.QApplication.sendPostedEvents(None, QtCore.QEvent.Type.DeferredDelete)
     assert browsers() == before
     browser = parent.findChild(FileBrowser)
     sip.delete(parent)
@@ -55,8 +53,8 @@ def test_browser_and_evaluator_survive_each_other(open_browser, frames):
     assert "sh010_a.1.exr" in rows(second)
     second.setSequencesEnabled(True)
     assert "sh010_a.#.exr 1-2" in rows(second), "the built-in rules are back"
-    second.setDirectory(QDir("/"))
-    second.setDirectory(QDir(str(frames)))
+    second.setDirectory(QtCore.QDir("/"))
+    second.setDirectory(QtCore.QDir(str(frames)))
     until(lambda: "notes.txt" in rows(second))
 
 
@@ -100,12 +98,12 @@ def test_either_may_go_while_the_evaluator_is_asked(open_browser, frames, leave,
     browser.setFileSequenceEvaluator(evaluators[0])
     leaving.append(leave)
     if asked_by_the_read:
-        browser.setDirectory(QDir("/"))
+        browser.setDirectory(QtCore.QDir("/"))
         until(lambda: not leaving)
     else:
         browser.setSequencesEnabled(True)
-    QApplication.sendPostedEvents(None, QEvent.DeferredDelete)
+    QtWidgets.QApplication.sendPostedEvents(None, QtCore.QEvent.Type.DeferredDelete)
     assert sip.isdeleted(browser) == bool(evaluators)
     if not evaluators:
-        browser.setDirectory(QDir(str(frames)))
+        browser.setDirectory(QtCore.QDir(str(frames)))
         until(lambda: "sh010_a.#.exr 1-2" in rows(browser))

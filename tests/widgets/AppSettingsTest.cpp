@@ -1,5 +1,6 @@
 #include "widgets/AppSettings.h"
 #include "support/Test.h"
+#include "widgets/IniText.h"
 #include "widgets/PackedColour.h"
 
 using namespace Halvern::UI;
@@ -35,6 +36,8 @@ private slots:
                 QCOMPARE(AppSettings().value(key).toString(), text);
             }
         }
+        QCOMPARE(IniText::decoded("M\xc3\xb6\"b\"\\xe9l"), QString("Möbél"));
+        QCOMPARE(IniText::decoded("M\xf6\xc3\xb6"), QString("MöÃ¶"));
         QVERIFY(AppSettings::Store({{"N/size", QSize(7, 8)}, {"N/flag", true}, {"N/number", -7}}));
         QCOMPARE(AppSettings().value("N/size").toSize(), QSize(7, 8));
         QCOMPARE(AppSettings::Size("N/size").value_or(QSize()), QSize(7, 8));

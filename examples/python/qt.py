@@ -1,0 +1,9 @@
+"""Qt for Python as the module on Python's path needs it: PyQt5 or PyQt6."""
+
+import importlib
+
+from _HvMirefoldCoreUI import Halvern
+
+binding = Halvern.UI.FileBrowser.__base__.__module__.partition(".")[0]
+QtCore, QtGui, QtWidgets, sip = (importlib.import_module(f"{binding}.{name}")
+                                 for name in ("QtCore", "QtGui", "QtWidgets", "sip"))
