@@ -2,8 +2,15 @@
 
 project=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 
-build_packages=(build-essential cmake file ninja-build qtbase5-dev libqt5opengl5-dev libboost-dev
-    python3-dev python3-pyqt5 pyqt5-dev python3-pyqt5.sip sip-tools)
+# A script whose first argument is --qt6 builds for Qt 6.
+qt_suffix=
+qt_packages=(qtbase5-dev libqt5opengl5-dev python3-pyqt5 pyqt5-dev python3-pyqt5.sip)
+if [ "${1:-}" = --qt6 ]; then
+    shift
+    qt_suffix=-qt6
+    qt_packages=(qt6-base-dev libqt6opengl6-dev python3-pyqt6 pyqt6-dev python3-pyqt6.sip)
+fi
+build_packages=(build-essential cmake file ninja-build libboost-dev python3-dev sip-tools "${qt_packages[@]}")
 test_packages=(python3-pytest)
 display_packages=(xvfb xauth libgl1-mesa-dri fonts-dejavu-core)
 check_packages=(clang-format clang-tidy)
@@ -34,9 +41,9 @@ install_missing() {
     } >&2
 }
 
-# build PRESET [TARGET...]: configures and builds. All output goes to standard error.
+# build PRESET [TARGET...]: configures and builds, for the chosen Qt. All output goes to standard error.
 build() {
-    local preset=$1
+    local preset=$1$qt_suffix
     shift
     (
         cd "$project" &&
