@@ -17,6 +17,6 @@ set(CPACK_DEBIAN_PACKAGE_DEPENDS "python3, python3-pyqt${COREUI_QT}, python3-pyq
 if(COREUI_QT EQUAL 5)
     set(CPACK_DEBIAN_PACKAGE_SUGGESTS "cmake, qtbase5-dev, python3-dev")
 else()
-    set(CPACK_DEBIAN_PACKAGE_SUGGESTS "cmake, qt6-base-dev, libqt6opengl6-dev, python3-dev")
+    set(CPACK_DEBIAN_PACKAGE_SUGGESTS "cmake, qt6-base-dev, python3-dev")
 endif()
 include(CPack)
