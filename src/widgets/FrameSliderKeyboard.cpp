@@ -76,7 +76,7 @@ void FrameSlider::moveHead(qint64 frame)
 void FrameSlider::keyPressEvent(QKeyEvent* event)
 {
     constexpr int Alt = Qt::AltModifier;
-    const int modifiers = event->modifiers() & ~(Qt::KeypadModifier | Qt::ShiftModifier);
+    const auto modifiers = static_cast<int>(event->modifiers() & ~(Qt::KeypadModifier | Qt::ShiftModifier));
     const qint64 tenth = std::max<qint64>((qint64(m_viewEnd) - m_viewStart) / StepsAcrossTheView, 1);
     switch (event->key() | modifiers) {
     case Qt::Key_Left:

@@ -219,10 +219,10 @@ private slots:
             slider.mouse(QEvent::MouseButtonRelease, {110, 5}, Qt::LeftButton);
             slider.mouse(QEvent::MouseButtonPress, {150, 5}, Qt::LeftButton);
             lose(slider);
-            for (Slider* hovered : {&other, &slider})
-                hovered->hover(150);
             QCoreApplication::processEvents();
             menu.close();
+            for (Slider* hovered : {&other, &slider})
+                hovered->hover(150);
             QVERIFY2(slider.events + other.events == " scrub 50 reset free scrub 70 free", name);
         }
     }
