@@ -208,7 +208,7 @@ void Controls::layOut(FileBrowser* browser, QWidget* favoritesList, QWidget* fil
     for (QPushButton* button : {nextButton, openButton, cancelButton})
         buttonsRow->addWidget(button);
 
-    layout = new QGridLayout(browser);
+    auto* layout = new QGridLayout(browser);
     layout->addLayout(topRow, 0, 0, 1, 3);
     layout->addLayout(favoritesGrid, 1, 0);
     layout->addLayout(filesBox, 1, 1, 1, 2);
@@ -216,11 +216,6 @@ void Controls::layOut(FileBrowser* browser, QWidget* favoritesList, QWidget* fil
     layout->addLayout(optionsRow, 3, 0);
     layout->addWidget(filterCombo, 3, 1);
     layout->addLayout(buttonsRow, 3, 2);
-}
-
-void Controls::addBelow(QWidget* widget)
-{
-    layout->addWidget(widget, layout->rowCount(), 0, 1, layout->columnCount());
 }
 
 } // namespace Halvern::UI

@@ -5,7 +5,6 @@
 class FilePathEdit;
 class QCheckBox;
 class QComboBox;
-class QGridLayout;
 class QLabel;
 class QPushButton;
 class QWidget;
@@ -23,8 +22,6 @@ struct Controls
     /// Makes the controls around @p favoritesList and @p filesList, lays all of them out in @p browser, and
     /// sets the order of Tab: from the top left to the bottom right.
     void make(FileBrowser* browser, QWidget* favoritesList, QWidget* filesList);
-    /// Adds @p widget below everything else, as wide as the browser.
-    void addBelow(QWidget* widget);
 
     QPushButton* newFolderButton = nullptr;
     QPushButton* upButton = nullptr;
@@ -51,8 +48,6 @@ private:
     void makeOptions(FileBrowser* browser);
     void makeButtons(FileBrowser* browser);
     void layOut(FileBrowser* browser, QWidget* favoritesList, QWidget* filesList);
-
-    QGridLayout* layout = nullptr;
 };
 
 } // namespace Halvern::UI

@@ -17,8 +17,8 @@
 #include "widgets/FilePathEdit.h"
 
 #include <QCoreApplication>
+#include <QGridLayout>
 #include <QHeaderView>
-#include <QLayout>
 #include <QMutex>
 #include <QPushButton>
 
@@ -186,12 +186,13 @@ void FileBrowser::setPreviewWidget(QWidget* widget)
         return;
     connect(this, SIGNAL(fileSelected(const Halvern::UI::FileInfo&, QDir)), widget,
             SLOT(fileSelected(const Halvern::UI::FileInfo&, QDir)));
-    if (QLayout* layout = widget->layout()) {
-        layout->setContentsMargins(0, 2, 0, 0);
-        layout->update();
+    if (QLayout* inside = widget->layout()) {
+        inside->setContentsMargins(0, 2, 0, 0);
+        inside->update();
         widget->updateGeometry();
     }
-    d->m_controls.addBelow(widget);
+    auto* grid = static_cast<QGridLayout*>(layout());
+    grid->addWidget(widget, grid->rowCount(), 0, 1, grid->columnCount());
     DisclosureButton* button = d->m_controls.previewButton;
     button->setVisible(true);
     if (const std::optional<bool> open = AppSettings::Flag(Private::s_classWide.previewKey))

@@ -39,7 +39,9 @@ void FileBrowser::setDirectory(QDir dir, bool keepFilename, bool doRefresh)
     d->m_awaited = {};
     d->m_awaitsTop = true;
     d->m_history.visit(dir);
-    d->updateNavigationButtons();
+    d->m_controls.forwardButton->setEnabled(d->m_history.canGoForward());
+    d->m_controls.backButton->setEnabled(d->m_history.canGoBack());
+    d->m_controls.upButton->setEnabled(dir != QDir(QDir::rootPath()));
     if (!keepFilename) {
         d->m_controls.filenameEdit->setText(Base::withSeparator(dir.absolutePath()));
         emit fileSelected(FileInfo(dir.path().toUtf8().constData(), false), d->m_directory);
@@ -47,13 +49,6 @@ void FileBrowser::setDirectory(QDir dir, bool keepFilename, bool doRefresh)
     if (doRefresh)
         refresh();
     emit choiceChanged();
-}
-
-void FileBrowser::Private::updateNavigationButtons()
-{
-    m_controls.forwardButton->setEnabled(m_history.canGoForward());
-    m_controls.backButton->setEnabled(m_history.canGoBack());
-    m_controls.upButton->setEnabled(m_directory != QDir(QDir::rootPath()));
 }
 
 void FileBrowser::navigateBack()

@@ -64,7 +64,6 @@ public:
 
     // FileBrowserNavigation.cpp
     static bool isOnDisk(const QDir& dir);
-    void updateNavigationButtons();
     void awaitFolder(const QDir& left);
     void clearFilterBlock();
     void completeTypedName();

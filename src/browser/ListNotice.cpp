@@ -7,15 +7,6 @@ namespace Halvern::UI {
 
 namespace {
 
-constexpr int Patience = 300; // milliseconds
-
-// What a person typed or pasted, cut to what a line holds.
-QString shortened(const QString& text)
-{
-    constexpr int MostCharacters = 60;
-    return text.size() <= MostCharacters ? text : QString(text.left(MostCharacters) + QChar(0x2026));
-}
-
 // "permission denied", as it follows a colon.
 QString errorText(int error)
 {
@@ -31,7 +22,7 @@ ListNotice::ListNotice(FileBrowser::DirectoryModel* model, FileBrowser::ProxyMod
     , m_proxy(proxy)
 {
     m_patience.setSingleShot(true);
-    m_patience.setInterval(Patience);
+    m_patience.setInterval(300); // milliseconds
     connect(model, SIGNAL(readStarted()), this, SLOT(startWaiting()));
     connect(&m_patience, SIGNAL(timeout()), this, SLOT(stopWaiting()));
     connect(model, SIGNAL(readFailed()), this, SLOT(update()));
@@ -66,7 +57,7 @@ void ListNotice::update()
         if (error != 0 && problem.isEmpty())
             empty = FileBrowser::tr("This folder can't be read: %1").arg(errorText(error));
         else if (m_proxy->rowCount() == 0)
-            empty = reasonForNoRows();
+            empty = m_proxy->reasonForNoRows();
     }
     if (empty == m_emptyText && problem == m_problemText)
         return;
@@ -83,20 +74,6 @@ bool ListNotice::hasNames() const
             return true;
     }
     return false;
-}
-
-QString ListNotice::reasonForNoRows() const
-{
-    switch (m_proxy->reasonForNoRows()) {
-    case FileBrowser::ProxyModel::Filtered:
-        return FileBrowser::tr("No file matches the filter %1.").arg(shortened(m_proxy->filterPattern()));
-    case FileBrowser::ProxyModel::NoSuchPrefix:
-        return FileBrowser::tr("Nothing here begins with \"%1\".")
-            .arg(shortened(QString::fromStdString(m_proxy->prefix())));
-    case FileBrowser::ProxyModel::NothingThere:
-        break;
-    }
-    return FileBrowser::tr("This folder is empty.");
 }
 
 } // namespace Halvern::UI

@@ -32,7 +32,6 @@ private slots:
 
 private:
     bool hasNames() const;
-    QString reasonForNoRows() const;
 
     FileBrowser::DirectoryModel* m_model;
     FileBrowser::ProxyModel* m_proxy;

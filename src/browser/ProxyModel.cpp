@@ -11,6 +11,17 @@
 
 namespace Halvern::UI {
 
+namespace {
+
+// What a person typed or pasted, cut to what a line holds.
+QString shortened(const QString& text)
+{
+    constexpr int MostCharacters = 60;
+    return text.size() <= MostCharacters ? text : QString(text.left(MostCharacters) + QChar(0x2026));
+}
+
+} // namespace
+
 FileBrowser::ProxyModel::ProxyModel(DirectoryModel* source, QObject* parent)
     : QSortFilterProxyModel(parent)
     , m_model(source)
@@ -124,14 +135,17 @@ bool FileBrowser::ProxyModel::filterAcceptsRow(int sourceRow, const QModelIndex&
     return m_filterBlocked || matchesPrefix(name);
 }
 
-FileBrowser::ProxyModel::Reason FileBrowser::ProxyModel::reasonForNoRows() const
+QString FileBrowser::ProxyModel::reasonForNoRows() const
 {
     for (int row = 0; row < m_model->rowCount(); ++row) {
         const char* name = m_model->entry(row) ? m_model->displayName(row) : ".";
         if (m_filterBlocked ? name[0] != '.' : matchesPrefix(name))
-            return Filtered;
+            return FileBrowser::tr("No file matches the filter %1.").arg(shortened(m_nameFilter.text()));
     }
-    return m_filterBlocked || m_namePrefix.empty() ? NothingThere : NoSuchPrefix;
+    if (m_filterBlocked || m_namePrefix.empty())
+        return FileBrowser::tr("This folder is empty.");
+    return FileBrowser::tr("Nothing here begins with \"%1\".")
+        .arg(shortened(QString::fromStdString(m_namePrefix)));
 }
 
 bool FileBrowser::ProxyModel::matchesPrefix(const char* name) const

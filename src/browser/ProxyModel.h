@@ -23,11 +23,8 @@ public:
     /// Rows must begin with @p text in any letter case, with "#" in place of printf tokens; a leading "."
     /// shows hidden names too.
     void setNamePrefix(const QString& text);
-    /// The prefix as rows are compared with it, UTF-8.
-    const std::string& prefix() const { return m_namePrefix; }
     /// Wildcard patterns that files must match, as NameFilter takes them; empty for all.
     void setFilterPattern(const QString& patterns);
-    const QString& filterPattern() const { return m_nameFilter.text(); }
     /// While set, folders always pass and the name prefix is not looked at.
     void setFilterBlocked(bool blocked) { m_filterBlocked = blocked; }
     /// Filters and sorts again. While a read is under way nothing happens: the rows are built anew after it.
@@ -39,14 +36,8 @@ public:
     /// row and scroll position stay.
     void showAttributes();
 
-    enum Reason
-    {
-        NothingThere,
-        NoSuchPrefix,
-        Filtered
-    };
-    /// Why no row is accepted. Only for a list that is ready and has no rows.
-    Reason reasonForNoRows() const;
+    /// Why no row is accepted, as a sentence. Only for a list that is ready and has no rows.
+    QString reasonForNoRows() const;
 
 protected:
     bool filterAcceptsRow(int sourceRow, const QModelIndex& sourceParent) const override;

@@ -64,12 +64,6 @@ FileDialog::~FileDialog()
     delete m_browser;
 }
 
-void FileDialog::refreshWidget()
-{
-    m_browser->refresh();
-    fileSelectionChanged();
-}
-
 // QDialog gives the focus to its first field as if by Tab, which selects the whole text. The first key would
 // then replace the directory at the start of the field.
 void FileDialog::setVisible(bool visible)
@@ -96,16 +90,6 @@ void FileDialog::fileSelectionChanged()
     const FileBrowser::Acceptance acceptance = m_browser->acceptance();
     m_browser->setNextButtonEnabled(acceptance == FileBrowser::Acceptance::OpenAndNext);
     m_browser->setAcceptButtonEnabled(acceptance != FileBrowser::Acceptance::None);
-}
-
-void FileDialog::fileDoubleClicked(const FileInfo& /*info*/)
-{
-    accept();
-}
-
-void FileDialog::resetFileFilter()
-{
-    m_browser->resetFileFilter();
 }
 
 void FileDialog::onPreviewOpening()

@@ -46,7 +46,11 @@ public:
     QDir directory() const { return m_browser->directory(); }
     QStringList selectedFiles() const { return m_browser->selectedFiles(); }
     /// Applies the filename field and the filter to the list again, and then the state of the buttons.
-    void refreshWidget();
+    void refreshWidget()
+    {
+        m_browser->refresh();
+        fileSelectionChanged();
+    }
 
     /// The browser that fills the dialog, owned by it.
     FileBrowser* fileBrowser() const { return m_browser; }
@@ -63,8 +67,8 @@ protected:
 
 private slots:
     void fileSelectionChanged();
-    void fileDoubleClicked(const Halvern::UI::FileInfo& info);
-    void resetFileFilter();
+    void fileDoubleClicked(const Halvern::UI::FileInfo& /*info*/) { accept(); }
+    void resetFileFilter() { m_browser->resetFileFilter(); }
     void onPreviewOpening();
     void onPreviewClosed();
     void noteSizeWithPreview();

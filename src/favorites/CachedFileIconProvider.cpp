@@ -43,28 +43,18 @@ QIcon CachedFileIconProvider::iconOfFile(const QString& path)
     return QIcon(QPixmap::fromImageReader(&reader));
 }
 
-QIcon CachedFileIconProvider::genericFolderIcon()
-{
-    if (generic.isNull())
-        generic = platformIcon(QFileIconProvider::Folder);
-    return generic;
-}
-
 QIcon CachedFileIconProvider::folderIcon(const QString& path)
 {
-    const auto cached = icons.constFind(path);
-    if (cached != icons.constEnd())
-        return *cached;
     QIcon icon;
     if (path == QDir::rootPath())
         icon = driveIcon();
     else if (path == QDir::homePath() && qobject_cast<QApplication*>(QCoreApplication::instance()))
         icon = QApplication::style()->standardIcon(QStyle::SP_DirHomeIcon);
-    else
-        icon = genericFolderIcon();
     if (!icon.isNull())
-        icons.insert(path, icon);
-    return icon;
+        return icon;
+    if (m_folder.isNull())
+        m_folder = platformIcon(QFileIconProvider::Folder);
+    return m_folder;
 }
 
 } // namespace Halvern::UI

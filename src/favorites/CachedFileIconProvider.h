@@ -1,28 +1,25 @@
 #pragma once
 
-#include <QHash>
 #include <QIcon>
 
 namespace Halvern::UI {
 
-/// The platform's icons of folders and drives, each made once. No icon is looked up on disk by the folder it
-/// is for: what the platform gives is told by the path alone, so that a folder on storage that does not
-/// answer has its icon at once. Without a QApplication all icons are null. GUI thread only.
+/// The platform's icons of folders and drives. No icon is looked up on disk by the folder it is for: a folder
+/// on storage that does not answer has its icon at once. The icon that most folders share is made once.
+/// Without a QApplication all icons are null. GUI thread only.
 class CachedFileIconProvider
 {
 public:
     /// The icon of the folder with the absolute path @p path: the home and the root folder have icons of
     /// their own.
     QIcon folderIcon(const QString& path);
-    QIcon genericFolderIcon();
-    QIcon driveIcon();
+    static QIcon driveIcon();
     /// The icon in an image file, read at the size that icons are shown in. Null if @p path names no image
     /// file, or one that has more than 16 million pixels.
     static QIcon iconOfFile(const QString& path);
 
 private:
-    QIcon generic;
-    QHash<QString, QIcon> icons; // by path
+    QIcon m_folder;
 };
 
 } // namespace Halvern::UI

@@ -48,12 +48,12 @@ EditFavoriteDialog::EditFavoriteDialog(QWidget* parent, Favorite& favorite)
 {
     setWindowTitle(tr("Edit favorite"));
     auto* grid = new QGridLayout(this);
-    nameEdit = createEdit(grid, "nameEdit", tr("Name:"), favorite.name, 0);
-    folderEdit = createEdit(grid, "folderEdit", tr("Folder:"), favorite.path, 1);
+    m_nameEdit = createEdit(grid, "nameEdit", tr("Name:"), favorite.name, 0);
+    m_folderEdit = createEdit(grid, "folderEdit", tr("Folder:"), favorite.path, 1);
     createChooserFrame(favorite.type);
-    grid->addWidget(chooserFrame, 2, 0, 1, 2);
-    tooltipEdit = createEdit(grid, "tooltipEdit", tr("Tooltip:"), favorite.tooltip, 3);
-    iconEdit = createEdit(grid, "iconEdit", tr("Icon:"), favorite.iconPath, 4);
+    grid->addWidget(m_chooserFrame, 2, 0, 1, 2);
+    m_tooltipEdit = createEdit(grid, "tooltipEdit", tr("Tooltip:"), favorite.tooltip, 3);
+    m_iconEdit = createEdit(grid, "iconEdit", tr("Icon:"), favorite.iconPath, 4);
 
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
     connect(buttons, SIGNAL(accepted()), this, SLOT(accept()));
@@ -72,14 +72,14 @@ QLineEdit* EditFavoriteDialog::createEdit(QGridLayout* grid, const char* name, c
 
 void EditFavoriteDialog::createChooserFrame(int type)
 {
-    chooserFrame = new QFrame(this);
-    chooserFrame->setObjectName(QStringLiteral("chooserFrame"));
-    chooserFrame->setFrameShape(QFrame::StyledPanel);
-    auto* grid = new QGridLayout(chooserFrame);
+    m_chooserFrame = new QFrame(this);
+    m_chooserFrame->setObjectName(QStringLiteral("chooserFrame"));
+    m_chooserFrame->setFrameShape(QFrame::StyledPanel);
+    auto* grid = new QGridLayout(m_chooserFrame);
     int row = 0;
     for (const ChooserType& chooser : chooserTypesInOrder) {
         createChooserType(grid, chooser.type, chooser.label, row++);
-        QCheckBox* box = chooserTypes[chooser.type];
+        QCheckBox* box = m_chooserTypes[chooser.type];
         box->setObjectName(QLatin1String(chooser.name));
         box->setChecked((type & chooser.type) != 0);
     }
@@ -87,27 +87,27 @@ void EditFavoriteDialog::createChooserFrame(int type)
 
 void EditFavoriteDialog::createChooserType(QGridLayout* grid, FaveType type, const char* label, int row)
 {
-    auto* box = new QCheckBox(chooserFrame);
-    addRow(grid, new QLabel(tr(label), chooserFrame), box, row);
-    chooserTypes[type] = box;
+    auto* box = new QCheckBox(m_chooserFrame);
+    addRow(grid, new QLabel(tr(label), m_chooserFrame), box, row);
+    m_chooserTypes[type] = box;
 }
 
 void EditFavoriteDialog::setShowChooserTypes(bool show)
 {
-    showChooserTypes = show;
-    chooserFrame->setVisible(show);
+    m_showChooserTypes = show;
+    m_chooserFrame->setVisible(show);
 }
 
 void EditFavoriteDialog::applyTo(Favorite& favorite) const
 {
-    favorite.name = FavoritesFile::holdableName(nameEdit->text());
-    favorite.path = FavoritesFile::holdable(folderEdit->text());
-    favorite.iconPath = FavoritesFile::holdable(iconEdit->text());
-    favorite.tooltip = FavoritesFile::holdable(tooltipEdit->text());
+    favorite.name = FavoritesFile::holdableName(m_nameEdit->text());
+    favorite.path = FavoritesFile::holdable(m_folderEdit->text());
+    favorite.iconPath = FavoritesFile::holdable(m_iconEdit->text());
+    favorite.tooltip = FavoritesFile::holdable(m_tooltipEdit->text());
     favorite.type = FaveAll;
-    if (!showChooserTypes)
+    if (!m_showChooserTypes)
         return;
-    for (const auto& [type, box] : chooserTypes)
+    for (const auto& [type, box] : m_chooserTypes)
         favorite.type |= box->isChecked() ? type : 0;
     if (favorite.type == EveryTypeButSequence)
         favorite.type = FaveAll;

@@ -34,13 +34,13 @@ private:
     QLineEdit* createEdit(QGridLayout* grid, const char* name, const QString& label, const QString& text,
                           int row);
 
-    QLineEdit* nameEdit;
-    QLineEdit* folderEdit;
-    QFrame* chooserFrame;
-    QLineEdit* tooltipEdit;
-    QLineEdit* iconEdit;
-    std::map<int, QCheckBox*> chooserTypes; // by FaveType
-    bool showChooserTypes = true;
+    QLineEdit* m_nameEdit;
+    QLineEdit* m_folderEdit;
+    QFrame* m_chooserFrame;
+    QLineEdit* m_tooltipEdit;
+    QLineEdit* m_iconEdit;
+    std::map<int, QCheckBox*> m_chooserTypes; // by FaveType
+    bool m_showChooserTypes = true;
 };
 
 } // namespace Halvern::UI

@@ -11,7 +11,7 @@ namespace Halvern::UI {
 
 FavoritesList::FavoritesList(FavoritesProxy* proxy, QWidget* parent)
     : QListView(parent)
-    , favorites(proxy)
+    , m_favorites(proxy)
 {
     constexpr int IconSize = 16;
     setMouseTracking(true);
@@ -25,20 +25,20 @@ FavoritesList::FavoritesList(FavoritesProxy* proxy, QWidget* parent)
 
 void FavoritesList::setMenu(QMenu* menu, QAction* edit, QAction* remove)
 {
-    contextMenu = menu;
-    editAction = edit;
-    removeAction = remove;
+    m_menu = menu;
+    m_editAction = edit;
+    m_removeAction = remove;
 }
 
 void FavoritesList::contextMenuEvent(QContextMenuEvent* event)
 {
-    if (!contextMenu)
+    if (!m_menu)
         return;
-    const Favorite* current = favorites->favorite(currentIndex());
+    const Favorite* current = m_favorites->favorite(currentIndex());
     const bool editable = current && current->isEditable();
-    editAction->setEnabled(editable);
-    removeAction->setEnabled(editable);
-    contextMenu->popup(event->globalPos());
+    m_editAction->setEnabled(editable);
+    m_removeAction->setEnabled(editable);
+    m_menu->popup(event->globalPos());
 }
 
 void FavoritesList::focusInEvent(QFocusEvent* event)
@@ -50,7 +50,7 @@ void FavoritesList::focusInEvent(QFocusEvent* event)
 
 void FavoritesList::leaveEvent(QEvent* /*event*/)
 {
-    favorites->favoritesModel()->hover(-1);
+    m_favorites->favoritesModel()->hover(-1);
 }
 
 void FavoritesList::mousePressEvent(QMouseEvent* event)

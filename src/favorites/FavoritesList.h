@@ -34,10 +34,10 @@ protected:
     void mousePressEvent(QMouseEvent* event) override;
 
 private:
-    FavoritesProxy* favorites;
-    QMenu* contextMenu = nullptr;
-    QAction* editAction = nullptr;
-    QAction* removeAction = nullptr;
+    FavoritesProxy* m_favorites;
+    QMenu* m_menu = nullptr;
+    QAction* m_editAction = nullptr;
+    QAction* m_removeAction = nullptr;
 };
 
 } // namespace Halvern::UI

@@ -17,22 +17,22 @@ QString plainTooltip(const QString& text)
 
 FavoritesModel::FavoritesModel(const QList<Favorite>* list, const QColor* highlight, QObject* parent)
     : QAbstractListModel(parent)
-    , favorites(list)
-    , rows(*list)
-    , highlightColour(highlight)
+    , m_favorites(list)
+    , m_rows(*list)
+    , m_highlightColour(highlight)
 {
 }
 
 int FavoritesModel::rowCount(const QModelIndex& parent) const
 {
-    return parent.isValid() ? 0 : static_cast<int>(rows.size());
+    return parent.isValid() ? 0 : static_cast<int>(m_rows.size());
 }
 
 QVariant FavoritesModel::data(const QModelIndex& index, int role) const
 {
-    if (index.row() < 0 || index.row() >= rows.size())
+    if (index.row() < 0 || index.row() >= m_rows.size())
         return {};
-    const Favorite& favorite = rows.at(index.row());
+    const Favorite& favorite = m_rows.at(index.row());
     switch (role) {
     case Qt::DisplayRole:
         return favorite.name;
@@ -41,7 +41,7 @@ QVariant FavoritesModel::data(const QModelIndex& index, int role) const
     case Qt::ToolTipRole:
         return plainTooltip(favorite.tooltip.isEmpty() ? favorite.dir.path() : favorite.tooltip);
     case Qt::BackgroundRole:
-        return index.row() == hovered ? QVariant(*highlightColour) : QVariant();
+        return index.row() == m_hoveredRow ? QVariant(*m_highlightColour) : QVariant();
     default:
         return {};
     }
@@ -50,8 +50,8 @@ QVariant FavoritesModel::data(const QModelIndex& index, int role) const
 void FavoritesModel::resetModel()
 {
     beginResetModel();
-    rows = *favorites;
-    hovered = -1;
+    m_rows = *m_favorites;
+    m_hoveredRow = -1;
     endResetModel();
 }
 
@@ -62,7 +62,7 @@ void FavoritesModel::refreshModel(const QModelIndex& from, const QModelIndex& to
 
 void FavoritesModel::hover(int row)
 {
-    const QModelIndex left = index(hovered);
+    const QModelIndex left = index(m_hoveredRow);
     const QModelIndex entered = index(row);
     setHoveredRow(row);
     for (const QModelIndex& changed : {left, entered}) {
@@ -73,17 +73,17 @@ void FavoritesModel::hover(int row)
 
 int FavoritesModel::positionInList(const Favorite& record, int place) const
 {
-    if (place >= 0 && place < favorites->size() && favorites->at(place).isSame(record))
+    if (place >= 0 && place < m_favorites->size() && m_favorites->at(place).isSame(record))
         return place;
-    const auto found = std::find_if(favorites->cbegin(), favorites->cend(),
+    const auto found = std::find_if(m_favorites->cbegin(), m_favorites->cend(),
                                     [&](const Favorite& other) { return other.isSame(record); });
-    return found == favorites->cend() ? -1 : static_cast<int>(found - favorites->cbegin());
+    return found == m_favorites->cend() ? -1 : static_cast<int>(found - m_favorites->cbegin());
 }
 
 const Favorite* FavoritesModel::favorite(int row) const
 {
-    const int position = row < 0 || row >= rows.size() ? -1 : positionInList(rows.at(row), row);
-    return position < 0 ? nullptr : &favorites->at(position);
+    const int position = row < 0 || row >= m_rows.size() ? -1 : positionInList(m_rows.at(row), row);
+    return position < 0 ? nullptr : &m_favorites->at(position);
 }
 
 } // namespace Halvern::UI

@@ -29,13 +29,13 @@ public:
     void refreshModel(const QModelIndex& from, const QModelIndex& to);
 
     /// The row under the mouse, -1 for none. Setting it announces nothing.
-    int hoveredRow() const { return hovered; }
-    void setHoveredRow(int row) { hovered = row; }
+    int hoveredRow() const { return m_hoveredRow; }
+    void setHoveredRow(int row) { m_hoveredRow = row; }
     /// Sets the row under the mouse, and announces it and the one before it as changed.
     void hover(int row);
 
     /// What the row shows; it must be there.
-    const Favorite& shown(int row) const { return rows.at(row); }
+    const Favorite& shown(int row) const { return m_rows.at(row); }
     /// The favourite that the row shows, in the list itself; null where there is no such row, or where the
     /// favourite was removed or edited elsewhere in the meantime.
     const Favorite* favorite(int row) const;
@@ -44,10 +44,10 @@ public:
     int positionInList(const Favorite& record, int place) const;
 
 private:
-    const QList<Favorite>* favorites;
-    QList<Favorite> rows;
-    const QColor* highlightColour;
-    int hovered = -1;
+    const QList<Favorite>* m_favorites;
+    QList<Favorite> m_rows;
+    const QColor* m_highlightColour;
+    int m_hoveredRow = -1;
 };
 
 } // namespace Halvern::UI

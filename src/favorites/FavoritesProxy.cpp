@@ -6,28 +6,28 @@ namespace Halvern::UI {
 
 FavoritesProxy::FavoritesProxy(FavoritesModel* model, QObject* parent)
     : QSortFilterProxyModel(parent)
-    , favorites(model)
+    , m_favorites(model)
 {
     setSourceModel(model);
 }
 
 void FavoritesProxy::setFaveType(FaveType type)
 {
-    if (type == mask)
+    if (type == m_faveType)
         return;
-    mask = type;
+    m_faveType = type;
     invalidateFilter();
 }
 
 const Favorite* FavoritesProxy::favorite(const QModelIndex& index) const
 {
-    return favorites->favorite(sourceRow(index));
+    return m_favorites->favorite(sourceRow(index));
 }
 
 bool FavoritesProxy::filterAcceptsRow(int row, const QModelIndex& parent) const
 {
     return sourceModel() && row >= 0 && row < sourceModel()->rowCount(parent) &&
-           favorites->shown(row).isFor(mask);
+           m_favorites->shown(row).isFor(m_faveType);
 }
 
 } // namespace Halvern::UI

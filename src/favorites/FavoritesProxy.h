@@ -17,11 +17,11 @@ public:
     explicit FavoritesProxy(FavoritesModel* model, QObject* parent = nullptr);
 
     /// The bits of the browser's kind; FaveAll, the initial one, leaves only what every browser shows.
-    FaveType faveType() const { return mask; }
+    FaveType faveType() const { return m_faveType; }
     /// Filters afresh where the kind changes.
     void setFaveType(FaveType type);
 
-    FavoritesModel* favoritesModel() const { return favorites; }
+    FavoritesModel* favoritesModel() const { return m_favorites; }
     /// The row of the model behind an index of this proxy, -1 for an invalid one.
     int sourceRow(const QModelIndex& index) const { return mapToSource(index).row(); }
     /// The favourite behind an index of this proxy; null where there is none any more.
@@ -31,8 +31,8 @@ protected:
     bool filterAcceptsRow(int row, const QModelIndex& parent) const override;
 
 private:
-    FavoritesModel* favorites;
-    FaveType mask = FaveAll;
+    FavoritesModel* m_favorites;
+    FaveType m_faveType = FaveAll;
 };
 
 } // namespace Halvern::UI

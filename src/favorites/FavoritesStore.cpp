@@ -23,11 +23,6 @@ void printError(const char* format, const QString& path, int error)
     std::fprintf(stderr, format, fileName(path).c_str(), std::strerror(error));
 }
 
-bool hasName(const Favorite& favorite, const std::string& name)
-{
-    return favorite.name.toUtf8().toStdString() == name;
-}
-
 } // namespace
 
 FavoritesStore& FavoritesStore::instance()
@@ -262,7 +257,7 @@ void FavoritesStore::removeFolder(const std::string& name, int type, bool persis
     ensureInitialized();
     const auto found = std::find_if(m_list->begin(), m_list->end(), [&](const Favorite& favorite) {
         return favorite.persistent == persistent && (type == FaveAll || favorite.type == type) &&
-               hasName(favorite, name);
+               favorite.name.toUtf8().toStdString() == name;
     });
     if (found != m_list->end())
         m_list->erase(found);
@@ -293,17 +288,10 @@ void FavoritesStore::resolve(Favorite& favorite)
     const QString folder = m_evaluator ? m_evaluator->evaluate(favorite) : favorite.path;
     favorite.dir = QDir(folder);
     favorite.resolved = !folder.isEmpty();
-    favorite.icon = findIcon(favorite);
+    favorite.icon = favorite.isDrive ? CachedFileIconProvider::driveIcon()
+                                     : CachedFileIconProvider::iconOfFile(favorite.iconPath);
     if (favorite.icon.isNull())
-        favorite.icon = m_iconProvider.genericFolderIcon();
-}
-
-QIcon FavoritesStore::findIcon(const Favorite& favorite)
-{
-    if (favorite.isDrive)
-        return m_iconProvider.driveIcon();
-    const QIcon own = CachedFileIconProvider::iconOfFile(favorite.iconPath);
-    return own.isNull() ? m_iconProvider.folderIcon(favorite.dir.absolutePath()) : own;
+        favorite.icon = m_iconProvider.folderIcon(favorite.dir.absolutePath());
 }
 
 void FavoritesStore::resolveAll()

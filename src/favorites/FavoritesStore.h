@@ -93,7 +93,6 @@ private:
     QList<Favorite>::iterator findPersistent(const Favorite& favorite);
     void resolve(int first, int count);
     int insertionPoint(int rank) const;
-    QIcon findIcon(const Favorite& favorite);
 
     std::unique_ptr<QList<Favorite>> m_list;
     std::unique_ptr<FavoriteExpressionEvaluator> m_evaluator;
