@@ -1,5 +1,4 @@
-#include "browser/BrowserWindow.h"
-#include "dialog/FileDialog.h"
+#include "dialog/DialogWindow.h"
 #include "support/Faults.h"
 #include "support/SampleFiles.h"
 #include "support/Test.h"
@@ -87,75 +86,69 @@ private slots:
     void whatIsReadAgainStaysChosen()
     {
         QVERIFY(SampleFiles::make(m_folder->path(), {"a", "b", "c"}));
-        FileDialog dialog;
-        dialog.setMultipleSelections(true);
-        auto& list = show(dialog);
-        QTRY_COMPARE(names(list), (QStringList{"a", "b", "c"}));
-        for (const int row : {0, 2})
-            list.selectionModel()->setCurrentIndex(list.model()->index(row, 0),
-                                                   QItemSelectionModel::Select | QItemSelectionModel::Rows);
-        QVERIFY(button(dialog, "openButton").isEnabled());
+        const DialogWindow window(m_folder->path(), true);
+        QTRY_COMPARE(window.rows(), (QStringList{"a", "b", "c"}));
+        window.focusList();
+        window.select({"a", "c"});
+        QCOMPARE(window.buttons(), QString("ON"));
         delayEach("readdir", 50000);
-        QTest::keyClick(&list, Qt::Key_F5);
-        QVERIFY(!list.selectionModel()->hasSelection());
-        QTest::keyClick(&list, Qt::Key_Down);
-        for (const char* name : {"openButton", "nextButton"})
-            QVERIFY(!button(dialog, name).isEnabled());
-        QTest::keyClick(dialog.findChild<FilePathEdit*>(), Qt::Key_Return);
-        QVERIFY(dialog.isVisible());
+        QTest::keyClick(window.list(), Qt::Key_F5);
+        QVERIFY(!window.list()->selectionModel()->hasSelection());
+        QTest::keyClick(window.list(), Qt::Key_Down);
+        QCOMPARE(window.buttons(), QString("--"));
+        QTest::keyClick(window.edit(), Qt::Key_Return);
+        QVERIFY(window.dialog.isVisible());
         // Rows that are built in mid-read are those of some names only.
-        dialog.setSequencesEnabled(false);
-        QVERIFY(!button(dialog, "nextButton").isEnabled());
-        QTRY_COMPARE(dialog.selectedFiles(), (QStringList{path("a"), path("c")}));
-        QCOMPARE(list.currentIndex().data().toString(), QStringLiteral("c"));
-        QVERIFY(button(dialog, "openButton").isEnabled());
+        window.dialog.setSequencesEnabled(false);
+        QCOMPARE(window.buttons(), QString("--"));
+        QTRY_COMPARE(window.dialog.selectedFiles(), (QStringList{path("a"), path("c")}));
+        QCOMPARE(window.list()->currentIndex(), window.row("c"));
+        QVERIFY(window.open()->isEnabled());
 
         QVERIFY(QFile::remove(path("c")));
-        QTest::keyClick(&list, Qt::Key_F5);
-        QTRY_COMPARE(dialog.selectedFiles(), QStringList(path("a")));
+        QTest::keyClick(window.list(), Qt::Key_F5);
+        QTRY_COMPARE(window.dialog.selectedFiles(), QStringList(path("a")));
     }
 
     // Their names change with their range.
     void sequencesStayChosenWhenTheyGrow()
     {
         QVERIFY(SampleFiles::make(m_folder->path(), {"a.1.exr", "a.2.exr", "b.1.exr", "b.2.exr"}));
-        FileDialog dialog;
-        dialog.setSequencesEnabled(true);
-        dialog.setMultipleSelections(true);
-        auto& list = show(dialog);
-        QTRY_COMPARE(names(list), (QStringList{"a.#.exr 1-2", "b.#.exr 1-2"}));
+        const DialogWindow window(m_folder->path(), true);
+        QTRY_COMPARE(window.rows(), (QStringList{"a.#.exr 1-2", "b.#.exr 1-2"}));
+        window.focusList();
         delayEach("readdir", 20000);
-        QTest::keyClick(&list, Qt::Key_Down);
+        for (const Qt::Key key : {Qt::Key_End, Qt::Key_Home})
+            QTest::keyClick(window.list(), key);
         QVERIFY(SampleFiles::make(m_folder->path(), {"a.3.exr"}));
-        QTest::keyClick(&list, Qt::Key_F5);
-        QTRY_COMPARE(dialog.selectedFiles(), QStringList(path("a.#.exr 1-3")));
-        QTest::keyClick(&list, Qt::Key_Down, Qt::ShiftModifier);
+        QTest::keyClick(window.list(), Qt::Key_F5);
+        QTRY_COMPARE(window.dialog.selectedFiles(), QStringList(path("a.#.exr 1-3")));
+        QTest::keyClick(window.list(), Qt::Key_Down, Qt::ShiftModifier);
         QVERIFY(SampleFiles::make(m_folder->path(), {"b.4.exr", "b.5.exr"}));
-        QTest::keyClick(&list, Qt::Key_F5);
-        QTRY_COMPARE(dialog.selectedFiles(), (QStringList{path("a.#.exr 1-3"), path("b.#.exr 1-5")}));
+        QTest::keyClick(window.list(), Qt::Key_F5);
+        QTRY_COMPARE(window.dialog.selectedFiles(), (QStringList{path("a.#.exr 1-3"), path("b.#.exr 1-5")}));
         endFaults();
         // One row that becomes two leaves open which is meant.
-        QTest::mouseClick(dialog.findChild<QCheckBox*>("splitCheck"), Qt::LeftButton);
-        QTRY_COMPARE(names(list).size(), 3);
-        QCOMPARE(dialog.selectedFiles(), QStringList(path("a.#.exr 1-3")));
+        window.control<QCheckBox>("splitCheck")->click();
+        QTRY_COMPARE(window.rows().size(), 3);
+        QCOMPARE(window.dialog.selectedFiles(), QStringList(path("a.#.exr 1-3")));
     }
 
     void nextTakesNoParentInMidRead()
     {
         QVERIFY(QDir(m_folder->path()).mkdir("sub"));
-        FileDialog dialog;
-        dialog.setMultipleSelections(true);
-        dialog.setSelectionType(FileBrowser::SelectionType::Directories);
-        auto& list = show(dialog);
-        QTRY_COMPARE(names(list), QStringList("sub/"));
-        list.setCurrentIndex(list.model()->index(0, 0));
+        const DialogWindow window(m_folder->path(), true);
+        window.dialog.setSelectionType(FileBrowser::SelectionType::Directories);
+        QTRY_COMPARE(window.rows(), QStringList("sub/"));
+        window.select({"sub/"});
+        window.focusList();
         delayEach("readdir", 50000);
-        QTest::keyClick(&list, Qt::Key_F5);
-        QVERIFY(QMetaObject::invokeMethod(dialog.fileBrowser(), "nextClicked"));
-        QVERIFY(dialog.fileBrowser()->pickedFiles().isEmpty());
-        QTRY_VERIFY(button(dialog, "nextButton").isEnabled());
-        button(dialog, "nextButton").click();
-        QCOMPARE(dialog.fileBrowser()->pickedFiles(), QStringList(path("sub")));
+        QTest::keyClick(window.list(), Qt::Key_F5);
+        QVERIFY(QMetaObject::invokeMethod(window.dialog.fileBrowser(), "nextClicked"));
+        QVERIFY(window.dialog.fileBrowser()->pickedFiles().isEmpty());
+        QTRY_VERIFY(window.next()->isEnabled());
+        window.next()->click();
+        QCOMPARE(window.dialog.fileBrowser()->pickedFiles(), QStringList(path("sub")));
     }
 
     void typedRowBecomesCurrentWhenItIsListed()
@@ -163,18 +156,16 @@ private slots:
         QVERIFY(QDir(m_folder->path()).mkdir("sub"));
         QVERIFY(SampleFiles::make(path("sub"), {"only", "only.bak", "other"}));
         for (const char* name : {"only", "other"}) {
-            FileDialog dialog;
-            auto& list = show(dialog);
-            QTRY_COMPARE(names(list), QStringList("sub/"));
+            const DialogWindow window(m_folder->path());
+            QTRY_COMPARE(window.rows(), QStringList("sub/"));
             delayEach("readdir", 20000);
-            auto& edit = *dialog.findChild<FilePathEdit*>();
             QApplication::clipboard()->setText(path("sub/") + name);
-            edit.selectAll();
-            edit.paste();
-            QVERIFY(names(list) == QStringList(QString()) && !button(dialog, "openButton").isEnabled());
-            QTRY_VERIFY(list.selectionModel()->hasSelection());
-            QCOMPARE(list.currentIndex().data().toString(), QString(name));
-            QVERIFY(button(dialog, "openButton").isEnabled() && edit.text() == path("sub/") + name);
+            window.edit()->selectAll();
+            window.edit()->paste();
+            QVERIFY(window.rows() == QStringList(QString()) && window.buttons() == "--");
+            QTRY_VERIFY(window.list()->selectionModel()->hasSelection());
+            QCOMPARE(window.list()->currentIndex(), window.row(name));
+            QVERIFY(window.open()->isEnabled() && window.edit()->text() == path("sub/") + name);
             endFaults();
         }
     }
@@ -296,27 +287,6 @@ private:
     static void refresh(BrowserWindow& window)
     {
         QVERIFY(QMetaObject::invokeMethod(&window.browser, "refreshDirectory"));
-    }
-    static QPushButton& button(const FileDialog& dialog, const char* name)
-    {
-        return *dialog.findChild<QPushButton*>(QLatin1String(name));
-    }
-    static QStringList names(const QAbstractItemView& list)
-    {
-        QStringList texts;
-        for (int row = 0; row < list.model()->rowCount(); ++row)
-            texts.append(list.model()->index(row, 0).data().toString());
-        return texts;
-    }
-    // With the focus on the list.
-    QAbstractItemView& show(FileDialog& dialog) const
-    {
-        dialog.setDirectory(QDir(m_folder->path()), false, true);
-        dialog.show();
-        QApplication::setActiveWindow(&dialog);
-        auto& list = *dialog.findChild<FileBrowser::FilesList*>();
-        list.setFocus();
-        return list;
     }
 
     std::unique_ptr<QTemporaryDir> m_folder;

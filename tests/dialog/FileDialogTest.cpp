@@ -1,69 +1,16 @@
-#include "dialog/FileDialog.h"
-#include "browser/DirectoryModel.h"
-#include "browser/FilesList.h"
-#include "browser/ProxyModel.h"
+#include "dialog/DialogWindow.h"
 #include "support/SampleFiles.h"
 #include "support/Test.h"
 #include "widgets/AppSettings.h"
 #include "widgets/DisclosureButton.h"
-#include "widgets/FilePathEdit.h"
 
-#include <QApplication>
-#include <QComboBox>
 #include <QDragEnterEvent>
 #include <QMimeData>
-#include <QPushButton>
 #include <QWindow>
 #include <fstream>
 
 using namespace Halvern::UI;
 using SelectionType = FileBrowser::SelectionType;
-
-namespace {
-
-// A shown dialog with the parts that tests look at.
-struct Window
-{
-    explicit Window(const QString& folder)
-    {
-        dialog.setSequencesEnabled(true);
-        dialog.setDirectory(QDir(folder), false, true);
-        dialog.show();
-        QApplication::setActiveWindow(&dialog);
-    }
-    ~Window() { delete owned; }
-
-    QPushButton* open() const { return dialog.findChild<QPushButton*>(QStringLiteral("openButton")); }
-    QPushButton* next() const { return dialog.findChild<QPushButton*>(QStringLiteral("nextButton")); }
-    QComboBox* filter() const { return dialog.findChild<QComboBox*>(); }
-    // O and N where Open and Next are enabled.
-    QString buttons() const
-    {
-        return QString(open()->isEnabled() ? 'O' : '-') + (next()->isEnabled() ? 'N' : '-');
-    }
-    FilePathEdit* edit() const { return dialog.findChild<FilePathEdit*>(); }
-    FileBrowser::FilesList* list() const { return dialog.findChild<FileBrowser::FilesList*>(); }
-    FileBrowser::ProxyModel* rows() const { return dialog.findChild<FileBrowser::ProxyModel*>(); }
-    QStringList names() const
-    {
-        QStringList texts;
-        for (int row = 0; row < rows()->rowCount(); ++row)
-            texts.append(rows()->index(row, 0).data().toString());
-        return texts;
-    }
-    void select(const QStringList& texts) const
-    {
-        list()->clearSelection();
-        for (const QString& text : texts)
-            list()->selectionModel()->select(rows()->index(int(names().indexOf(text)), 0),
-                                             QItemSelectionModel::Select | QItemSelectionModel::Rows);
-    }
-
-    const QPointer<FileDialog> owned = new FileDialog(nullptr, "Import", nullptr);
-    FileDialog& dialog = *owned;
-};
-
-} // namespace
 
 class FileDialogTest : public Test
 {
@@ -92,10 +39,10 @@ private slots:
             {SelectionType::FilesAndDirectories, {"!sub"}, "O-ONO-ON"},
             {SelectionType::FilesAndDirectories, {"a", "sub/"}, "--ONO-ON"}};
         for (const auto& [type, selected, expected] : rows) {
-            Window window(m_folder->path());
+            DialogWindow window(m_folder->path());
             window.dialog.setSelectionType(type);
             window.dialog.setMultipleSelections(true);
-            QTRY_COMPARE(window.names(), (QStringList{"a", "b", "sub/"}));
+            QTRY_COMPARE(window.rows(), (QStringList{"a", "b", "sub/"}));
             if (selected.first().startsWith(QLatin1Char('!')))
                 window.edit()->setText(path(selected.first().mid(1)));
             else
@@ -113,7 +60,7 @@ private slots:
 
     void buttonsFollowTheRows()
     {
-        Window window(m_folder->path());
+        DialogWindow window(m_folder->path());
         window.dialog.setMultipleSelections(true);
         // What is used while "a" is selected and under the mouse. Into the filter box "z" is typed.
         const char* const uses[][3] = {{"splitCheck", "click", "ON"},     {"sequencesCheck", "click", "ON"},
@@ -123,9 +70,9 @@ private slots:
         for (const auto& [name, slot, expected] : uses) {
             window.edit()->setText(path({}));
             window.filter()->clearEditText();
-            QTRY_COMPARE(window.names(), (QStringList{"a", "b", "sub/"}));
+            QTRY_COMPARE(window.rows(), (QStringList{"a", "b", "sub/"}));
             window.select({"a"});
-            const QModelIndex a = window.rows()->mapToSource(window.rows()->index(0, 0));
+            const QModelIndex a = window.proxy()->mapToSource(window.proxy()->index(0, 0));
             window.dialog.findChild<FileBrowser::DirectoryModel*>()->setHoveredRow(a.row());
             QCOMPARE(window.buttons(), QString("ON"));
             if (*slot)
@@ -140,8 +87,8 @@ private slots:
     void buttonsFollowTheCalls()
     {
         QVERIFY(QDir(path("sub")).mkdir("a"));
-        Window window(m_folder->path());
-        QTRY_COMPARE(window.names(), (QStringList{"a", "b", "sub/"}));
+        DialogWindow window(m_folder->path());
+        QTRY_COMPARE(window.rows(), (QStringList{"a", "b", "sub/"}));
         window.select({"a"});
         window.dialog.setMultipleSelections(true);
         QCOMPARE(window.buttons(), QString("ON"));
@@ -169,7 +116,7 @@ private slots:
         window.dialog.setSelectionType(SelectionType::Files);
         window.dialog.setFilterBlock(false); // setFilename() has set it
         window.dialog.setDirectory(QDir(m_folder->path()), false, true);
-        QTRY_COMPARE(window.names(), (QStringList{"a", "b", "sub/"}));
+        QTRY_COMPARE(window.rows(), (QStringList{"a", "b", "sub/"}));
         window.select({"a"});
         window.dialog.setDirectory(QDir(path("sub")), true, false);
         QCOMPARE(window.buttons(), QString("ON"));
@@ -178,7 +125,7 @@ private slots:
         AppSettings().setValue("FileBrowser/render/directory", path("sub/a"));
         window.dialog.buildSettingsNamespace("render");
         QCOMPARE(window.buttons(), QString("--"));
-        QTRY_COMPARE(window.names(), QStringList());
+        QTRY_COMPARE(window.rows(), QStringList());
         QCOMPARE(window.edit()->text(), path("sub/a/"));
         window.dialog.buildSettingsNamespace("/");
     }
@@ -208,11 +155,10 @@ private slots:
 
     void closesByTheMouse()
     {
-        Window window(m_folder->path());
-        QTRY_COMPARE(window.names().size(), 3);
-        const QPoint place = window.list()->visualRect(window.rows()->index(0, 0)).center();
-        QTest::mouseClick(window.list()->viewport(), Qt::LeftButton, {}, place);
-        QTest::mouseDClick(window.list()->viewport(), Qt::LeftButton, {}, place);
+        DialogWindow window(m_folder->path());
+        QTRY_COMPARE(window.rows().size(), 3);
+        window.clickRow("a");
+        QTest::mouseDClick(window.list()->viewport(), Qt::LeftButton, {}, window.place("a"));
         QCOMPARE(window.dialog.result(), int(QDialog::Accepted));
         window.dialog.show();
         window.dialog.findChild<QPushButton*>(QStringLiteral("cancelButton"))->click();
@@ -235,7 +181,7 @@ private slots:
     void previewGivesTheSizeBack()
     {
         expectWarning(QStringLiteral("No such slot QWidget::fileSelected"));
-        Window window(m_folder->path());
+        DialogWindow window(m_folder->path());
         window.dialog.resize(900, 500);
         auto* preview = new QWidget;
         preview->setMinimumHeight(400);
@@ -291,7 +237,7 @@ private slots:
 
     void takesOneDroppedFile()
     {
-        Window window(m_folder->path());
+        DialogWindow window(m_folder->path());
         const QUrl file = QUrl::fromLocalFile(path(QStringLiteral("sub/dropped")));
         QVERIFY(!drop(window, {file, file}));
         QVERIFY(!drop(window, {QUrl(QStringLiteral("https://example.org/a.exr"))}));
@@ -309,7 +255,7 @@ private slots:
         QVERIFY(SampleFiles::makeFrames(shots, "bg.%02d.exr", 1, 9));
         QVERIFY(SampleFiles::makeFrames(shots, "fg.%02d.exr", 1, 9));
 
-        Window window(m_folder->path());
+        DialogWindow window(m_folder->path());
         window.dialog.setMultipleSelections(true);
         const auto press = [&](Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
             QTest::keyClick(window.dialog.windowHandle(), key, modifiers);
@@ -319,12 +265,12 @@ private slots:
                 press(Qt::Key_Backtab, Qt::ShiftModifier);
             return QApplication::focusWidget() == wanted;
         };
-        QTRY_COMPARE(window.names().size(), 4);
+        QTRY_COMPARE(window.rows().size(), 4);
         for (const Qt::Key key : {Qt::Key_S, Qt::Key_H, Qt::Key_Tab})
             press(key);
         QCOMPARE(window.edit()->text(), shots + '/');
         const QStringList names{"010/", "bg.##.exr 1-9", "fg.##.exr 1-9"};
-        QTRY_COMPARE(window.names(), names);
+        QTRY_COMPARE(window.rows(), names);
 
         QVERIFY(focusByTab(window.list()));
         press(Qt::Key_End);
@@ -332,7 +278,7 @@ private slots:
         press(Qt::Key_Down, Qt::ControlModifier);
         QCOMPARE(window.dialog.directory().path(), shots + "/010");
         press(Qt::Key_Backspace);
-        QTRY_COMPARE(window.names(), names);
+        QTRY_COMPARE(window.rows(), names);
 
         for (int row = 1; row <= 2; ++row) {
             press(Qt::Key_Home);
@@ -359,17 +305,16 @@ private slots:
                                            {"filenameEdit", Qt::Key_Return},
                                            {"filesList", Qt::Key_Escape},
                                            {"filesList", DoubleClick}}) {
-            const Window window(m_folder->path());
-            QTRY_COMPARE(window.names().size(), 3);
+            const DialogWindow window(m_folder->path());
+            QTRY_COMPARE(window.rows().size(), 3);
             window.open()->setEnabled(true);
             for (const char* signal : {SIGNAL(accepted()), SIGNAL(rejected()), SIGNAL(finished(int))})
                 connect(&window.dialog, signal, &window.dialog, SLOT(deleteLater()));
-            const QPoint place = window.list()->visualRect(window.rows()->index(0, 0)).center();
-            QTest::mouseClick(window.list()->viewport(), Qt::LeftButton, {}, place);
+            window.clickRow("a");
             auto* widget = window.dialog.findChild<QWidget*>(control);
             widget->setFocus();
             if (key == DoubleClick)
-                QTest::mouseDClick(window.list()->viewport(), Qt::LeftButton, {}, place);
+                QTest::mouseDClick(window.list()->viewport(), Qt::LeftButton, {}, window.place("a"));
             else
                 QTest::keyClick(widget, key);
             QTRY_VERIFY2(!window.owned, control);
@@ -380,7 +325,7 @@ private:
     static constexpr auto DoubleClick = static_cast<Qt::Key>(0);
 
     QString path(const QString& name) const { return m_folder->path() + '/' + name; }
-    static bool drop(Window& window, const QList<QUrl>& urls)
+    static bool drop(DialogWindow& window, const QList<QUrl>& urls)
     {
         QMimeData data;
         data.setUrls(urls);
