@@ -144,7 +144,7 @@ void FileBrowser::removeFavorite()
     box->setTextFormat(Qt::PlainText);
     box->setDefaultButton(QMessageBox::Yes);
     const bool confirmed = box->exec() == QMessageBox::Yes;
-    // It is gone with the browser where the host closed that in the meantime.
+    // The host may have closed the browser in the meantime, and the box with it.
     if (!box)
         return;
     delete box;

@@ -224,7 +224,7 @@ void FileBrowser::newFolder()
         auto* box = new QMessageBox(QMessageBox::Warning, tr("New Folder"), tr("Can't create folder ") + name,
                                     QMessageBox::Ok, this);
         box->setTextFormat(Qt::PlainText);
-        // It is gone with the browser where the host closed that in the meantime.
+        // The host may have closed the browser in the meantime, and the box with it.
         box->setAttribute(Qt::WA_DeleteOnClose);
         box->exec();
         return;

@@ -5,8 +5,8 @@
 
 namespace Halvern::UI {
 
-/// The directories that a browser went to, with a cursor at the present one: those after it are where
-/// "forward" leads.
+/// The directories that a browser went to, with a cursor at the present one. "Forward" goes to those after
+/// it.
 class History
 {
 public:

@@ -24,7 +24,7 @@ public:
     /// Shows or hides the boxes for the kinds of browser (default: shown).
     void setShowChooserTypes(bool show);
     /// Puts what was typed into @p favorite, changed to what the favourites file can hold. The type is made
-    /// of the checked boxes: 0, for every browser, where the boxes are hidden, none is checked, or all but
+    /// of the checked boxes: 0, for every browser, if the boxes are hidden, none is checked, or all but
     /// "sequence browser:" are.
     void applyTo(Favorite& favorite) const;
 

@@ -48,12 +48,12 @@ struct HVCOREUI_EXPORT Favorite
     bool isFor(int mask) const { return type == FaveAll || (type & mask) != 0; }
     /// Whether the user may edit or remove it.
     bool isEditable() const { return persistent && !isDrive; }
-    /// Whether there is a folder to go to: false until it is resolved, and where nothing came of its path.
+    /// Whether there is a folder to go to: false until it is resolved, and if its path gave none.
     bool hasFolder() const;
     /// Whether it is the same record; folder and icon, which follow from the rest, are not looked at.
     bool isSame(const Favorite& other) const;
 
-    QString path;    ///< As it is stored; an expression where the host has an evaluator for them.
+    QString path;    ///< As it is stored; an expression if the host has an evaluator for them.
     QString name;    ///< As it is shown.
     QString keyText; ///< Carried for the host, never shown.
     QString iconPath;
@@ -66,7 +66,7 @@ struct HVCOREUI_EXPORT Favorite
     QIcon icon;
     bool isDrive;
     bool persistent;       ///< Written to the favourites file.
-    bool resolved = false; ///< Whether dir is the folder that came of the path.
+    bool resolved = false; ///< Whether dir is the folder that the path gave.
 };
 
 /// Turns the stored path of a favourite into the folder that is opened. A host derives from it to expand path

@@ -18,7 +18,7 @@ FavoritesList::FavoritesList(FavoritesProxy* proxy, QWidget* parent)
     setItemDelegate(new LegibleDelegate(this));
     // Platforms have larger icons for some folders than for others.
     setIconSize(QSize(IconSize, IconSize));
-    // Asking every row for its size would take seconds where there are ten thousand.
+    // Asking ten thousand rows for their sizes would take seconds.
     setUniformItemSizes(true);
     setModel(proxy);
 }

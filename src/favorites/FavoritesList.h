@@ -19,7 +19,7 @@ public:
     /// Shows @p proxy, which it does not own.
     explicit FavoritesList(FavoritesProxy* proxy, QWidget* parent = nullptr);
 
-    /// The context menu. Before it opens, @p edit and @p remove are enabled only where the current favourite
+    /// The context menu. Before it opens, @p edit and @p remove are enabled only if the current favourite
     /// can be edited. Nothing is owned.
     void setMenu(QMenu* menu, QAction* edit, QAction* remove);
 

@@ -20,7 +20,7 @@ public:
     FavoritesModel(const QList<Favorite>* list, const QColor* highlight, QObject* parent = nullptr);
 
     int rowCount(const QModelIndex& parent = QModelIndex()) const override;
-    /// Name, icon, tooltip (the folder where the favourite has none) and the highlight of the hovered row.
+    /// Name, icon, tooltip (the folder if the favourite has none) and the highlight of the hovered row.
     QVariant data(const QModelIndex& index, int role = Qt::DisplayRole) const override;
 
     /// Takes over what the list holds by now. No row is hovered after it.
@@ -36,11 +36,11 @@ public:
 
     /// What the row shows; it must be there.
     const Favorite& shown(int row) const { return m_rows.at(row); }
-    /// The favourite that the row shows, in the list itself; null where there is no such row, or where the
+    /// The favourite that the row shows, in the list itself; null if there is no such row, or if the
     /// favourite was removed or edited elsewhere in the meantime.
     const Favorite* favorite(int row) const;
-    /// Where the list holds @p record by now, -1 for nowhere. Of several equal ones it is the one in
-    /// @p place, where it was before, or else the first.
+    /// The position of @p record in the list, -1 if it is not there any more. Of several equal ones it is the
+    /// one at @p place, its position before, or else the first.
     int positionInList(const Favorite& record, int place) const;
 
 private:

@@ -18,13 +18,13 @@ public:
 
     /// The bits of the browser's kind; FaveAll, the initial one, leaves only what every browser shows.
     FaveType faveType() const { return m_faveType; }
-    /// Filters afresh where the kind changes.
+    /// Filters again if the kind changes.
     void setFaveType(FaveType type);
 
     FavoritesModel* favoritesModel() const { return m_favorites; }
-    /// The row of the model behind an index of this proxy, -1 for an invalid one.
+    /// The row of the model for an index of this proxy, -1 for an invalid one.
     int sourceRow(const QModelIndex& index) const { return mapToSource(index).row(); }
-    /// The favourite behind an index of this proxy; null where there is none any more.
+    /// The favourite of an index of this proxy; null if there is none any more.
     const Favorite* favorite(const QModelIndex& index) const;
 
 protected:

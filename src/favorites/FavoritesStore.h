@@ -64,7 +64,7 @@ public:
     /// favourite is not resolved.
     void addFolder(const std::string& name, const std::string& keyText, const std::string& path,
                    const std::string& iconPath, const std::string& tooltip, int flags, bool persist);
-    /// Inserts a copy where it belongs, duplicate or not.
+    /// Inserts a copy at the place of its rank, duplicate or not.
     void add(const Favorite& favorite);
     /// Removes the first favourite of that name that is as persistent as @p persistent says; with a @p type
     /// other than 0 it must have that type. None: nothing happens.

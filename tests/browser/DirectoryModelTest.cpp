@@ -326,7 +326,7 @@ private slots:
         QTRY_COMPARE(window.rows().size(), 12);
         for (const QString& name : window.rows()) {
             window.clickRow(name);
-            // A link to the folder that it is in leads nowhere.
+            // A link to its own folder changes nothing.
             if (name.endsWith('/') && name != "loop/") {
                 QTRY_COMPARE(window.rows(), QStringList("x.#.exr 1-2"));
                 window.clickRow("x.#.exr 1-2");

@@ -204,7 +204,7 @@ private slots:
         QTest::keyClick(window.edit(), Qt::Key_Backspace);
         QVERIFY(says(QString()) && window.rows().size() == 2);
 
-        // The rows stay where the folder can't be opened again, or is away for a moment.
+        // The rows stay if the folder can't be opened again, or is away for a moment.
         fail("opendir", EIO);
         refresh(window);
         QCOMPARE(problem(), QStringLiteral("Not all of this folder could be read: input/output error"));
