@@ -15,6 +15,7 @@
 #include <QLineEdit>
 #include <QSettings>
 #include <QTemporaryDir>
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
@@ -161,9 +162,8 @@ int main(int argc, char** argv)
     for (std::size_t i = 0; i < std::size(rows); ++i)
         holds &= printVerdict(rows[i].name, median(times[i]), rows[i].limit);
     list.queue(QueuedRows);
-    std::vector<double> paints;
-    for (int round = 0; round < rounds; ++round)
-        paints.push_back(list.timePaint());
+    std::vector<double> paints(static_cast<std::size_t>(rounds));
+    std::generate(paints.begin(), paints.end(), [&] { return list.timePaint(); });
     holds &= printVerdict("paint, 20,000 rows in the pick list", median(paints), 2);
     return holds ? 0 : 1;
 }
