@@ -22,6 +22,9 @@ set(COREUI_PUBLIC_HEADERS
     frames/FrameRanges.h
     paths/Filename.h
     paths/Path.h
+    pictures/Picture.h
+    pictures/PictureCache.h
+    pictures/PictureReader.h
     widgets/AppSettings.h
     widgets/DisclosableWidget.h
     widgets/DisclosureButton.h

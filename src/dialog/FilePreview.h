@@ -1,10 +1,13 @@
 #pragma once
 
 #include "base/Export.h"
+#include "frames/FrameRanges.h"
 
 #include <QDir>
 #include <QString>
+#include <QTimer>
 #include <QWidget>
+#include <optional>
 
 class FrameSlider;
 class QLabel;
@@ -12,17 +15,27 @@ class QLabel;
 namespace Halvern::UI {
 
 class FileInfo;
+class Playback;
+class PreviewPictures;
+struct Picture;
 
-/// A pane that stands below a file browser and follows its selection: it finds the file that stands for it,
-/// for a sequence the frame of its own slider, and says "No preview available." where that file is missing or
-/// of a kind that is never shown.
+/// A pane that stands below a file browser and shows the picture of what is selected: that of a file, or of
+/// the frame of a sequence that its own slider chooses.
 ///
 /// It is made for FileBrowser::setPreviewWidget(), starts hidden, and looks at the disk only while it is
-/// visible: what was selected before is looked at when it is shown. Its slider has no in and out marks, and
-/// shows the range of the sequence that was selected last, until its user zooms or its host calls
-/// updateRange(); its head stays. A frame outside a sequence's range counts as the nearest inside, without
-/// moving the slider. GUI thread only; its controls are found by objectName: "preview" is the drawing
-/// surface, "label" the status text, "slider" the slider.
+/// visible: what was selected before is looked at when it is shown. PictureReader reads the pictures; while
+/// the pane is hidden it has no process and keeps no picture. The picture before stays until the next one is
+/// read. The label is empty until then, and then says what is shown, or why nothing is: "No preview
+/// available." if the file is missing or of a kind that is never shown.
+///
+/// The slider has no in and out marks. It shows the range of the sequence that was selected last, until its
+/// user zooms or its host calls updateRange(); its head stays. A frame outside a sequence's range counts as
+/// the nearest inside, without moving the slider. Its row of cached frames has those that are shown at once.
+/// While the slider has the focus, Space plays the frames in view at the rate that the file says, or 24 a
+/// second, again and again, and stops it.
+///
+/// GUI thread only; its controls are found by objectName: "preview" is the drawing surface, "label" the
+/// status text, "slider" the slider.
 class HVCOREUI_EXPORT FilePreview : public QWidget
 {
     Q_OBJECT
@@ -38,7 +51,7 @@ public:
     const QString& path() const { return m_path; }
     /// The frame that is shown, within the range of a sequence.
     int frame() const { return m_frame; }
-    /// The file that is shown, of @p path "/shots/img.####.exr 1-100" perhaps "/shots/img.0007.exr"; empty
+    /// The file of that frame, of @p path "/shots/img.####.exr 1-100" perhaps "/shots/img.0007.exr"; empty
     /// while there is no preview.
     const QString& file() const { return m_file; }
 
@@ -55,18 +68,37 @@ public slots:
 protected slots:
     void showEvent(QShowEvent* event) override;
 
+protected:
+    void hideEvent(QHideEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
 private:
-    void select(const QString& path);
+    void select(const QString& path, const Base::FrameRanges& present);
     void showSelection();
     void noPreview(bool resetSlider);
+    void readPicture();
+    void showPicture(const Picture& picture);
+    void showReason(const QString& reason);
+    void say(const QString& text);
+    void markCachedFrames();
+    void togglePlayback();
+    void playFrame(int frame);
 
     int m_hostValue;
     Preview* m_preview;
     FrameSlider* m_slider;
     QLabel* m_label;
+    PreviewPictures* m_pictures;
+    Playback* m_playback;
+    QTimer m_reading; // until the label and the surface say that a picture is being read
+    QTimer m_request; // reads when the events at hand, perhaps a change of size, are handled
     QString m_path;
+    Base::FrameRanges m_present; // the frames of a sequence with gaps
     int m_frame = 0;
     QString m_file;
+    std::optional<int> m_lastFrame; // was read before, of the same selection
+    qint64 m_step = 0;              // from the frame before it, in the direction in which it is scrubbed
+    double m_rate = 0;              // of the picture that is shown, 0 if its file does not say
 };
 
 } // namespace Halvern::UI

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QImage>
+#include <QMetaType>
 #include <QRect>
 #include <QSize>
 #include <QString>
@@ -49,3 +50,5 @@ struct Picture : PictureDescription
 };
 
 } // namespace Halvern::UI
+
+Q_DECLARE_METATYPE(Halvern::UI::Picture)

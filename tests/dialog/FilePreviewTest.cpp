@@ -2,6 +2,8 @@
 #include "browser/BrowserWindow.h"
 #include "catalogue/FileInfo.h"
 #include "dialog/FCPreviewInfo.h"
+#include "dialog/Preview.h"
+#include "dialog/PreviewText.h"
 #include "support/SampleFiles.h"
 #include "support/Test.h"
 #include "widgets/DisclosureButton.h"
@@ -17,6 +19,8 @@ class FilePreviewTest : public Test
     Q_OBJECT
 
 private slots:
+    void init() { qputenv("COREUI_PICTURES", FAKE_PICTURES); }
+
     void namesTheFile()
     {
         const std::tuple<const char*, int, const char*> rows[] = {
@@ -100,6 +104,122 @@ private slots:
         QVERIFY(QFile::remove(pane->file()));
         pane->gotoFrame(7);
         QCOMPARE(state(*pane), QStringLiteral(" No preview available. 24"));
+    }
+
+    void saysWhatIsShown()
+    {
+        Picture picture;
+        picture.fullSize = QSize(1920, 1080);
+        picture.depth = QStringLiteral("half float");
+        picture.path = QStringLiteral("/a/shot1.0042.exr");
+        const std::tuple<QStringList, double, const char*, const char*> rows[] = {
+            {{"R", "G", "B", "A"},
+             1,
+             "/a/shot1.####.exr 1-100 ( 1-50 53-100 )",
+             "1920 x 1080, half float RGBA, frame 42 of 1-100, 2 frames missing"},
+            {{"R", "G", "x.R", "x.G"},
+             2,
+             "/a/shot1.%04d.exr 42-43",
+             "1920 x 1080, pixel aspect 2, half float RG and 2 more channels, frame 42 of 42-43"},
+            {{"z.Z"}, 1, "/a/shot1.0042.exr", "1920 x 1080, half float z.Z"},
+        };
+        for (const auto& [channels, aspect, selected, wanted] : rows) {
+            picture.channels = channels;
+            picture.pixelAspect = aspect;
+            QCOMPARE(PreviewText::describe(picture, selected, PreviewText::runsOf(selected)),
+                     QString(wanted));
+        }
+        const std::set<int> frames = {-3, 7, 123};
+        QCOMPARE(PreviewText::framesAmong({"/a1/f2.07.x", "/a1/f2.0-3.x", "/a1/f2.123.x", "/a1/f2.7.x", "",
+                                           "/a1/f2..x", "/a1/f3.07.x"},
+                                          "/a1/f2.##.x"),
+                 frames);
+    }
+
+    void showsPictures()
+    {
+        const QTemporaryDir folder;
+        QVERIFY(SampleFiles::make(folder.path(), {"good", "clear", "slow", "broken"}));
+        FilePreview pane(nullptr, 3);
+        auto& surface = *pane.findChild<FilePreview::Preview*>();
+        const auto& label = *pane.findChild<QLabel*>(QStringLiteral("label"));
+        const auto painted = [&] { return surface.grab().toImage(); };
+        const auto centre = [&] { return qRed(painted().pixel(painted().rect().center())); };
+        const auto show = [&](const char* name) {
+            pane.fileSelected(FileInfo(name, false), QDir(folder.path()));
+            QCOMPARE(label.text(), QString());
+        };
+        show("good"); // while hidden
+        pane.show();
+        QTRY_VERIFY(label.text().startsWith("1920 x 1080, half float RGBA, ACEScg"));
+        if (!surface.isValid())
+            QSKIP("no OpenGL");
+        QCOMPARE(centre(), 200);
+        QCOMPARE(qRed(painted().pixel(1, 1)), surface.width() * 9 > surface.height() * 16 ? 0 : 200);
+
+        show("slow");
+        QCOMPARE(centre(), 200); // of the one before
+        QTest::qWait(300);
+        const QImage marked = painted();
+        QTRY_VERIFY(!label.text().isEmpty());
+        QVERIFY(painted() != marked);
+
+        show("clear");
+        QTRY_VERIFY(!label.text().isEmpty());
+        QVERIFY(centre() == 40 || centre() == 56);
+        pane.resize(pane.size() * 1.3);
+        show("broken");
+        QTRY_COMPARE(label.text(), QStringLiteral("The file is broken."));
+        QCOMPARE(centre(), 0);
+        show("good");
+        QTRY_COMPARE(centre(), 200);
+        pane.previewFile(nullptr);
+        QCOMPARE(label.text(), QString());
+        QCOMPARE(centre(), 0);
+    }
+
+    void scrubsAndPlays()
+    {
+        const QTemporaryDir folder;
+        QVERIFY(SampleFiles::makeFrames(folder.path(), "shot.%04d.exr", 1, 20));
+        QVERIFY(QFile::remove(folder.filePath(QStringLiteral("shot.0009.exr"))));
+        FrameSlider::SetCacheframeColour(0x123456ff);
+        FilePreview pane(nullptr, 3);
+        auto& slider = *pane.findChild<FrameSlider*>();
+        const auto& label = *pane.findChild<QLabel*>(QStringLiteral("label"));
+        const auto cached = [&](int frame) {
+            const QImage shown = slider.grab().toImage();
+            for (int y = 0; y < shown.height(); ++y) {
+                if (shown.pixel(slider.valueToMouse(frame) + 1, y) == qRgb(0x12, 0x34, 0x56))
+                    return true;
+            }
+            return false;
+        };
+        pane.show();
+        pane.previewFile(
+            folder.filePath(QStringLiteral("shot.####.exr 1-20 ( 1-8 10-20 )")).toUtf8().constData());
+        QTRY_VERIFY(label.text().endsWith("frame 1 of 1-20, 1 frame missing"));
+        slider.setFocus();
+        for (int frame = 2; frame <= 3; ++frame) {
+            QTest::keyClick(&slider, Qt::Key_Right);
+            QTRY_VERIFY(label.text().contains(QStringLiteral("frame %1 of").arg(slider.value())));
+        }
+        QTRY_VERIFY(cached(6)); // read ahead
+        QVERIFY(cached(1) && !cached(7));
+        slider.setValue(9);
+        pane.gotoFrame(9);
+        QCOMPARE(label.text(), QStringLiteral("No preview available."));
+
+        QTest::keyClick(&slider, Qt::Key_Space);
+        QTRY_VERIFY(slider.value() > 12);
+        QTRY_VERIFY(slider.value() < 8); // again from the first on
+        QTest::keyClick(&slider, Qt::Key_Space);
+        const int stopped = slider.value();
+        QTRY_VERIFY(label.text().contains(QStringLiteral("frame %1 of").arg(stopped)));
+        QTest::qWait(100);
+        QCOMPARE(slider.value(), stopped);
+        pane.hide();
+        QVERIFY(!cached(1));
     }
 
 private:
