@@ -86,7 +86,6 @@ struct Options
     bool expanded = false;
     bool multiple = false;
     bool directories = false;
-    bool preview = false;
     QString screenshot;
     QString filter;
     QString directory;
@@ -107,13 +106,12 @@ std::optional<int> parse(const QStringList& arguments, Options& options)
     const QCommandLineOption expanded(text("expanded"), text("List every frame of a sequence."));
     const QCommandLineOption multiple(text("multiple"), text("Choose several files."));
     const QCommandLineOption directories(text("directories"), text("Choose directories."));
-    const QCommandLineOption preview(text("preview"), text("Show a preview of what is selected."));
     const QCommandLineOption otherwise(text("default"), text("The directory to open where none is named."),
                                        text("DIRECTORY"), text("."));
     QCommandLineParser parser;
     parser.setApplicationDescription(text("Opens the file dialog and prints the chosen paths."));
     const QCommandLineOption help = parser.addHelpOption();
-    parser.addOptions({list, screenshot, filter, expanded, multiple, directories, preview, otherwise});
+    parser.addOptions({list, screenshot, filter, expanded, multiple, directories, otherwise});
     parser.addPositionalArgument(text("directory"), text("The directory to open."), text("[DIRECTORY]"));
 
     const bool understood = parser.parse(arguments);
@@ -130,7 +128,6 @@ std::optional<int> parse(const QStringList& arguments, Options& options)
     options.expanded = parser.isSet(expanded);
     options.multiple = parser.isSet(multiple);
     options.directories = parser.isSet(directories);
-    options.preview = parser.isSet(preview);
     options.screenshot = parser.value(screenshot);
     options.filter = parser.value(filter);
     options.directory = named.isEmpty() ? parser.value(otherwise) : named.first();
@@ -154,10 +151,9 @@ void configure(FileDialog& dialog, const Options& options)
         QStringList patterns(options.filter);
         dialog.setFilters(patterns, false);
     }
-    if (options.preview) {
-        dialog.setPreviewWidget(new FilePreview(&dialog, 0));
-        dialog.findChild<QAbstractButton*>(QStringLiteral("previewButton"))->setChecked(true);
-    }
+    // Open, unless the user's settings, which the dialog reads next, say otherwise.
+    dialog.findChild<QAbstractButton*>(QStringLiteral("previewButton"))->setChecked(true);
+    dialog.setPreviewWidget(new FilePreview(&dialog, 0));
     dialog.setDirectory(QDir(options.directory), false, false);
 }
 
