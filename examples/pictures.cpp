@@ -9,6 +9,7 @@
 #include <QApplication>
 #include <QComboBox>
 #include <QElapsedTimer>
+#include <QLabel>
 #include <QLineEdit>
 #include <QMouseEvent>
 #include <QPalette>
@@ -18,6 +19,7 @@
 #include <QTreeView>
 #include <QVBoxLayout>
 #include <cstdio>
+#include <tuple>
 
 using Halvern::UI::FileBrowser;
 using Halvern::UI::FileDialog;
@@ -25,13 +27,26 @@ using Halvern::UI::FilePreview;
 
 namespace {
 
-// Lets the window list its directory and paint.
+// A preview shows a file that it has not read.
+bool isReading()
+{
+    for (QWidget* widget : QApplication::allWidgets()) {
+        const auto* preview = qobject_cast<FilePreview*>(widget);
+        if (preview && preview->isVisible() && !preview->file().isEmpty() &&
+            preview->findChild<QLabel*>(QStringLiteral("label"))->text().isEmpty())
+            return true;
+    }
+    return false;
+}
+
+// Lets the window list its directory, read its picture, and paint.
 void settle()
 {
-    constexpr int ListingTime = 500; // milliseconds
+    constexpr int ListingTime = 500;  // milliseconds
+    constexpr int ReadingTime = 5000; // milliseconds
     QElapsedTimer timer;
     timer.start();
-    while (timer.elapsed() < ListingTime)
+    while (timer.elapsed() < (isReading() ? ReadingTime : ListingTime))
         QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
 }
 
@@ -129,6 +144,28 @@ bool pictureEmptyLists(const QDir& directory, const QString& folder)
     return true;
 }
 
+// The pane alone, on files of several kinds.
+bool picturePreviews(const QDir& directory, const QString& folder)
+{
+    FilePreview preview(nullptr, 0);
+    preview.resize(512, 360);
+    preview.show();
+    const std::tuple<const char*, QString, int> shown[] = {
+        {"exr", directory.filePath(QStringLiteral("shot_010.####.exr 1-100")), 42},
+        {"dpx", directory.filePath(QStringLiteral("plate.####.dpx 1-100 ( 1-49 61-100 )")), 20},
+        {"missing", directory.filePath(QStringLiteral("plate.####.dpx 1-100 ( 1-49 61-100 )")), 55},
+        {"broken", directory.filePath(QStringLiteral("assets/truncated_v1.exr")), 55},
+        {"font", QStringLiteral("/usr/share/fonts/truetype/dejavu/DejaVuSans.ttf"), 55},
+    };
+    for (const auto& [name, path, frame] : shown) {
+        preview.findChild<FrameSlider*>()->setValue(frame);
+        preview.previewFile(path.toUtf8().constData());
+        if (!picture(preview, folder + QStringLiteral("/preview-%1.png").arg(QLatin1String(name))))
+            return false;
+    }
+    return true;
+}
+
 // A dialog with a selected, a hovered and a queued row, and a preview with its slider.
 bool pictureVariant(const QDir& directory, const QString& file)
 {
@@ -146,8 +183,11 @@ bool pictureVariant(const QDir& directory, const QString& file)
     dialog.findChild<QPushButton*>(QStringLiteral("nextButton"))->click();
     selectRow(dialog, QStringLiteral("shot_010"));
     auto* slider = preview->findChild<FrameSlider*>();
-    slider->setValue(40);
-    slider->setCacheFrames({38, 39, 40, 41, 42});
+    for (int frame = 38; frame <= 40; ++frame) {
+        slider->setValue(frame);
+        preview->gotoFrame(frame);
+        settle();
+    }
     auto* list = dialog.findChild<QTreeView*>(QStringLiteral("filesList"));
     const QModelIndex hovered = list->model()->index(1, 0);
     QMetaObject::invokeMethod(dialog.fileBrowser(), "hoverItem", Q_ARG(QModelIndex, hovered));
@@ -250,7 +290,7 @@ int main(int argc, char** argv)
                                                                                                        : 1;
     }
     const bool taken = pictureBrowser(directory, folder) && pictureDialogs(directory, folder) &&
-                       pictureEmptyLists(directory, folder) &&
+                       pictureEmptyLists(directory, folder) && picturePreviews(directory, folder) &&
                        pictureSliders(folder + QStringLiteral("/slider.png"));
     return taken ? 0 : 1;
 }
