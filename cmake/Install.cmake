@@ -1,6 +1,7 @@
 # Installs the library, its public headers with their folders, and a package for find_package(HvMirefoldCoreUI) with
 # the target HvMirefold::CoreUI.
 include(CMakePackageConfigHelpers)
+set(CMAKE_INSTALL_DEFAULT_COMPONENT_NAME library)
 
 set(COREUI_PUBLIC_HEADERS
     base/Export.h
@@ -56,6 +57,12 @@ if(COREUI_QT EQUAL 5)
     coreui_link(lib HvMirefoldCoreUI-qt5/_HvMirefoldCoreUI.abi3.so)
     coreui_link(lib/python3/dist-packages ../../HvMirefoldCoreUI-qt5/_HvMirefoldCoreUI.abi3.so)
     coreui_link(lib/python3/dist-packages ../../HvMirefoldCoreUI-qt5/_HvMirefoldCoreUI.pyi)
+endif()
+
+# The programs that read pictures. The library starts the one with OpenImageIO if it is there, and else the other.
+install(TARGETS coreui-pictures RUNTIME DESTINATION ${COREUI_LIBEXEC_DIR})
+if(TARGET coreui-pictures-oiio)
+    install(TARGETS coreui-pictures-oiio RUNTIME DESTINATION ${COREUI_LIBEXEC_DIR} COMPONENT pictures)
 endif()
 
 set(COREUI_PACKAGE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/HvMirefoldCoreUI${COREUI_SUFFIX})

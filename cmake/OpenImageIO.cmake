@@ -1,7 +1,13 @@
-# OpenImageIO for the program that reads pictures, if it is there: OpenImageIO_FOUND and its target.
+# OpenImageIO for the program that reads pictures, if it is there with the OpenColorIO that it is linked with:
+# OpenImageIO_FOUND, its target, OPENCOLORIO_INCLUDE and OPENCOLORIO_LIBRARY.
 option(COREUI_WITH_OPENIMAGEIO "Read pictures with OpenImageIO, if it is found" ON)
 if(COREUI_WITH_OPENIMAGEIO)
     find_package(OpenImageIO 2.3 QUIET)
+    find_path(OPENCOLORIO_INCLUDE OpenColorIO/OpenColorIO.h)
+    find_library(OPENCOLORIO_LIBRARY OpenColorIO)
+endif()
+if(NOT OPENCOLORIO_INCLUDE OR NOT OPENCOLORIO_LIBRARY)
+    set(OpenImageIO_FOUND OFF)
 endif()
 if(OpenImageIO_FOUND)
     # Debian's target names folders of packages that it does not depend on.

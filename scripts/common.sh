@@ -10,7 +10,8 @@ if [ "${1:-}" = --qt6 ]; then
     qt_suffix=-qt6
     qt_packages=(qt6-base-dev libqt6opengl6-dev python3-pyqt6 pyqt6-dev python3-pyqt6.sip)
 fi
-build_packages=(build-essential cmake file ninja-build libboost-dev python3-dev sip-tools "${qt_packages[@]}")
+build_packages=(build-essential cmake file ninja-build libboost-dev python3-dev sip-tools
+    libopenimageio-dev libopencolorio-dev "${qt_packages[@]}")
 test_packages=(python3-pytest)
 display_packages=(xvfb xauth libgl1-mesa-dri fonts-dejavu-core)
 check_packages=(clang-format clang-tidy)

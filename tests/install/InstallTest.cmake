@@ -1,4 +1,4 @@
-# Makes the Debian package, unpacks it into an empty root, builds a client project against that, runs it, and imports
+# Makes the Debian packages, unpacks them into an empty root, builds a client project against that, runs it, and imports
 # the module from there. Arguments: BUILD_DIR, SOURCE_DIR (of the tests), WORK_DIR, PYTHON, QT.
 
 function(run)
@@ -17,8 +17,29 @@ endforeach()
 
 run(cpack --config ${BUILD_DIR}/CPackConfig.cmake -B ${WORK_DIR})
 file(GLOB package ${WORK_DIR}/hvmirefold-coreui*.deb)
+set(pictures ${package})
+list(FILTER package EXCLUDE REGEX "-pictures_")
+list(FILTER pictures INCLUDE REGEX "-pictures_")
 run(dpkg-deb --extract ${package} ${WORK_DIR}/root)
 set(prefix ${WORK_DIR}/root/usr)
+
+# The library depends on Qt alone, and brings a program that reads pictures with Qt. The second package adds the other.
+run(dpkg-deb --field ${package} Depends)
+file(GLOB programs ${prefix}/libexec/hvmirefold-coreui*/coreui-pictures*)
+if(NOT output MATCHES "libqt${QT}widgets" OR output MATCHES "openimageio" OR NOT programs MATCHES "/coreui-pictures$")
+    message(FATAL_ERROR "${package} has ${programs} and depends on: ${output}")
+endif()
+if(pictures)
+    run(dpkg-deb --field ${pictures} Depends)
+    if(NOT output MATCHES "libopenimageio")
+        message(FATAL_ERROR "${pictures} depends on: ${output}")
+    endif()
+    run(dpkg-deb --extract ${pictures} ${WORK_DIR}/root)
+    list(APPEND programs ${programs}-oiio)
+endif()
+foreach(program IN LISTS programs)
+    run(sh -c "${program} </dev/null | grep CUPI")
+endforeach()
 # Both builds can be installed together: only the files for Qt 6 have "qt6" in their names.
 file(GLOB_RECURSE files LIST_DIRECTORIES false RELATIVE ${prefix} ${prefix}/*)
 set(named ${files})

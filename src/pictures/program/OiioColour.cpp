@@ -1,5 +1,6 @@
 #include "pictures/program/OiioColour.h"
 
+#include <OpenColorIO/OpenColorIO.h>
 #include <OpenImageIO/imagebufalgo.h>
 #include <OpenImageIO/imagebufalgo_util.h>
 #include <algorithm>
@@ -21,6 +22,13 @@ ColorConfig& configuration()
     return config;
 }
 
+// OpenImageIO's own function leaves out the default rule.
+std::string spaceByRules(const std::string& path)
+{
+    static const OCIO_NAMESPACE::ConstConfigRcPtr config = OCIO_NAMESPACE::GetCurrentConfig();
+    return config->getColorSpaceFromFilepath(path.c_str());
+}
+
 OiioColour configuredColour(const std::string& path)
 {
     OiioColour colour;
@@ -30,9 +38,9 @@ OiioColour configuredColour(const std::string& path)
         colour.error = "The OCIO configuration cannot be read: " + config.geterror();
         return colour;
     }
-    colour.space = config.getColorSpaceFromFilepath(path);
+    colour.space = spaceByRules(path);
     const char* display = config.getDefaultDisplayName();
-    const char* view = config.getDefaultViewName();
+    const char* view = display ? config.getDefaultViewName(display) : nullptr;
     if (display && view)
         colour.processor = config.createDisplayTransform(display, view, colour.space);
     if (!colour.processor)
@@ -112,12 +120,14 @@ bool applyColour(ImageBuf& picture, const OiioColour& colour, bool hasAlpha)
     }
     if (!ImageBufAlgo::colorconvert(picture, picture, colour.processor.get(), false))
         return false;
+    if (!hasAlpha)
+        return true;
     forEachPixel(picture, [](float* pixel) {
         for (int i = 0; i < 4; ++i)
             pixel[i] = std::clamp(pixel[i], 0.0F, 1.0F);
     });
     // Light without alpha, a glow or a sky, stays.
-    return !hasAlpha || ImageBufAlgo::repremult(picture, picture);
+    return ImageBufAlgo::repremult(picture, picture);
 }
 
 } // namespace Halvern::UI

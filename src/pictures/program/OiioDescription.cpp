@@ -57,7 +57,8 @@ void describe(PictureProtocol::Answer& answer, const ImageSpec& spec)
         answer.channels << text(name);
     answer.depth = depthOf(spec);
     answer.compression = text(spec.get_string_attribute("compression"));
-    answer.timeCode = text(spec.get_string_attribute("smpte:TimeCode"));
+    if (const ParamValue* timeCode = spec.find_attribute("smpte:TimeCode"))
+        answer.timeCode = text(ImageSpec::metadata_val(*timeCode));
     answer.frameRate = frameRateOf(spec);
 }
 

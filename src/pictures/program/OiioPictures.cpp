@@ -37,7 +37,9 @@ bool isReadable(const ImageSpec& spec)
 ImageBuf displayChannels(const ImageBuf& scaled, const OiioPart& part)
 {
     const float opaque[] = {0, 0, 0, 1};
-    return ImageBufAlgo::channels(scaled, 4, part.channels, opaque);
+    ImageBuf picture = ImageBufAlgo::channels(scaled, 4, part.channels, opaque);
+    picture.specmod().alpha_channel = part.hasAlpha() ? 3 : -1;
+    return picture;
 }
 
 // Bytes that are multiplied by alpha and never above it.

@@ -116,6 +116,14 @@ ImageBuf Strip::rowsFrom(int first)
     return {spec, m_bytes.data() + size_t(first - m_first) * m_rowBytes};
 }
 
+// The pixels of a scaled side, from the first to behind the last, that depend on pixels from begin on.
+std::pair<int, int> covered(int begin, int count, double ratio, int side)
+{
+    const double first = std::floor(begin / ratio) - 2;
+    const double last = std::ceil((double(begin) + count) / ratio) + 2;
+    return {int(std::clamp(first, 0.0, double(side))), int(std::clamp(last, 0.0, double(side)))};
+}
+
 } // namespace
 
 ImageBuf readScaled(ImageInput& input, const OiioPart& part, int width, int height)
@@ -131,9 +139,12 @@ ImageBuf readScaled(ImageInput& input, const OiioPart& part, int width, int heig
     to.alpha_channel = part.channels[3];
     ImageBuf scaled(to);
     Strip strip(input, part);
+    // Only where the data window is: a display window can be millions of pixels larger.
+    const auto [left, right] = covered(from.x - from.full_x, from.width, xRatio, width);
+    const auto [top, bottom] = covered(from.y - from.full_y, from.height, yRatio, height);
     const int rowsAtATime = std::max(1, int(RowsAtATime / yRatio));
-    for (int row = 0; row < height; row += rowsAtATime) {
-        const int rowEnd = std::min(height, row + rowsAtATime);
+    for (int row = top; row < bottom && left < right; row += rowsAtATime) {
+        const int rowEnd = std::min(bottom, row + rowsAtATime);
         const int first = from.full_y + int(std::floor((row - 1) * yRatio)) - 1;
         const int last = from.full_y + int(std::ceil((rowEnd + 1) * yRatio)) + 1;
         if (!strip.moveTo(first, last)) {
@@ -142,7 +153,7 @@ ImageBuf readScaled(ImageInput& input, const OiioPart& part, int width, int heig
         }
         if (strip.isEmpty())
             continue;
-        const ROI band(0, width, row, rowEnd, 0, 1, 0, part.channelCount);
+        const ROI band(left, right, row, rowEnd, 0, 1, 0, part.channelCount);
         if (!ImageBufAlgo::resize(scaled, strip.rows(), filter, 0, band))
             break;
     }

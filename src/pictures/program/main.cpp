@@ -5,6 +5,7 @@
 #endif
 
 #include <QGuiApplication>
+#include <QScopeGuard>
 #include <algorithm>
 #include <csignal>
 #include <fcntl.h>
@@ -43,6 +44,15 @@ static void limitThreads()
     mallopt(M_ARENA_MAX, 4);
 }
 
+// Ends this program if a damaged file keeps a library in an endless loop.
+static PictureProtocol::Answer readInTime(const PictureProtocol::Request& request)
+{
+    constexpr unsigned seconds = 9; // the application waits for 10
+    alarm(seconds);
+    const auto stop = qScopeGuard([] { alarm(0); });
+    return readPicture(request);
+}
+
 int main(int argc, char** argv)
 {
     // What a library prints must not get among the answers.
@@ -57,5 +67,5 @@ int main(int argc, char** argv)
     qunsetenv("QT_PLUGIN_PATH");
     qputenv("QT_QPA_PLATFORM", "minimal:enable_fonts");
     const QGuiApplication application(argc, argv);
-    return serve(STDIN_FILENO, output, readPicture) ? 0 : 1;
+    return serve(STDIN_FILENO, output, readInTime) ? 0 : 1;
 }

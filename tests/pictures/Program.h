@@ -1,0 +1,73 @@
+#pragma once
+
+#include "pictures/PictureProtocol.h"
+
+#include <QCoreApplication>
+#include <QProcess>
+#include <QProcessEnvironment>
+
+/// A program that reads pictures, asked as an application asks it.
+class Program
+{
+public:
+    using Request = Halvern::UI::PictureProtocol::Request;
+    using Answer = Halvern::UI::PictureProtocol::Answer;
+
+    /// Starts the program @p name of the build, with the environment variable OCIO set to @p ocio or not set.
+    explicit Program(const QString& name, const QString& ocio = {})
+    {
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.remove(QStringLiteral("OCIO"));
+        if (!ocio.isEmpty())
+            environment.insert(QStringLiteral("OCIO"), ocio);
+        m_process.setProcessEnvironment(environment);
+        m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        m_process.start(QCoreApplication::applicationDirPath() + QLatin1Char('/') + name, QStringList());
+        m_frames.setLongest(1 << 28);
+    }
+    ~Program()
+    {
+        m_process.closeWriteChannel();
+        m_process.waitForFinished();
+    }
+
+    QProcess& process() { return m_process; }
+
+    /// The payload of the next frame, or an empty one if none comes within 10 seconds.
+    QByteArray next()
+    {
+        for (;;) {
+            if (const auto payload = m_frames.take())
+                return *payload;
+            if (!m_process.bytesAvailable() && !m_process.waitForReadyRead(10000))
+                return {};
+            m_frames.add(m_process.readAllStandardOutput());
+        }
+    }
+
+    /// The answer to a request for the file's picture in a room of @p width by @p height pixels. Says so if
+    /// there is none.
+    Answer ask(const QString& path, quint32 width = 4096, quint32 height = 4096)
+    {
+        using namespace Halvern::UI::PictureProtocol;
+        if (!m_id && !isHello(next()))
+            return {};
+        Request request;
+        request.id = ++m_id;
+        request.path = path.toUtf8();
+        request.width = width;
+        request.height = height;
+        m_process.write(frame(request));
+        const auto answer = readAnswer(next());
+        if (answer && answer->id == m_id)
+            return *answer;
+        Answer none;
+        none.reason = QStringLiteral("no answer");
+        return none;
+    }
+
+private:
+    QProcess m_process;
+    Halvern::UI::PictureProtocol::Frames m_frames;
+    quint32 m_id = 0;
+};
