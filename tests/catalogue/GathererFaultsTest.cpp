@@ -4,15 +4,24 @@
 #include "support/SampleFiles.h"
 #include "support/Test.h"
 
+using namespace Halvern;
 using namespace Halvern::UI;
+using Base::FileHandle;
 
 namespace {
 
-std::vector<FileInfo*> entries(FileManager& manager)
+std::vector<FileInfo*> entries(FileManager& manager, FileHandle::ListType type = FileHandle::AllFiles)
 {
     std::vector<FileInfo*> files;
-    manager.buildRunningList(&files, Halvern::Base::FileHandle::AllFiles);
+    manager.buildRunningList(&files, type);
     return files;
+}
+
+void fail(const char* call, int error, int place = 0)
+{
+    faultyCall = call;
+    faults[CallError] = error;
+    faults[CallPlace] = place;
 }
 
 } // namespace
@@ -39,15 +48,14 @@ private slots:
         const auto count = [&, thread = QThread::currentThreadId()] {
             ++(QThread::currentThreadId() == thread ? here : elsewhere);
         };
-        faultyCall = "pthread_create";
-        faults[CallError] = EAGAIN;
+        fail("pthread_create", EAGAIN);
         for (int i = 0; i < 20; ++i)
-            Halvern::Base::callInBackground(count);
+            Base::callInBackground(count);
         QCOMPARE(here.load(), 20);
         endFaults();
         for (int i = 0; i < 20; ++i)
-            Halvern::Base::callInBackground(count);
-        Halvern::Base::waitForHelpers();
+            Base::callInBackground(count);
+        Base::waitForHelpers();
         QVERIFY(here == 20 && elsewhere == 20);
     }
 
@@ -69,16 +77,14 @@ private slots:
                 FileManager manager;
                 const QSignalSpy refreshed(&manager, SIGNAL(refreshList()));
                 faults[DelayedCalls] = 0;
-                QVERIFY(manager.getFilesFromFolder(folder.path().toStdString(), false));
+                QVERIFY(manager.getFilesFromFolder(path, false));
                 while (faults[DelayedCalls] <= round * step)
                     QThread::msleep(1);
                 const int before = faults[Calls];
                 QVERIFY(!manager.getFilesFromFolder("/no/such/folder", true));
                 least = std::min(least, faults[Calls] - before);
                 QCoreApplication::processEvents();
-                std::vector<FileInfo*> files;
-                manager.buildRunningList(&files, Halvern::Base::FileHandle::AllFiles);
-                QVERIFY(files.empty() && refreshed.isEmpty());
+                QVERIFY(entries(manager).empty() && refreshed.isEmpty());
             }
             // The call under way may end, and others begin, just before the run is stopped, but hardly each
             // time.
@@ -88,7 +94,6 @@ private slots:
 
     void readsWhatItCan()
     {
-        const int all = Files + 5;
         // A fault and the call that it concerns, the error that is told, how many names are listed, and the
         // least and the most of them that have attributes.
         const std::tuple<Fault, int, const char*, int, int, int, int> rows[] = {
@@ -109,15 +114,14 @@ private slots:
             connect(&manager, &FileManager::infoUpdated, this, [&](int, int count) { updated += count; });
             int announced = -1;
             connect(&manager, &FileManager::refreshList, this, [&] { announced = manager.readError(); });
-            QVERIFY(manager.getFilesFromFolder(folder.path().toStdString(), false));
+            QVERIFY(manager.getFilesFromFolder(path, false));
             QCOMPARE(manager.readError(), 0);
             QTRY_VERIFY(fault != CallDelay || faults[DelayedCalls] > 0);
             QVERIFY(fault != CallDelay || QDir(folder.path()).removeRecursively());
             QTRY_COMPARE(refreshed.size(), 1);
             QTRY_COMPARE_WITH_TIMEOUT(updated, names, 20000);
             QCOMPARE(announced, error);
-            std::vector<FileInfo*> files;
-            manager.buildRunningList(&files, Halvern::Base::FileHandle::AllFiles);
+            const std::vector<FileInfo*> files = entries(manager);
             const auto known = std::count_if(files.begin(), files.end(), [](const FileInfo* file) {
                 return file->modificationTime() > 0;
             });
@@ -128,29 +132,25 @@ private slots:
                 QVERIFY2(file->isDirectory() != isFile, file->fileName());
             }
             // Asking makes up for types that are missing, so that numbered directories are no frames.
-            manager.buildRunningList(&files, Halvern::Base::FileHandle::RegisteredSequences);
-            QVERIFY(least != all || files.size() == 6);
+            QVERIFY(least != all || entries(manager, FileHandle::RegisteredSequences).size() == 6);
             if (fault == CallDelay)
                 continue;
             // What failed is read again without force.
             endFaults();
-            QCOMPARE(manager.getFilesFromFolderSynchronously(folder.path().toStdString(), false), error != 0);
+            QCOMPARE(manager.getFilesFromFolderSynchronously(path, false), error != 0);
             QCOMPARE(manager.readError(), 0);
-            QCOMPARE(entries(manager).size(), std::size_t(all));
+            QCOMPARE(int(entries(manager).size()), all);
         }
     }
 
     void tellsWhatCannotBeOpened()
     {
-        const std::string path = folder.path().toStdString();
         FileManager manager;
-        const auto count = [&manager] { return entries(manager).size(); };
-        const std::size_t all = Files + 5;
+        const auto count = [&manager] { return int(entries(manager).size()); };
         QVERIFY(manager.getFilesFromFolderSynchronously(path, false) && count() == all);
         // The entries of the same directory stay.
         for (const bool force : {false, true}) {
-            faultyCall = "opendir";
-            faults[CallError] = EACCES;
+            fail("opendir", EACCES);
             QVERIFY(!manager.getFilesFromFolder(path, force));
             QVERIFY(manager.readError() == EACCES && count() == all);
         }
@@ -162,9 +162,7 @@ private slots:
         QVERIFY(manager.readError() == ENOENT && count() == 0);
         // An interruption is no failure.
         for (const char* call : {"opendir", "open", "fdopendir", "readdir", "fstatat"}) {
-            faultyCall = call;
-            faults[CallError] = EINTR;
-            faults[CallPlace] = 1;
+            fail(call, EINTR, 1);
             QVERIFY2(manager.getFilesFromFolderSynchronously(path, true), call);
             QVERIFY2(manager.readError() == 0 && count() == all + 1 && faults[CallPlace] == -1, call);
             for (const FileInfo* file : entries(manager))
@@ -178,8 +176,6 @@ private slots:
     {
         if (!failsAllocations)
             QSKIP("a sanitizer allocates");
-        const std::string path = folder.path().toStdString();
-        const std::size_t all = Files + 5;
         for (const Fault fault : {FirstAllocation, WorkerAllocation}) {
             const bool inBackground = fault == WorkerAllocation;
             int incomplete = 0;
@@ -198,22 +194,18 @@ private slots:
                 failed = faults[fault] == 0;
                 faults[fault] = 0;
                 QVERIFY(ended || !begun);
-                const bool complete = entries(manager).size() == all && manager.isInfoComplete();
+                const bool complete = int(entries(manager).size()) == all && manager.isInfoComplete();
                 QVERIFY2(complete == (manager.readError() == 0), qPrintable(QString::number(place)));
                 QVERIFY(complete || (failed && manager.readError() == ENOMEM));
                 incomplete += complete ? 0 : 1;
                 for (const FileInfo* file : entries(manager))
                     QVERIFY2(QFile::exists(folder.filePath(file->fileName())), file->fileName());
-                std::vector<FileInfo*> rows;
-                manager.buildRunningList(&rows, Halvern::Base::FileHandle::RegisteredSplitSequences);
-                QVERIFY(rows.size() <= 6);
+                QVERIFY(entries(manager, FileHandle::RegisteredSplitSequences).size() <= 6);
                 QVERIFY(manager.getFilesFromFolderSynchronously(path, true));
-                manager.buildRunningList(&rows, Halvern::Base::FileHandle::RegisteredSequences);
-                QVERIFY(manager.readError() == 0 && rows.size() == 6 && entries(manager).size() == all);
-                std::vector<FileInfo*> none;
+                QCOMPARE(entries(manager, FileHandle::RegisteredSequences).size(), std::size_t(6));
+                QVERIFY(manager.readError() == 0 && int(entries(manager).size()) == all);
                 faults[FirstAllocation] = 1;
-                manager.buildRunningList(&none, Halvern::Base::FileHandle::AllFiles);
-                QVERIFY(none.empty() && manager.readError() == ENOMEM);
+                QVERIFY(entries(manager).empty() && manager.readError() == ENOMEM);
             }
             QVERIFY(incomplete > 20);
         }
@@ -223,17 +215,16 @@ private slots:
     {
         FileManager manager;
         const QSignalSpy refreshed(&manager, SIGNAL(refreshList()));
-        faultyCall = "pthread_create";
-        faults[CallError] = EAGAIN;
+        fail("pthread_create", EAGAIN);
         expectWarning(QStringLiteral("^QThread::start: Thread creation error"));
-        QVERIFY(manager.getFilesFromFolder(folder.path().toStdString(), false));
+        QVERIFY(manager.getFilesFromFolder(path, false));
         QVERIFY(refreshed.isEmpty());
         QTRY_COMPARE(refreshed.size(), 1);
         QVERIFY(manager.readError() == EAGAIN && entries(manager).empty());
         endFaults();
-        QVERIFY(manager.getFilesFromFolder(folder.path().toStdString(), false));
+        QVERIFY(manager.getFilesFromFolder(path, false));
         QTRY_COMPARE(refreshed.size(), 2);
-        QVERIFY(manager.readError() == 0 && entries(manager).size() == std::size_t(Files + 5));
+        QVERIFY(manager.readError() == 0 && int(entries(manager).size()) == all);
     }
 
     void asksSlowDisksForSeveralAtOnce()
@@ -246,19 +237,17 @@ private slots:
             faults[CallDelay] = 500;
             faultyCall = "fstatat";
             FileManager manager;
-            QVERIFY(manager.getFilesFromFolderSynchronously(folder.path().toStdString(), true));
+            QVERIFY(manager.getFilesFromFolderSynchronously(path, true));
             // A synchronous read is the first thread's, which is not slow; those that help it would be.
             QCOMPARE(faults[MostDelayed].load(), 0);
             int updated = 0;
             connect(&manager, &FileManager::infoUpdated, this, [&](int, int count) { updated += count; });
-            QVERIFY(manager.getFilesFromFolder(folder.path().toStdString(), true));
-            QTRY_COMPARE(updated, Files + 5);
-            QVERIFY(faults[MostDelayed] > 1 && faults[MostDelayed] <= int(Halvern::Base::MostCallsAtOnce));
-            QCOMPARE(faults[DelayedCalls].load(), (noTypes ? 2 : 1) * (Files + 5));
-            std::vector<FileInfo*> files;
-            manager.buildRunningList(&files, Halvern::Base::FileHandle::AllFiles);
-            QCOMPARE(files.size(), std::size_t(Files + 5));
-            for (const FileInfo* file : files) {
+            QVERIFY(manager.getFilesFromFolder(path, true));
+            QTRY_COMPARE(updated, all);
+            QVERIFY(faults[MostDelayed] > 1 && faults[MostDelayed] <= int(Base::MostCallsAtOnce));
+            QCOMPARE(faults[DelayedCalls].load(), (noTypes ? 2 : 1) * all);
+            QCOMPARE(int(entries(manager).size()), all);
+            for (const FileInfo* file : entries(manager)) {
                 const QByteArray name = file->fileName();
                 const bool isFrame = name.startsWith('f');
                 QVERIFY2(file->isDirectory() != isFrame, name.constData());
@@ -269,7 +258,9 @@ private slots:
 
 private:
     static constexpr int Files = 1600;
+    static constexpr int all = Files + 5; // with three folders, "." and ".."
     const QTemporaryDir folder;
+    const std::string path = folder.path().toStdString();
 };
 
 QTEST_GUILESS_MAIN(GathererFaultsTest)

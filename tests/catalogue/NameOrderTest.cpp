@@ -1,5 +1,6 @@
 #include "catalogue/NameOrder.h"
 #include "catalogue/FileInfo.h"
+#include "catalogue/NaturalOrder.h"
 #include "support/Test.h"
 
 #include <algorithm>
@@ -7,76 +8,81 @@
 #include <numeric>
 #include <random>
 
+using namespace Halvern;
 using namespace Halvern::UI;
 
-/// The order of many names, found while they arrive or at once.
+/// The orders of many names: by sort key, found while they arrive or at once, and the natural one.
 class NameOrderTest : public Test
 {
     Q_OBJECT
 
 private slots:
-    void ordersAsAStableSort();
-    void keepsPlacesWhereOneHasNoRank();
+    // Each name many times.
+    void ordersAsAStableSort()
+    {
+        std::vector<FileInfo> some;
+        for (int i = 0; i < 300; ++i)
+            some.emplace_back(qPrintable(QString::asprintf("shot_010_comp.%d", i)), false);
+        std::mt19937 random(1); // NOLINT(cert-msc32-c,cert-msc51-cpp): the same names in every run
+        std::vector<FileInfo*> entries(70000);
+        std::generate(entries.begin(), entries.end(), [&] { return &some[random() % some.size()]; });
+        std::vector<int> places(entries.size());
+        std::iota(places.begin(), places.end(), 0);
+        const auto key = [&](int place) { return entries[std::size_t(place)]->getStringSortName(); };
+        std::stable_sort(places.begin(), places.end(),
+                         [&](int a, int b) { return std::strcmp(key(a), key(b)) < 0; });
 
-private:
-    static std::vector<FileInfo> someEntries(int count);
-};
-
-std::vector<FileInfo> NameOrderTest::someEntries(int count)
-{
-    std::vector<FileInfo> entries;
-    entries.reserve(static_cast<std::size_t>(count));
-    for (int i = 0; i < count; ++i)
-        entries.emplace_back(QByteArray("shot_010_comp.").append(QByteArray::number(i)).constData(), false);
-    return entries;
-}
-
-// Enough for several pieces, and each name many times.
-void NameOrderTest::ordersAsAStableSort()
-{
-    std::vector<FileInfo> some = someEntries(300);
-    std::mt19937 random(1); // NOLINT(cert-msc32-c,cert-msc51-cpp): the same names in every run
-    std::vector<FileInfo*> entries(70000);
-    std::generate(entries.begin(), entries.end(), [&] { return &some[random() % some.size()]; });
-    std::vector<int> places(entries.size());
-    std::iota(places.begin(), places.end(), 0);
-    const auto key = [&](int place) { return entries[static_cast<std::size_t>(place)]->getStringSortName(); };
-    std::stable_sort(places.begin(), places.end(),
-                     [&](int a, int b) { return std::strcmp(key(a), key(b)) < 0; });
-
-    NameOrder arriving;
-    for (const FileInfo* entry : entries)
-        arriving.add(entry);
-    arriving.finish();
-    const NameOrder atOnce(entries);
-    for (const NameOrder* order : std::initializer_list<const NameOrder*>{&arriving, &atOnce}) {
-        QCOMPARE(order->size(), entries.size());
-        QVERIFY(order->places() == places);
+        const NameOrder order(entries);
+        QVERIFY(order.size() == entries.size() && order.places() == places);
         std::vector<FileInfo*> sorted = entries;
-        order->apply(sorted);
+        order.apply(sorted);
         for (std::size_t i = 0; i < sorted.size(); ++i) {
-            QCOMPARE(order->name(i), sorted[i]->fileName());
+            QCOMPARE(order.name(i), sorted[i]->fileName());
             QVERIFY(i == 0 ||
-                    order->ranks()[i] - order->ranks()[i - 1] == (key(places[i - 1]) != key(places[i])));
+                    order.ranks()[i] - order.ranks()[i - 1] == (key(places[i - 1]) != key(places[i])));
         }
     }
-}
 
-void NameOrderTest::keepsPlacesWhereOneHasNoRank()
-{
-    FileInfo b("b", false);
-    FileInfo a("a", false);
-    FileInfo tooLong(QByteArray(129, 'a').constData(), false);
-    const NameOrder order({&b, nullptr, &a, &tooLong, &b});
-    QCOMPARE(order.places(), (std::vector<int>{0, 1, 2, 3, 4}));
-    QCOMPARE(order.name(1), "");
-    QCOMPARE(order.name(2), "a");
-    QCOMPARE(order.name(3), tooLong.fileName());
-    QCOMPARE(order.ranks()[1], NameOrder::NoRank);
-    QCOMPARE(order.ranks()[3], NameOrder::NoRank);
-    QVERIFY(order.ranks()[2] < order.ranks()[0]);
-    QCOMPARE(order.ranks()[4], order.ranks()[0]);
-}
+    void keepsPlacesIfOneHasNoRank()
+    {
+        FileInfo b("b", false);
+        FileInfo a("a", false);
+        FileInfo tooLong(QByteArray(129, 'a').constData(), false);
+        const NameOrder order({&b, nullptr, &a, &tooLong, &b});
+        QCOMPARE(order.places(), (std::vector<int>{0, 1, 2, 3, 4}));
+        QCOMPARE(order.ranks(), (std::vector<int>{2, NameOrder::NoRank, 1, NameOrder::NoRank, 2}));
+        for (const auto& [place, name] :
+             {std::pair(1, ""), std::pair(2, "a"), std::pair(3, tooLong.fileName())})
+            QCOMPARE(order.name(std::size_t(place)), name);
+    }
+
+    void ordersNaturally()
+    {
+        const auto atOnce = NaturalOrder::DecideAtOnce;
+        const auto last = NaturalOrder::DecideLast;
+        using Numbers = QVector<NaturalOrder::Numbers>;
+        const std::pair<Numbers, QByteArrayList> rows[] = {
+            {{atOnce, last}, {"", ".", "..", "a", "a.2.exr", "a.10.exr", "a.99999999999999999999.exr"}},
+            {{atOnce, last}, {"a1", "a9", "a01", "a10", "a001", "ab", "aB", "AA", "b", "\xc3\xa9"}},
+            {{atOnce, last}, {"a", "a" + QByteArray(253, '1'), "a" + QByteArray(255, '0'), "b"}},
+            {{atOnce}, {"a1b", "a1c", "a2a", "a10.2", "a11.1"}},
+            {{last}, {"a2a", "a1b", "a10b", "s1.2.exr", "s2.1.exr", "s1.1.tif"}}};
+        for (const auto& [orders, names] : rows) {
+            for (const auto numbers : orders) {
+                // From the last name on, so that sorting has to turn them round.
+                Base::SortKeys keys;
+                std::vector<int> ascending;
+                for (int i = names.size() - 1; i >= 0; --i) {
+                    ascending.push_back(i);
+                    keys.appendFrom([&, name = names.at(i).constData()](std::vector<char>& key) {
+                        NaturalOrder(numbers).appendKey(name, key);
+                    });
+                }
+                QCOMPARE(Base::ordered(keys), ascending);
+            }
+        }
+    }
+};
 
 QTEST_GUILESS_MAIN(NameOrderTest)
 #include "NameOrderTest.moc"

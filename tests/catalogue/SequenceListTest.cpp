@@ -178,11 +178,12 @@ private slots:
     void listsMayBeBuiltBetweenBatches()
     {
         SequenceIndex index;
-        insert(index, frames("a.%d.exr", {1, 2, 5}));
-        QCOMPARE(names(index, FileHandle::RegisteredSplitSequences), (QStringList{"a.#.exr 1-2", "a.5.exr"}));
-        insert(index, frames("a.%d.exr", {6, 100}));
-        QCOMPARE(names(index, FileHandle::RegisteredSplitSequences),
-                 (QStringList{"a.#.exr 1-2", "a.#.exr 5-6", "a.100.exr"}));
+        const std::pair<QVector<int>, QStringList> batches[] = {
+            {{1, 2, 5}, {"a.#.exr 1-2", "a.5.exr"}}, {{6, 100}, {"a.#.exr 1-2", "a.#.exr 5-6", "a.100.exr"}}};
+        for (const auto& [numbers, expected] : batches) {
+            insert(index, frames("a.%d.exr", numbers));
+            QCOMPARE(names(index, FileHandle::RegisteredSplitSequences), expected);
+        }
     }
 
     void forgetsEverything()

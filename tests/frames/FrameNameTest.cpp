@@ -1,9 +1,11 @@
 #include "frames/FrameName.h"
 #include "catalogue/FileInfo.h"
+#include "frames/Placeholder.h"
 #include "support/Test.h"
 
 using namespace Halvern::UI;
 
+/// Frame numbers in names, and what stands for them.
 class FrameNameTest : public Test
 {
     Q_OBJECT
@@ -31,31 +33,67 @@ private slots:
 
     void readsText()
     {
+        // Name, pattern and frame, and the smallest padded width so far.
+        const std::tuple<QString, const char*, int> rows[] = {
+            {"shot.42.exr", "shot.##.exr 42", 4},
+            {"shot.00042.exr", "shot.#####.exr 42", 4},
+            {QStringLiteral("a\u0664\u0662.exr"), "a##.exr 42", 4},
+            {QStringLiteral("a\u06602147483647.exr"), "a###########.exr 2147483647", 4},
+            {"shot.042.exr", "shot.###.exr 42", 3}};
+        FrameName::resetSmallestPaddedWidth();
         QString pattern;
         int frame = 0;
-        FrameName::resetSmallestPaddedWidth();
-        QVERIFY(FrameName::read(QStringLiteral("shot.42.exr"), pattern, frame));
-        QVERIFY(FrameName::read(QStringLiteral("shot.00042.exr"), pattern, frame));
-        QVERIFY(FrameName::read(QStringLiteral("a\u0664\u0662.exr"), pattern, frame));
-        QCOMPARE(frame, 42);
-        QCOMPARE(pattern, QStringLiteral("a##.exr"));
-        QVERIFY(FrameName::read(QStringLiteral("a\u06602147483647.exr"), pattern, frame));
+        for (const auto& [name, expected, width] : rows) {
+            QVERIFY(FrameName::read(name, pattern, frame));
+            QCOMPARE(pattern + ' ' + QString::number(frame), QString(expected));
+            QCOMPARE(FrameName::smallestPaddedWidth(), width);
+        }
         QVERIFY(!FrameName::read(QStringLiteral("a2147483648.exr"), pattern, frame));
-        QCOMPARE(FrameName::smallestPaddedWidth(), 4);
-        QVERIFY(FrameName::read(QStringLiteral("shot.042.exr"), pattern, frame));
-        QCOMPARE(pattern, QStringLiteral("shot.###.exr"));
-        QCOMPARE(FrameName::smallestPaddedWidth(), 3);
+
+        const char* pairs[][3] = {{"f.##.exr", "f.##.exr", "f.##.exr"},
+                                  {"f.##.exr", "g.##.exr", nullptr},
+                                  {"f.##.exr", "f.###.exr", "f.#.exr"}};
+        for (const auto& [first, second, common] : pairs) {
+            QString a = first;
+            QString b = second;
+            QCOMPARE(FrameName::reconcilePatterns(a, b), common != nullptr);
+            QVERIFY(a == (common ? common : first) && b == (common ? common : second));
+        }
     }
 
-    void reconcilesWidths()
+    void writesTokensAndHashes()
     {
-        QString a = QStringLiteral("f.##.exr");
-        QString b = a;
-        QVERIFY(FrameName::reconcilePatterns(a, b) && a == QLatin1String("f.##.exr"));
-        b = QStringLiteral("g.##.exr");
-        QVERIFY(!FrameName::reconcilePatterns(a, b) && b == QLatin1String("g.##.exr"));
-        b = QStringLiteral("f.###.exr");
-        QVERIFY(FrameName::reconcilePatterns(a, b) && a == QLatin1String("f.#.exr") && b == a);
+        // Name, with a token, with hashes.
+        const char* rows[][3] = {{"img.####.exr", "img.%04d.exr", "img.####.exr"},
+                                 {"img.#.exr", "img.%d.exr", "img.#.exr"},
+                                 {"a##b#", "a%04d", "a##b#"},
+                                 {"%03d.%d", "%03d.%d", "###.###"},
+                                 {"%x %5", "%x %5", "%x %5"}};
+        for (const auto& [name, token, hashes] : rows) {
+            QCOMPARE(Placeholder::withToken(name), QString(token));
+            QCOMPARE(Placeholder::withHashes(name), QString(hashes));
+        }
+        QCOMPARE(Placeholder::withHashes("%2147483647d").size(), 1024);
+        QCOMPARE(Placeholder::widened("a.#.#", 3), std::string("a.###.#"));
+        QCOMPARE(Placeholder::widened("a", 3), std::string("a"));
+    }
+
+    void splitsRanges()
+    {
+        const std::pair<const char*, const char*> rows[] = {
+            {"/p 1-2 (x)/a b.# 1-100 ( 1-50 60-100 )", "/p 1-2 (x)/a b.#, 1 to 100"},
+            {"a -3--1", "a, -3 to -1"},
+            {"a 5-", ""},
+            {"p/ 1-2 /a", ""},
+            {"1-2", ""},
+            {" (1-2", ""}};
+        for (const auto& [path, wanted] : rows) {
+            const auto split = Placeholder::splitRange(path);
+            QCOMPARE(split
+                         ? QStringLiteral("%1, %2 to %3").arg(split->name).arg(split->first).arg(split->last)
+                         : QString(),
+                     QString(wanted));
+        }
     }
 };
 
