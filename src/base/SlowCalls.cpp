@@ -50,25 +50,25 @@ struct Calls
     void makeSome()
     {
         std::size_t made = 0;
-        for (std::size_t index = next++; index < count; index = next++, ++made)
-            call(index);
-        const std::lock_guard<std::mutex> lock(mutex);
-        left -= made;
-        if (left == 0)
-            ended.notify_one();
+        for (std::size_t index = m_next++; index < m_count; index = m_next++, ++made)
+            m_call(index);
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        m_left -= made;
+        if (m_left == 0)
+            m_ended.notify_one();
     }
     void wait()
     {
-        std::unique_lock<std::mutex> lock(mutex);
-        ended.wait(lock, [this] { return left == 0; });
+        std::unique_lock<std::mutex> lock(m_mutex);
+        m_ended.wait(lock, [this] { return m_left == 0; });
     }
 
-    const Call& call;
-    std::atomic<std::size_t> next;
-    const std::size_t count;
-    std::size_t left; // guarded by mutex: calls that have not ended
-    std::mutex mutex;
-    std::condition_variable ended;
+    const Call& m_call;
+    std::atomic<std::size_t> m_next;
+    const std::size_t m_count;
+    std::size_t m_left; // guarded by m_mutex: calls that have not ended
+    std::mutex m_mutex;
+    std::condition_variable m_ended;
 };
 
 void callAtOnce(std::size_t first, std::size_t count, const Call& call)

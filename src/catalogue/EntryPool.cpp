@@ -48,7 +48,7 @@ struct EntryPool::Idle
 
     ~Idle()
     {
-        for (const Blocks& blocks : {std::ref(ready), std::ref(bare)}) {
+        for (const Blocks& blocks : {std::ref(m_ready), std::ref(m_bare)}) {
             for (Block block : blocks) {
                 block.destroyEntries();
                 std::free(block.entries);
@@ -66,27 +66,27 @@ struct EntryPool::Idle
     // A block without its pages; null if there is no memory.
     Block takeBare()
     {
-        Block block = takeFrom(bare);
+        Block block = takeFrom(m_bare);
         if (block.entries)
             return block;
         // So that giving blocks back needs no memory.
-        ready.reserve(obtained + 1);
-        bare.reserve(obtained + 1);
+        m_ready.reserve(m_obtained + 1);
+        m_bare.reserve(m_obtained + 1);
         block.entries = static_cast<FileInfo*>(std::aligned_alloc(PageSize, BlockBytes));
-        obtained += block.entries ? 1 : 0;
+        m_obtained += block.entries ? 1 : 0;
         return block;
     }
     void give(Blocks& to, Block block)
     {
-        const std::lock_guard<std::mutex> lock(mutex);
+        const std::lock_guard<std::mutex> lock(m_mutex);
         to.push_back(block);
     }
 
-    std::mutex mutex;         // guards what follows, and is held in takeFrom() and takeBare()
-    Blocks ready;             // with their pages
-    Blocks bare;              // without
-    std::size_t obtained = 0; // blocks of the pool, here and in use
-    bool isTrimming = false;
+    std::mutex m_mutex;         // guards what follows, and is held in takeFrom() and takeBare()
+    Blocks m_ready;             // with their pages
+    Blocks m_bare;              // without
+    std::size_t m_obtained = 0; // blocks of the pool, here and in use
+    bool m_isTrimming = false;
 };
 
 EntryPool::EntryPool()
@@ -127,17 +127,17 @@ void EntryPool::clear()
 
 std::size_t EntryPool::blockCount() const
 {
-    const std::lock_guard<std::mutex> lock(m_idle->mutex);
-    return m_idle->obtained;
+    const std::lock_guard<std::mutex> lock(m_idle->m_mutex);
+    return m_idle->m_obtained;
 }
 
 EntryPool::Block EntryPool::takeBlock()
 {
     if (m_blocks.size() == m_blocks.capacity())
         m_blocks.reserve(2 * m_blocks.size() + 1);
-    std::unique_lock<std::mutex> lock(m_idle->mutex);
-    m_idle->isTrimming = false;
-    Block block = Idle::takeFrom(m_idle->ready);
+    std::unique_lock<std::mutex> lock(m_idle->m_mutex);
+    m_idle->m_isTrimming = false;
+    Block block = Idle::takeFrom(m_idle->m_ready);
     const bool isReady = block.entries;
     if (!isReady)
         block = m_idle->takeBare();
@@ -151,15 +151,15 @@ EntryPool::Block EntryPool::takeBlock()
 
 bool EntryPool::prepare(std::size_t entries)
 {
-    std::unique_lock<std::mutex> lock(m_idle->mutex);
-    m_idle->isTrimming = false;
-    const std::size_t inMemory = m_idle->obtained - m_idle->bare.size();
+    std::unique_lock<std::mutex> lock(m_idle->m_mutex);
+    m_idle->m_isTrimming = false;
+    const std::size_t inMemory = m_idle->m_obtained - m_idle->m_bare.size();
     const Block block = (inMemory + 1) * BlockSize <= entries ? m_idle->takeBare() : Block();
     lock.unlock();
     if (!block.entries)
         return false;
     block.putInMemory();
-    m_idle->give(m_idle->ready, block);
+    m_idle->give(m_idle->m_ready, block);
     return true;
 }
 
@@ -167,21 +167,21 @@ std::function<void()> EntryPool::trimming()
 {
     const std::size_t kept = (m_used + BlockSize - 1) / BlockSize + SpareBlocks;
     for (; m_blocks.size() > kept; m_blocks.pop_back())
-        m_idle->give(m_idle->ready, m_blocks.back());
-    const std::lock_guard<std::mutex> lock(m_idle->mutex);
-    m_idle->isTrimming = !m_idle->ready.empty();
-    if (!m_idle->isTrimming)
+        m_idle->give(m_idle->m_ready, m_blocks.back());
+    const std::lock_guard<std::mutex> lock(m_idle->m_mutex);
+    m_idle->m_isTrimming = !m_idle->m_ready.empty();
+    if (!m_idle->m_isTrimming)
         return nullptr;
     return [idle = m_idle] {
         for (;;) {
-            std::unique_lock<std::mutex> idleLock(idle->mutex);
-            Block block = idle->isTrimming ? Idle::takeFrom(idle->ready) : Block();
+            std::unique_lock<std::mutex> idleLock(idle->m_mutex);
+            Block block = idle->m_isTrimming ? Idle::takeFrom(idle->m_ready) : Block();
             idleLock.unlock();
             if (!block.entries)
                 return;
             block.destroyEntries();
             ::madvise(block.entries, BlockBytes, MADV_DONTNEED);
-            idle->give(idle->bare, block);
+            idle->give(idle->m_bare, block);
         }
     };
 }

@@ -37,24 +37,24 @@ FileManager::FileManager()
 
 FileManager::~FileManager()
 {
-    if (d->process != ::getpid())
+    if (d->m_process != ::getpid())
         leaveToParentProcess();
 }
 
 void FileManager::connectWorker()
 {
-    d->self = this;
-    d->arrivalsTimer.setSingleShot(true);
-    d->arrivalsTimer.setTimerType(Qt::PreciseTimer);
-    connect(&d->arrivalsTimer, SIGNAL(timeout()), this, SLOT(takeArrivals()));
-    connect(&d->gatherer, SIGNAL(fileNameBatchReady()), this, SLOT(takeArrivals()));
-    connect(&d->gatherer, SIGNAL(fileInfoBatchReady()), this, SLOT(takeArrivals()));
-    connect(&d->gatherer, SIGNAL(fileNameFinished(bool)), this, SLOT(takeArrivals()));
+    d->m_self = this;
+    d->m_arrivalsTimer.setSingleShot(true);
+    d->m_arrivalsTimer.setTimerType(Qt::PreciseTimer);
+    connect(&d->m_arrivalsTimer, SIGNAL(timeout()), this, SLOT(takeArrivals()));
+    connect(&d->m_gatherer, SIGNAL(fileNameBatchReady()), this, SLOT(takeArrivals()));
+    connect(&d->m_gatherer, SIGNAL(fileInfoBatchReady()), this, SLOT(takeArrivals()));
+    connect(&d->m_gatherer, SIGNAL(fileNameFinished(bool)), this, SLOT(takeArrivals()));
 }
 
 int FileManager::readError() const
 {
-    return d->readError;
+    return d->m_readError;
 }
 
 std::vector<std::string> FileManager::getFilenameList(const std::string& path, bool splitGaps, bool longNames,
@@ -86,13 +86,13 @@ void FileManager::setFiles(const std::list<std::string>& names)
         auto batch = std::make_shared<NameBatch>();
         for (const std::string& name : names)
             batch->add(name.c_str(), false);
-        d->pendingNames = std::move(batch);
+        d->m_pendingNames = std::move(batch);
     });
 }
 
 void FileManager::insertFiles()
 {
-    if (const auto names = std::exchange(d->pendingNames, nullptr))
+    if (const auto names = std::exchange(d->m_pendingNames, nullptr))
         d->attempt([&] { d->insert(*names); });
 }
 
@@ -100,53 +100,53 @@ void FileManager::updateInfo(const std::vector<FileInfoWrapper>* batch, bool ann
 {
     if (!batch)
         return;
-    const auto first = static_cast<int>(d->index.knownCount());
+    const auto first = static_cast<int>(d->m_index.knownCount());
     d->attempt([&] {
-        if (d->reevaluationEnabled)
-            d->index.regroup();
-        d->index.apply(*batch);
+        if (d->m_reevaluationEnabled)
+            d->m_index.regroup();
+        d->m_index.apply(*batch);
     });
     if (!announce)
         return;
-    if (d->reevaluationEnabled)
+    if (d->m_reevaluationEnabled)
         emit refreshList();
     else
-        emit infoUpdated(first, static_cast<int>(d->index.knownCount()) - first);
+        emit infoUpdated(first, static_cast<int>(d->m_index.knownCount()) - first);
 }
 
 void FileManager::setAssumeZeroPadding(bool assume)
 {
-    d->index.setAssumeZeroPadding(assume);
+    d->m_index.setAssumeZeroPadding(assume);
 }
 
 void FileManager::setReevaluationEnabled(bool enabled)
 {
-    d->reevaluationEnabled = enabled;
+    d->m_reevaluationEnabled = enabled;
 }
 
 void FileManager::reevaluateSequences()
 {
-    d->attempt([this] { d->index.regroup(); });
+    d->attempt([this] { d->m_index.regroup(); });
 }
 
 void FileManager::createSecondarySequence(FileInfo* sequence, const char* pattern, int digits, bool padded,
                                           int frame, FileInfo* member)
 {
-    d->attempt([&] { d->index.makeSequence(sequence, pattern, digits, padded, frame, member); });
+    d->attempt([&] { d->m_index.makeSequence(sequence, pattern, digits, padded, frame, member); });
 }
 
 void FileManager::createSplitSequences()
 {
-    d->attempt([this] { d->index.split(); });
+    d->attempt([this] { d->m_index.split(); });
 }
 
 void FileManager::buildRunningList(std::vector<FileInfo*>* out, Base::FileHandle::ListType type)
 {
     try {
-        d->index.rows(*out, type);
+        d->m_index.rows(*out, type);
     } catch (const std::bad_alloc&) {
         out->clear();
-        d->readError = ENOMEM;
+        d->m_readError = ENOMEM;
     }
 }
 
@@ -162,45 +162,45 @@ void FileManager::addSequenceFileExtension(const char* extension)
 
 std::shared_ptr<const void> FileManager::entryStorage() const
 {
-    return d->index.storage();
+    return d->m_index.storage();
 }
 
 FileInfo* FileManager::createEntry()
 {
-    return d->index.createEntry();
+    return d->m_index.createEntry();
 }
 
 void FileManager::followMembers(FileInfo* sequence)
 {
-    d->attempt([&] { d->index.follow(sequence); });
+    d->attempt([&] { d->m_index.follow(sequence); });
 }
 
 void FileManager::forgetFollowers()
 {
-    d->index.forgetFollowers();
+    d->m_index.forgetFollowers();
 }
 
 void FileManager::setNamesOrdered(bool ordered)
 {
-    d->namesOrdered = ordered;
+    d->m_namesOrdered = ordered;
     if (!ordered)
-        d->nameOrder.reset();
+        d->m_nameOrder.reset();
 }
 
 NameOrder FileManager::takeNameOrder()
 {
-    const auto taken = std::move(d->nameOrder);
+    const auto taken = std::move(d->m_nameOrder);
     return taken && taken->isFinished() ? std::move(*taken) : NameOrder();
 }
 
 bool FileManager::isInfoComplete() const
 {
-    return d->index.knownCount() == d->index.size();
+    return d->m_index.knownCount() == d->m_index.size();
 }
 
 unsigned FileManager::generation() const
 {
-    return d->generation;
+    return d->m_generation;
 }
 
 } // namespace Halvern::UI

@@ -19,17 +19,17 @@ struct FileManager::Private
 {
     static constexpr qint64 TurnShare = 8; // milliseconds
 
-    // Qt delivers all that was posted before it looks at the mouse or a timer again, and the worker can post
-    // as fast as this thread takes it. So there is a share for each turn of the event loop; what is beyond it
-    // waits for the timer, which becomes due in the turn and is served in the next.
+    // Qt delivers all posted events before it looks at the mouse or a timer again, and the worker can post as
+    // fast as this thread works. So batches get a share of each turn of the event loop. The rest waits for the
+    // timer, which becomes due in the turn and fires in the next.
     void beginTurn()
     {
-        turn.start();
-        arrivalsTimer.start(1);
+        m_turn.start();
+        m_arrivalsTimer.start(1);
     }
-    bool turnIsOver() const { return !readingSynchronously && turn.elapsed() >= TurnShare; }
+    bool turnIsOver() const { return !m_readingSynchronously && m_turn.elapsed() >= TurnShare; }
 
-    // False if memory for it could not be had, which ends the read.
+    // False if there was not enough memory, which ends the read.
     template <class Work>
     bool attempt(Work work)
     {
@@ -37,9 +37,9 @@ struct FileManager::Private
             work();
             return true;
         } catch (const std::bad_alloc&) {
-            gatherer.stop();
-            nameOrder.reset();
-            readError = ENOMEM;
+            m_gatherer.stop();
+            m_nameOrder.reset();
+            m_readError = ENOMEM;
             return false;
         }
     }
@@ -49,20 +49,20 @@ struct FileManager::Private
     bool prepareList();
     void trimPool();
 
-    const pid_t process = ::getpid();
-    QPointer<FileManager> self; // copied without an allocation
-    std::string currentDirectory;
-    SequenceIndex index;
-    FileGatherer gatherer{[this](std::size_t names) { return index.pool().prepare(names); }};
-    QTimer arrivalsTimer; // its timeout begins the next turn
-    QElapsedTimer turn;
-    FileGatherer::NameQueue::BatchPointer pendingNames;
-    std::unique_ptr<NameOrder> nameOrder; // of all files; null if it is not wanted
-    int readError = 0;
-    unsigned generation = 0;
-    bool reevaluationEnabled = false;
-    bool namesOrdered = false;
-    bool readingSynchronously = false;
+    const pid_t m_process = ::getpid();
+    QPointer<FileManager> m_self; // copied without an allocation
+    std::string m_currentDirectory;
+    SequenceIndex m_index;
+    FileGatherer m_gatherer{[this](std::size_t names) { return m_index.pool().prepare(names); }};
+    QTimer m_arrivalsTimer; // its timeout begins the next turn
+    QElapsedTimer m_turn;
+    FileGatherer::NameQueue::BatchPointer m_pendingNames;
+    std::unique_ptr<NameOrder> m_nameOrder; // of all files; null if it is not wanted
+    int m_readError = 0;
+    unsigned m_generation = 0;
+    bool m_reevaluationEnabled = false;
+    bool m_namesOrdered = false;
+    bool m_readingSynchronously = false;
 };
 
 } // namespace Halvern::UI

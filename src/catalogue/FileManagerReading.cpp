@@ -25,44 +25,44 @@ int errorOfOpening(const std::string& path)
 
 void FileManager::Private::insert(const NameBatch& names)
 {
-    if (nameOrder && nameOrder->isFinished())
-        nameOrder.reset();
+    if (m_nameOrder && m_nameOrder->isFinished())
+        m_nameOrder.reset();
     for (std::size_t i = 0; i < names.size(); ++i) {
-        const FileInfo* file = index.add(names[i].text, names[i].isDirectory);
-        if (nameOrder)
-            nameOrder->add(file);
+        const FileInfo* file = m_index.add(names[i].text, names[i].isDirectory);
+        if (m_nameOrder)
+            m_nameOrder->add(file);
     }
-    auto left = index.pool().takeOldMembers();
+    auto left = m_index.pool().takeOldMembers();
     if (!left.empty())
         Base::callInBackground([left = std::move(left)] {});
 }
 
 void FileManager::Private::takeNames()
 {
-    if (const auto names = gatherer.takeNames())
+    if (const auto names = m_gatherer.takeNames())
         insert(*names);
 }
 
-// What is left to do when all names are taken; false if the turn is over and not all is done.
+// Does what is left to do when all names are taken; false if the turn is over before all is done.
 bool FileManager::Private::prepareList()
 {
     constexpr std::size_t AtOnce = 1000;
-    while (!index.settle(AtOnce)) {
+    while (!m_index.settle(AtOnce)) {
         if (turnIsOver())
             return false;
     }
-    if (nameOrder)
-        nameOrder->finish();
+    if (m_nameOrder)
+        m_nameOrder->finish();
     return true;
 }
 
 void FileManager::Private::trimPool()
 {
     // Others may still look at the entries that they hold.
-    if (index.isStorageShared())
+    if (m_index.isStorageShared())
         return;
     try {
-        if (auto trimming = index.pool().trimming())
+        if (auto trimming = m_index.pool().trimming())
             Base::callInBackground(std::move(trimming));
     } catch (const std::bad_alloc&) {
         // The next read tries again.
@@ -71,78 +71,78 @@ void FileManager::Private::trimPool()
 
 bool FileManager::getFilesFromFolderPrivate(const std::string& path, bool force, bool asynchronous)
 {
-    if (d->readingSynchronously)
+    if (d->m_readingSynchronously)
         return false;
     leaveParentProcess();
     const int error = errorOfOpening(path);
-    const bool samePath = path == d->currentDirectory;
-    if (samePath && !force && error == 0 && d->readError == 0)
+    const bool samePath = path == d->m_currentDirectory;
+    if (samePath && !force && error == 0 && d->m_readError == 0)
         return false;
-    d->gatherer.stop();
+    d->m_gatherer.stop();
     if (error == 0 || !samePath)
         cleanData();
-    if (!d->attempt([&] { d->currentDirectory = path; }))
+    if (!d->attempt([&] { d->m_currentDirectory = path; }))
         return false;
-    d->readError = error;
+    d->m_readError = error;
     if (error != 0) {
         d->trimPool();
         return false;
     }
-    d->readingSynchronously = !asynchronous;
+    d->m_readingSynchronously = !asynchronous;
     const bool begun = d->attempt([&] {
         if (asynchronous) {
             d->beginTurn();
-            d->gatherer.startReading(path);
+            d->m_gatherer.startReading(path);
         } else {
-            d->gatherer.readNow(path);
+            d->m_gatherer.readNow(path);
         }
     });
-    d->readingSynchronously = false;
+    d->m_readingSynchronously = false;
     return begun;
 }
 
 void FileManager::cleanData()
 {
     leaveParentProcess();
-    d->gatherer.stop(); // what is still to come belongs to entries that go
-    auto left = d->index.clear();
+    d->m_gatherer.stop(); // what is still to come belongs to entries that go
+    auto left = d->m_index.clear();
     // Freeing a node for each of a million files takes longer than a click may.
     if (left.isLarge())
         Base::callInBackground([left = std::move(left)] {});
-    d->nameOrder.reset();
-    if (d->namesOrdered)
-        d->attempt([this] { d->nameOrder = std::make_unique<NameOrder>(); });
-    ++d->generation;
+    d->m_nameOrder.reset();
+    if (d->m_namesOrdered)
+        d->attempt([this] { d->m_nameOrder = std::make_unique<NameOrder>(); });
+    ++d->m_generation;
 }
 
 void FileManager::takeArrivals()
 {
-    if (d->process != ::getpid())
+    if (d->m_process != ::getpid())
         return;
     const bool beginsTurn =
-        d->gatherer.hasArrivals() && !d->readingSynchronously && !d->arrivalsTimer.isActive();
+        d->m_gatherer.hasArrivals() && !d->m_readingSynchronously && !d->m_arrivalsTimer.isActive();
     if (beginsTurn && !d->attempt([this] { d->beginTurn(); })) {
         emit refreshList();
         return;
     }
-    const QPointer<FileManager> alive = d->self;
-    while (alive && d->gatherer.hasArrivals() && !d->turnIsOver())
+    const QPointer<FileManager> alive = d->m_self;
+    while (alive && d->m_gatherer.hasArrivals() && !d->turnIsOver())
         takeNextArrival();
-    if (alive && d->gatherer.areNamesAnnounced() && d->gatherer.error() != 0 && d->readError == 0) {
-        d->readError = d->gatherer.error();
-        emit infoUpdated(static_cast<int>(d->index.knownCount()), 0);
+    if (alive && d->m_gatherer.areNamesAnnounced() && d->m_gatherer.error() != 0 && d->m_readError == 0) {
+        d->m_readError = d->m_gatherer.error();
+        emit infoUpdated(static_cast<int>(d->m_index.knownCount()), 0);
     }
 }
 
 void FileManager::takeNextArrival()
 {
-    if (d->gatherer.areNamesAnnounced()) {
+    if (d->m_gatherer.areNamesAnnounced()) {
         fileInfoBatchReady();
         return;
     }
     bool complete = false;
     const bool done = d->attempt([&] {
-        if (d->gatherer.hasNames())
+        if (d->m_gatherer.hasNames())
             d->takeNames();
         else
             complete = d->prepareList();
@@ -150,8 +150,8 @@ void FileManager::takeNextArrival()
     if (done && !complete)
         return;
     if (done) {
-        d->gatherer.takeNamesFinished();
-        d->readError = d->gatherer.error();
+        d->m_gatherer.takeNamesFinished();
+        d->m_readError = d->m_gatherer.error();
         d->trimPool();
     }
     emit refreshList();
@@ -164,17 +164,17 @@ void FileManager::fileNameBatchReady()
 
 void FileManager::fileInfoBatchReady()
 {
-    const auto infos = d->gatherer.takeInfos();
+    const auto infos = d->m_gatherer.takeInfos();
     updateInfo(infos.get(), true);
 }
 
 void FileManager::fileNameFinished(bool withInfo)
 {
     if (withInfo) {
-        const auto infos = d->gatherer.takeInfos();
+        const auto infos = d->m_gatherer.takeInfos();
         updateInfo(infos.get(), false);
     }
-    const QPointer<FileManager> alive = d->self;
+    const QPointer<FileManager> alive = d->m_self;
     emit refreshList();
     if (withInfo && alive)
         emit infoUpdated(0, -1);
@@ -190,13 +190,13 @@ void FileManager::leaveToParentProcess()
 
 void FileManager::leaveParentProcess()
 {
-    if (d->process == ::getpid())
+    if (d->m_process == ::getpid())
         return;
     auto own = std::make_unique<Private>();
-    own->index.setAssumeZeroPadding(d->index.assumesZeroPadding());
-    own->generation = d->generation + 1;
-    own->reevaluationEnabled = d->reevaluationEnabled;
-    own->namesOrdered = d->namesOrdered;
+    own->m_index.setAssumeZeroPadding(d->m_index.assumesZeroPadding());
+    own->m_generation = d->m_generation + 1;
+    own->m_reevaluationEnabled = d->m_reevaluationEnabled;
+    own->m_namesOrdered = d->m_namesOrdered;
     leaveToParentProcess();
     d = std::move(own);
     connectWorker();

@@ -85,8 +85,8 @@ void SequenceIndex::group(std::size_t index, bool everyMemberSetsWidth)
         found.entry->setNumberOfHashes(digits, padded, m_assumeZeroPadding);
 }
 
-// The entry that is under the name afterwards: the present one, if there is one. Patterns are looked up for
-// every numbered file, which is quicker by their hash.
+// Returns the entry that is under the name afterwards: the one that was there, if any. Patterns are looked up
+// for every numbered file, which is quicker by their hash.
 FileInfo* SequenceIndex::enter(const char* name, FileInfo* entry)
 {
     const auto [place, isNew] = m_groups.byName.emplace(name, entry);
@@ -163,7 +163,7 @@ bool SequenceIndex::addMember(FileInfo* sequence, int frame, FileInfo* member, b
     const bool added = members.size() > before;
     if (!added && member && sequence->isSequence())
         m_groups.surplus[sequence].emplace(frame, member);
-    // If no member is known there is nothing to sum, which would be a walk over all.
+    // If no member is known, there is nothing to sum.
     const auto isKnown = [](const auto& other) { return other.second && other.second->isInfoValid(); };
     if (known || (sequence->sequenceFileCount() == 2 && std::any_of(members.begin(), members.end(), isKnown)))
         m_unsummed.insert(sequence);
@@ -195,7 +195,7 @@ void SequenceIndex::sumUp()
 void SequenceIndex::applyTo(File& file, const FileInfoWrapper& info)
 {
     const unsigned long long previousSize = file.entry->size();
-    // If a host set attributes before, the sums do not have them.
+    // Attributes that a host set before are not in the sums.
     if (file.sequence && file.entry->isInfoValid())
         m_unsummed.insert(file.sequence);
     file.entry->setAdditionalInfo(info);
@@ -312,7 +312,7 @@ std::size_t SequenceIndex::appendSequence(std::vector<FileInfo*>& out, FileInfo*
         out.push_back(sequence);
     }
     if (split && sequence->hasGaps()) {
-        // Runs are counted also if the sequence is not shown, so that the following ones keep theirs.
+        // Runs are counted even if the sequence is not shown, so that the next sequences get theirs.
         for (const FrameRange& range : sequence->frameRanges()) {
             FileInfo* run =
                 isSingleFrame(range) ? sequence->sequenceFiles().at(range.first) : m_runs.entries[nextRun++];

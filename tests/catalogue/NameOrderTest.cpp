@@ -21,6 +21,7 @@ private slots:
     void ordersAsAStableSort()
     {
         std::vector<FileInfo> some;
+        some.reserve(300);
         for (int i = 0; i < 300; ++i)
             some.emplace_back(qPrintable(QString::asprintf("shot_010_comp.%d", i)), false);
         std::mt19937 random(1); // NOLINT(cert-msc32-c,cert-msc51-cpp): the same names in every run

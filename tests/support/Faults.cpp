@@ -17,7 +17,7 @@ std::atomic<const char*> faultyFolder;
 
 namespace {
 
-// Of the first thread only. Files are asked for before it is made and, as it is never destroyed, to the end.
+// Of the first thread only. Never destroyed: files are asked for until the process ends.
 QStringList* calls = nullptr;
 
 constexpr const char* Opened = "(opened before)"; // in place of a path
@@ -50,8 +50,7 @@ bool isFaulty(const char* name, const char* path, int file)
     return path && std::strncmp(path, folder, std::strlen(folder)) == 0;
 }
 
-// Whether the call is to fail, with errno set. Calls without a path are not counted: they are no round trip,
-// or the thread's own business.
+// Whether the call is to fail, with errno set. Calls without a path are not counted.
 bool fails(const char* name, const char* path, int file = -1)
 {
     const bool onWorker = ::gettid() != ::getpid();
@@ -75,7 +74,7 @@ bool fails(const char* name, const char* path, int file = -1)
     return true;
 }
 
-// Of this thread. Reached without an allocation.
+// Of this thread. This access model makes no allocation.
 __attribute__((tls_model("initial-exec"))) thread_local bool hasDirectory = false;
 
 [[maybe_unused]] bool allocationFails()

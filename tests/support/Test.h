@@ -6,8 +6,8 @@
 #include <QtTest>
 
 /// Base of every test class: a Qt warning that the test did not announce fails the test function in which it
-/// appears, and settings are written to a folder of the test's own. A test class that needs preparations of
-/// its own declares init(); the slots declared here would be replaced by slots of the same name.
+/// appears, and settings are written to a folder of the test's own. For its own preparations a test class
+/// declares init(); slots with the names of those here would replace them.
 class Test : public QObject
 {
     Q_OBJECT
