@@ -209,6 +209,7 @@ void FileGatherer::putNames()
 {
     if (!m_filling)
         return;
+    m_filling->squeeze();
     m_readNames.push_back(std::exchange(m_filling, nullptr));
     m_names.put(m_readNames.back());
     announce([this] { emit fileNameBatchReady(); });

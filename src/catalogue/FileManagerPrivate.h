@@ -20,8 +20,8 @@ struct FileManager::Private
     static constexpr qint64 TurnShare = 8; // milliseconds
 
     // Qt delivers all posted events before it looks at the mouse or a timer again, and the worker can post as
-    // fast as this thread works. So batches get a share of each turn of the event loop. The rest waits for the
-    // timer, which becomes due in the turn and fires in the next.
+    // fast as this thread works. So batches get a share of each turn of the event loop. The rest waits for
+    // the timer, which becomes due in the turn and fires in the next.
     void beginTurn()
     {
         m_turn.start();

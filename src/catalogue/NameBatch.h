@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -20,10 +21,16 @@ public:
     /// Throws `std::bad_alloc`, which leaves the names as they were.
     void add(const char* name, bool isDirectory)
     {
-        const std::size_t begin = m_bytes.size();
+        const auto begin = static_cast<std::uint32_t>(m_bytes.size());
         m_bytes.push_back(isDirectory ? DirectoryMark : OtherMark);
         m_bytes.append(name).push_back('\0');
         m_begins.push_back(begin);
+    }
+    /// Gives back memory that was obtained ahead of use.
+    void squeeze()
+    {
+        m_bytes.shrink_to_fit();
+        m_begins.shrink_to_fit();
     }
     std::size_t size() const { return m_begins.size(); }
     Name operator[](std::size_t index) const
@@ -36,8 +43,8 @@ private:
     static constexpr char DirectoryMark = 'd';
     static constexpr char OtherMark = 'f';
 
-    std::string m_bytes;               // of each name its mark, the name and its terminator
-    std::vector<std::size_t> m_begins; // of the marks
+    std::string m_bytes;                 // of each name its mark, the name and its terminator
+    std::vector<std::uint32_t> m_begins; // of the marks
 };
 
 } // namespace Halvern::UI

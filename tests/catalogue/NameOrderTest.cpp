@@ -73,7 +73,7 @@ private slots:
                 // From the last name on, so that sorting has to turn them round.
                 Base::SortKeys keys;
                 std::vector<int> ascending;
-                for (int i = names.size() - 1; i >= 0; --i) {
+                for (int i = int(names.size()) - 1; i >= 0; --i) {
                     ascending.push_back(i);
                     keys.appendFrom([&, name = names.at(i).constData()](std::vector<char>& key) {
                         NaturalOrder(numbers).appendKey(name, key);
