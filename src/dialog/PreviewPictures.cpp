@@ -47,7 +47,7 @@ void PreviewPictures::receive(const Picture& picture)
 {
     m_cache.insert(picture);
     emit cacheChanged();
-    const int place = m_awaited.indexOf(picture.path);
+    const auto place = m_awaited.indexOf(picture.path);
     if (place < 0 && picture.path != m_path)
         return;
     m_awaited.erase(m_awaited.begin(), m_awaited.begin() + place + 1);
