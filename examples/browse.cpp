@@ -151,9 +151,11 @@ void configure(FileDialog& dialog, const Options& options)
         QStringList patterns(options.filter);
         dialog.setFilters(patterns, false);
     }
-    // Open, unless the user's settings, which the dialog reads next, say otherwise.
-    dialog.findChild<QAbstractButton*>(QStringLiteral("previewButton"))->setChecked(true);
-    dialog.setPreviewWidget(new FilePreview(&dialog, 0));
+    if (options.needsWindow()) {
+        // Open, unless the user's settings, which the dialog reads next, say otherwise.
+        dialog.findChild<QAbstractButton*>(QStringLiteral("previewButton"))->setChecked(true);
+        dialog.setPreviewWidget(new FilePreview(&dialog, 0));
+    }
     dialog.setDirectory(QDir(options.directory), false, false);
 }
 
