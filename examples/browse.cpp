@@ -4,6 +4,7 @@
 
 #include "dialog/FileDialog.h"
 #include "dialog/FilePreview.h"
+#include "widgets/AppSettings.h"
 
 #include <QApplication>
 #include <QCheckBox>
@@ -152,9 +153,10 @@ void configure(FileDialog& dialog, const Options& options)
         dialog.setFilters(patterns, false);
     }
     if (options.needsWindow()) {
-        // Open, unless the user's settings, which the dialog reads next, say otherwise.
-        dialog.findChild<QAbstractButton*>(QStringLiteral("previewButton"))->setChecked(true);
         dialog.setPreviewWidget(new FilePreview(&dialog, 0));
+        // Open, unless the user closed it.
+        if (Halvern::UI::AppSettings::Flag(QStringLiteral("FileBrowser/preview")).value_or(true))
+            dialog.findChild<QAbstractButton*>(QStringLiteral("previewButton"))->setChecked(true);
     }
     dialog.setDirectory(QDir(options.directory), false, false);
 }
