@@ -59,13 +59,22 @@ void appendRange(std::vector<FrameRange>& runs, const FrameRange& range)
         runs.back().last = range.last;
 }
 
-std::nullopt_t refuse(std::string_view item)
+std::nullopt_t refuse(const std::string& reason, std::string* error)
 {
-    std::printf(
-        "Frame range \"%.*s\": expected a frame (7), a range (1-10) or a range with a step, in numbers "
-        "from -2147483648 to 2147483647\n",
-        static_cast<int>(std::min<std::size_t>(item.size(), 80)), item.data());
+    if (error)
+        *error = reason;
+    else
+        std::printf("%s\n", reason.c_str());
     return std::nullopt;
+}
+
+std::nullopt_t refuseItem(std::string_view item, std::string* error)
+{
+    constexpr std::size_t Quoted = 80;
+    return refuse("Frame range \"" + std::string(item.substr(0, Quoted)) +
+                      "\": expected a frame (7), a range (1-10) or a range with a step, in numbers from "
+                      "-2147483648 to 2147483647",
+                  error);
 }
 
 /// Takes the number that @p text begins with off it.
@@ -84,7 +93,7 @@ bool take(std::string_view& text, char mark)
 }
 
 /// Reads "7", "1-10" or, with 'x' as @p stepMark, "1-10x2".
-std::optional<FrameRange> parseItem(std::string_view item, char stepMark)
+std::optional<FrameRange> parseItem(std::string_view item, char stepMark, std::string* error)
 {
     std::string_view rest = item;
     FrameRange range;
@@ -96,7 +105,7 @@ std::optional<FrameRange> parseItem(std::string_view item, char stepMark)
             isRead = takeNumber(rest, range.step) && range.step > 0;
     }
     if (!isRead || !rest.empty())
-        return refuse(item);
+        return refuseItem(item, error);
     return range;
 }
 
@@ -133,13 +142,14 @@ FrameRanges::FrameRanges(std::vector<FrameRange> runs)
 }
 
 // Ranges that overlap, of which one has a step, are looked at frame by frame.
-std::optional<FrameRanges> FrameRanges::unite(std::vector<FrameRange> ranges)
+std::optional<FrameRanges> FrameRanges::unite(std::vector<FrameRange> ranges, std::string* error)
 {
     for (const FrameRange& range : ranges) {
         if (range.step < 1) {
-            std::printf("Frame range %d-%d: a step of %d leads nowhere\n", range.first, range.last,
-                        range.step);
-            return std::nullopt;
+            const std::string frames = std::to_string(range.first) + '-' + std::to_string(range.last);
+            return refuse("Frame range " + frames + ": the step is " + std::to_string(range.step) +
+                              ", and must be 1 or more",
+                          error);
         }
     }
     std::transform(ranges.begin(), ranges.end(), ranges.begin(), ascending);
@@ -158,11 +168,10 @@ std::optional<FrameRanges> FrameRanges::unite(std::vector<FrameRange> ranges)
         std::vector<int> frames;
         for (auto range = begin; range != end; ++range) {
             overlapping += frameCount(*range);
-            if (overlapping > MostOverlappingFrames) {
-                std::printf("Frame ranges: more than %lld frames in overlapping ranges with steps\n",
-                            MostOverlappingFrames);
-                return std::nullopt;
-            }
+            if (overlapping > MostOverlappingFrames)
+                return refuse("Frame ranges: more than " + std::to_string(MostOverlappingFrames) +
+                                  " frames in overlapping ranges with steps",
+                              error);
             for (Frame frame = range->first; frame <= range->last; frame += range->step)
                 frames.push_back(static_cast<int>(frame));
         }
@@ -174,18 +183,18 @@ std::optional<FrameRanges> FrameRanges::unite(std::vector<FrameRange> ranges)
     return FrameRanges(std::move(runs));
 }
 
-std::optional<FrameRanges> FrameRanges::parse(std::string_view text)
+std::optional<FrameRanges> FrameRanges::parse(std::string_view text, std::string* error)
 {
     std::vector<FrameRange> ranges;
     if (trimmed(text).empty())
         return FrameRanges();
     for (const std::string_view item : split(text, ',')) {
-        const auto range = parseItem(trimmed(item), 'x');
+        const auto range = parseItem(trimmed(item), 'x', error);
         if (!range)
             return std::nullopt;
         ranges.push_back(*range);
     }
-    return unite(std::move(ranges));
+    return unite(std::move(ranges), error);
 }
 
 std::optional<FrameRanges> FrameRanges::parseDisplayName(std::string_view name)
@@ -195,11 +204,11 @@ std::optional<FrameRanges> FrameRanges::parseDisplayName(std::string_view name)
     if (!head.empty() && head.back() == ')') {
         const std::size_t bracket = head.rfind('(');
         if (bracket == std::string_view::npos)
-            return refuse(name);
+            return refuseItem(name, nullptr);
         listed = head.substr(bracket + 1, head.size() - bracket - 2);
         head = trimmed(head.substr(0, bracket));
     }
-    const auto whole = parseItem(head.substr(head.rfind(' ') + 1), ',');
+    const auto whole = parseItem(head.substr(head.rfind(' ') + 1), ',', nullptr);
     if (!whole)
         return std::nullopt;
     if (trimmed(listed).empty())
@@ -208,7 +217,7 @@ std::optional<FrameRanges> FrameRanges::parseDisplayName(std::string_view name)
     for (const std::string_view item : split(listed, ' ')) {
         if (item.empty())
             continue;
-        auto run = parseItem(item, ',');
+        auto run = parseItem(item, ',', nullptr);
         if (!run)
             return std::nullopt;
         run->step = whole->step;

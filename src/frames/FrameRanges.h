@@ -17,7 +17,8 @@ namespace Halvern::Base {
 ///
 /// Each frame counts once, and frames are in ascending order however they were given. Frames may be negative
 /// and span all of int; a range takes the same memory however long it is. A plain value that does not change
-/// after it was made. A line on standard output tells what cannot be read or reached.
+/// after it was made. A line tells what cannot be read or reached: in the caller's text if there is one, else
+/// on standard output.
 class HVCOREUI_EXPORT FrameRanges
 {
 public:
@@ -63,9 +64,9 @@ public:
     /// and a blank text is the empty set. A range may run backwards, which matters for its step only:
     /// "10-1x3" is 10, 7, 4 and 1. Ranges may overlap.
     ///
-    /// Nothing, and a line on standard output that quotes the item, if the text is none of that, and for
-    /// what unite() refuses.
-    static std::optional<FrameRanges> parse(std::string_view text);
+    /// Nothing, and a line in @p error or on standard output that quotes the item, if the text is none of
+    /// that, and for what unite() refuses.
+    static std::optional<FrameRanges> parse(std::string_view text, std::string* error = nullptr);
 
     /// Reads the frames from the display name of a sequence, in which a comma stands before a step:
     /// "x.#.exr 1-7,2" is 1, 3, 5 and 7, "x.#.exr 1-9 ( 1-4  6-8 )" the runs in brackets with the first and
@@ -74,9 +75,9 @@ public:
 
     /// The frames that are in any of @p ranges, each of which may run backwards.
     ///
-    /// Nothing, and a line on standard output, for a step below 1, and if ranges that overlap and have steps
-    /// hold more than a million frames.
-    static std::optional<FrameRanges> unite(std::vector<FrameRange> ranges);
+    /// Nothing, and a line in @p error or on standard output, for a step below 1, and if ranges that overlap
+    /// and have steps hold more than a million frames.
+    static std::optional<FrameRanges> unite(std::vector<FrameRange> ranges, std::string* error = nullptr);
 
     /// The runs as parse() reads them. Example: the frames 1, 3, 5, 6, 7, 8 give "1-5x2,6-8".
     std::string text() const;
