@@ -17,6 +17,8 @@ METHODS = """setDirectory setFilename setFilters setShowChooserTypes setSequence
 def test_exposes_what_is_promised_and_no_more(cls, base, names):
     assert issubclass(cls, base)
     assert {name for name in set(dir(cls)) - set(dir(base)) if not name.startswith("__")} == set(names.split())
+    for name in names.split():
+        assert getattr(cls, name).__doc__.startswith(f"{cls.__name__}.{name}()\n\n{name}("), "it stands in error messages"
 
 
 def test_opens_the_protected_members_of_a_widget():
