@@ -42,8 +42,18 @@ endforeach()
 
 set_target_properties(CoreUI PROPERTIES EXPORT_NAME CoreUI)
 install(TARGETS CoreUI EXPORT HvMirefoldCoreUITargets LIBRARY DESTINATION ${COREUI_MODULE_DIR})
-# The types of the module, for editors and type checkers.
-install(FILES ${COREUI_TYPE_STUB} DESTINATION ${COREUI_MODULE_DIR})
+# The types of the module, for editors and type checkers. The latter read those of an installed module from a package of
+# this name only.
+install(FILES ${coreui_generated_STUB} DESTINATION ${COREUI_MODULE_DIR})
+install(FILES ${coreui_generated_STUB} DESTINATION ${COREUI_MODULE_DIR}/_HvMirefoldCoreUI-stubs RENAME __init__.pyi)
+
+# The Python package beside the module.
+install(TARGETS CoreUIPackage LIBRARY DESTINATION ${COREUI_MODULE_DIR}/HvMirefoldCoreUI)
+install(FILES ${coreui_package_generated_STUB} DESTINATION ${COREUI_MODULE_DIR}/HvMirefoldCoreUI)
+foreach(file IN LISTS COREUI_PACKAGE_FILES)
+    get_filename_component(folder ${COREUI_MODULE_DIR}/HvMirefoldCoreUI/${file} DIRECTORY)
+    install(FILES ${PROJECT_SOURCE_DIR}/src/python/package/${file} DESTINATION ${folder})
+endforeach()
 
 # The build for Qt 5 is also found under its name by the linker and by Debian's Python.
 function(coreui_link folder target)
@@ -55,8 +65,9 @@ function(coreui_link folder target)
 endfunction()
 if(COREUI_QT EQUAL 5)
     coreui_link(lib HvMirefoldCoreUI-qt5/_HvMirefoldCoreUI.abi3.so)
-    coreui_link(lib/python3/dist-packages ../../HvMirefoldCoreUI-qt5/_HvMirefoldCoreUI.abi3.so)
-    coreui_link(lib/python3/dist-packages ../../HvMirefoldCoreUI-qt5/_HvMirefoldCoreUI.pyi)
+    foreach(name _HvMirefoldCoreUI.abi3.so _HvMirefoldCoreUI.pyi _HvMirefoldCoreUI-stubs HvMirefoldCoreUI)
+        coreui_link(lib/python3/dist-packages ../../HvMirefoldCoreUI-qt5/${name})
+    endforeach()
 endif()
 
 # The programs that read pictures. The library starts the one with OpenImageIO if it is there, and else the other.

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "base/Export.h"
+
 #include <QString>
 #include <QStringView>
 #include <optional>
@@ -15,21 +17,21 @@ constexpr char Hash = '#';
 
 /// The name with the text from its first "#" to its last as a printf token: "img.####.exr" gives
 /// "img.%04d.exr", "img.#.exr" gives "img.%d.exr". A name without "#" stays as it is.
-QString withToken(const QString& name);
+HVCOREUI_EXPORT QString withToken(const QString& name);
 
 /// The name with "#" in place of printf tokens, as many for each as the first one is wide: "shot.%04d" gives
 /// "shot.####". A name without a token stays as it is.
-QString withHashes(const QString& name);
+HVCOREUI_EXPORT QString withHashes(const QString& name);
 
 /// The name with @p frame in place of the text from its first "#" to its last or, if it has no "#", in place
 /// of its first printf token. Zeros fill the number up to that width; a frame with more digits is written
 /// whole. "shot.####.exr" and 7 give "shot.0007.exr", "a.#.b.##.exr" and 5 give "a.000005.exr". Folders
 /// before the name stay as they are.
-QString withFrame(const QString& path, int frame);
+HVCOREUI_EXPORT QString withFrame(const QString& path, int frame);
 
 /// The bytes of a pattern with its first "#" widened to @p hashes of them: "img.#.exr" and 4 give
 /// "img.####.exr".
-std::string widened(std::string_view pattern, int hashes);
+HVCOREUI_EXPORT std::string widened(std::string_view pattern, int hashes);
 
 /// The text of a pattern before its first "#" and after its last; all of it, both times, if it has none. They
 /// refer to @p pattern. Example: "f.##.exr" gives "f." and ".exr".
@@ -48,7 +50,7 @@ struct NameWithRange
 /// 60-100 )" gives "shot.%04d.exr", 1 and 100. Numbers beyond int become the largest or the smallest one.
 /// Nothing if no range follows the last blank, or the last blank before the first " (". Folders before the
 /// name are not looked at and stay.
-std::optional<NameWithRange> splitRange(const QString& path);
+HVCOREUI_EXPORT std::optional<NameWithRange> splitRange(const QString& path);
 
 /// The range as listed names carry it: "1-100".
 std::string rangeText(int first, int last);

@@ -72,7 +72,9 @@ if(QT EQUAL 5)
     set(python_path ${prefix}/lib/python3/dist-packages)
 endif()
 run(${CMAKE_COMMAND} -E env PYTHONPATH=${python_path} ${PYTHON} -c
-    "import ast, _HvMirefoldCoreUI as m\nprint(m.__file__)\nast.parse(open(m.__file__[:-7] + 'pyi').read())")
+    "import ast, _HvMirefoldCoreUI as m\nprint(m.__file__)\nast.parse(open(m.__file__[:-7] + 'pyi').read())
+import HvMirefoldCoreUI as p\nassert '${WORK_DIR}' in p.__file__, p.__file__
+assert [e.name for e in p.list_directory('${WORK_DIR}/frames')] == ['shot.####.exr 1-4']")
 if(NOT output MATCHES "${prefix}")
     message(FATAL_ERROR "another module was imported: ${output}")
 endif()

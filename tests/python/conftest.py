@@ -60,3 +60,15 @@ def files(browser):
 
 def rows(browser):
     return [files(browser).index(row, 0).data() for row in range(files(browser).rowCount())]
+
+
+# Clicks rows of the file list.
+def choose(window, *names):
+    view = window.findChild(QtWidgets.QTreeView, "filesList")
+    model, role, first = view.model(), QtCore.Qt.ItemDataRole.DisplayRole, lambda: view.model().index(0, 0)
+    view.clearSelection()
+    for name in names:
+        until(lambda: model.match(first(), role, name))
+        index, = model.match(first(), role, name)
+        QTest.mouseClick(view.viewport(), QtCore.Qt.MouseButton.LeftButton,
+                         QtCore.Qt.KeyboardModifier.ControlModifier, view.visualRect(index).center())

@@ -1,0 +1,291 @@
+#include "python/package/Entries.h"
+
+#include "catalogue/FileInfo.h"
+#include "catalogue/FileManager.h"
+#include "frames/FrameRanges.h"
+#include "frames/Placeholder.h"
+
+#include <QByteArray>
+#include <QString>
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <list>
+#include <optional>
+#include <unordered_map>
+
+namespace Python {
+
+using Halvern::Base::FileHandle;
+using Halvern::Base::FrameRange;
+using Halvern::Base::FrameRanges;
+using Halvern::UI::FileInfo;
+using Halvern::UI::FileManager;
+namespace Placeholder = Halvern::UI::Placeholder;
+using Members = std::map<int, FileInfo*>;
+
+namespace {
+
+PyObject* fromName(const char* name)
+{
+    return PyUnicode_DecodeFSDefault(name);
+}
+
+// Nothing, with a Python error, for what is no path.
+std::optional<QByteArray> toBytes(PyObject* path)
+{
+    PyObject* encoded = nullptr;
+    if (!PyUnicode_FSConverter(path, &encoded))
+        return std::nullopt;
+    QByteArray bytes(PyBytes_AsString(encoded));
+    Py_DecRef(encoded);
+    return bytes;
+}
+
+// Each byte is a character meanwhile, so that a name survives whatever its encoding is.
+template <class Change>
+PyObject* changed(PyObject* path, Change change)
+{
+    const auto bytes = toBytes(path);
+    return bytes ? fromName(change(QString::fromLatin1(*bytes)).toLatin1().constData()) : nullptr;
+}
+
+PyObject* fromRuns(const FrameRanges& ranges)
+{
+    std::vector<int> numbers;
+    for (const FrameRange& run : ranges.runs())
+        numbers.insert(numbers.end(), {run.first, run.last, run.step});
+    return fromNumbers(numbers);
+}
+
+PyObject* fromRunsOrError(const std::optional<FrameRanges>& ranges, const std::string& error)
+{
+    if (ranges)
+        return fromRuns(*ranges);
+    PyErr_SetString(PyExc_ValueError, error.c_str());
+    return nullptr;
+}
+
+/// Takes the reference to @p item. False with a Python error if there is none, or no memory.
+bool append(PyObject* list, PyObject* item)
+{
+    const bool done = item && PyList_Append(list, item) == 0;
+    Py_DecRef(item);
+    return done;
+}
+
+/// The members that an entry shows: a run shows those of its sequence that it covers.
+Members shownMembers(const FileInfo& info)
+{
+    if (!info.parentSequence())
+        return info.sequenceFiles();
+    const Members& all = info.parentSequence()->sequenceFiles();
+    return {all.lower_bound(info.startFrame()), all.upper_bound(info.endFrame())};
+}
+
+PyObject* fromMemberNames(const Members& members)
+{
+    PyObject* names = PyTuple_New(static_cast<Py_ssize_t>(members.size()));
+    Py_ssize_t index = 0;
+    for (auto member = members.begin(); names && member != members.end(); ++member) {
+        PyObject* name = fromName(member->second->fileName());
+        if (!name) {
+            Py_DecRef(names);
+            return nullptr;
+        }
+        PyTuple_SetItem(names, index++, name);
+    }
+    return names;
+}
+
+// Takes the reference to names.
+PyObject* makeRow(const FileInfo& info, const std::vector<FrameRange>& frames, PyObject* names)
+{
+    return Py_BuildValue("(NNNNiKLN)", fromName(info.displayName()), PyBool_FromLong(info.isDirectory()),
+                         PyBool_FromLong(info.isSequence()), fromRuns(*FrameRanges::unite(frames)),
+                         info.isSequence() ? info.numberOfHashes() : 0, info.size(), info.modificationTime(),
+                         names);
+}
+
+std::vector<FrameRange> framesOf(const Members& members)
+{
+    std::vector<FrameRange> frames;
+    for (const auto& member : members)
+        frames.push_back({member.first, member.first, 1});
+    return frames;
+}
+
+FileHandle::ListType listType(bool collapse, bool split)
+{
+    if (!collapse)
+        return FileHandle::AllFiles;
+    return split ? FileHandle::RegisteredSplitSequences : FileHandle::RegisteredSequences;
+}
+
+std::vector<FileInfo*> rowsOf(FileManager& manager, FileHandle::ListType type)
+{
+    std::vector<FileInfo*> rows;
+    manager.buildRunningList(&rows, type);
+    return rows;
+}
+
+// False with a Python error if the folder cannot be read.
+bool read(FileManager& manager, PyObject* path)
+{
+    const auto folder = toBytes(path);
+    if (!folder)
+        return false;
+    PyThreadState* thread = PyEval_SaveThread();
+    manager.getFilesFromFolderSynchronously(folder->toStdString(), true);
+    PyEval_RestoreThread(thread);
+    if (manager.readError() == 0)
+        return true;
+    errno = manager.readError();
+    PyErr_SetFromErrnoWithFilenameObject(PyExc_OSError, path);
+    return false;
+}
+
+} // namespace
+
+PyObject* listDirectory(PyObject* path, bool collapse, bool split, bool hidden)
+{
+    FileManager manager;
+    if (!read(manager, path))
+        return nullptr;
+    std::vector<FileInfo*> entries = rowsOf(manager, listType(collapse, split));
+    std::sort(entries.begin(), entries.end(), [](const FileInfo* a, const FileInfo* b) {
+        return std::strcmp(a->displayName(), b->displayName()) < 0;
+    });
+    PyObject* rows = PyList_New(0);
+    for (auto entry = entries.begin(); rows && entry != entries.end(); ++entry) {
+        const char* name = (*entry)->displayName();
+        const bool isDots = std::strcmp(name, ".") == 0 || std::strcmp(name, "..") == 0;
+        if (isDots || (name[0] == '.' && !hidden))
+            continue;
+        const Members members = (*entry)->isSequence() ? shownMembers(**entry) : Members();
+        if (!append(rows, makeRow(**entry, framesOf(members), fromMemberNames(members)))) {
+            Py_DecRef(rows);
+            return nullptr;
+        }
+    }
+    return rows;
+}
+
+PyObject* describe(const FileInfo& info)
+{
+    std::vector<FrameRange> frames;
+    if (info.isSequence()) {
+        frames = framesOf(info.sequenceFiles());
+        if (frames.empty() && info.parentSequence())
+            frames.push_back({info.startFrame(), info.endFrame(), 1});
+    }
+    return makeRow(info, frames, PyTuple_New(0));
+}
+
+PyObject* group(const std::vector<FileInfo*>& files, bool split)
+{
+    FileManager rules;
+    std::list<std::string> names;
+    std::vector<int> indexes;
+    PyObject* rows = PyList_New(0);
+    const auto appendFile = [&rows](int index) {
+        return append(rows, Py_BuildValue("(O()(i))", Py_None, index));
+    };
+    bool done = rows != nullptr;
+    for (int i = 0; done && i < static_cast<int>(files.size()); ++i) {
+        const FileInfo* file = files[static_cast<std::size_t>(i)];
+        if (!file)
+            continue;
+        if (file->isDirectory() || file->isSequence()) {
+            done = appendFile(i);
+        } else {
+            names.emplace_back(file->fileName());
+            indexes.push_back(i);
+        }
+    }
+    rules.setFiles(names);
+    rules.insertFiles();
+    std::unordered_map<const FileInfo*, int> indexOf;
+    const std::vector<FileInfo*> all = rowsOf(rules, FileHandle::AllFiles);
+    for (std::size_t i = 0; i < all.size(); ++i)
+        indexOf[all[i]] = indexes[i];
+    for (const FileInfo* row : rowsOf(rules, listType(true, split))) {
+        if (!done)
+            break;
+        if (!row->isSequence()) {
+            done = appendFile(indexOf[row]);
+            continue;
+        }
+        std::vector<int> frames;
+        std::vector<int> members;
+        for (const auto& [frame, member] : shownMembers(*row)) {
+            frames.push_back(frame);
+            members.push_back(indexOf[member]);
+        }
+        done = append(rows,
+                      Py_BuildValue("(yNN)", row->displayName(), fromNumbers(frames), fromNumbers(members)));
+    }
+    if (!done)
+        Py_DecRef(rows);
+    return done ? rows : nullptr;
+}
+
+PyObject* parseRuns(const char* text)
+{
+    std::string error;
+    return fromRunsOrError(FrameRanges::parse(text, &error), error);
+}
+
+PyObject* uniteRuns(const std::vector<int>& runs)
+{
+    std::vector<FrameRange> ranges;
+    for (std::size_t i = 0; i + 2 < runs.size(); i += 3)
+        ranges.push_back({runs[i], runs[i + 1], runs[i + 2]});
+    std::string error;
+    return fromRunsOrError(FrameRanges::unite(ranges, &error), error);
+}
+
+PyObject* withToken(PyObject* name)
+{
+    return changed(name, &Placeholder::withToken);
+}
+
+PyObject* withHashes(PyObject* name)
+{
+    return changed(name, &Placeholder::withHashes);
+}
+
+PyObject* withFrame(PyObject* path, int frame)
+{
+    return changed(path, [frame](const QString& name) { return Placeholder::withFrame(name, frame); });
+}
+
+PyObject* splitRange(PyObject* path)
+{
+    const auto name = toBytes(path);
+    if (!name)
+        return nullptr;
+    const auto split = Placeholder::splitRange(QString::fromLatin1(*name));
+    if (!split)
+        Py_RETURN_NONE;
+    return Py_BuildValue("(Nii)", fromName(split->name.toLatin1().constData()), split->first, split->last);
+}
+
+PyObject* splitFrame(PyObject* path)
+{
+    const auto text = toBytes(path);
+    if (!text)
+        return nullptr;
+    const int begin = text->lastIndexOf('/') + 1; // 0 if there is none
+    char pattern[FileInfo::NameSize];
+    int frame = 0;
+    int digits = 0;
+    bool padded = false;
+    if (text->size() - begin >= static_cast<int>(FileInfo::NameSize) ||
+        !FileManager::isSequence(text->constData() + begin, frame, pattern, digits, padded))
+        Py_RETURN_NONE;
+    const std::string hashes = Placeholder::widened(pattern, digits);
+    return Py_BuildValue("(Ni)", fromName((text->left(begin) + hashes.c_str()).constData()), frame);
+}
+
+} // namespace Python

@@ -1,0 +1,131 @@
+import os
+
+import pytest
+from conftest import QTest, choose, rows
+from qt import QtCore, QtWidgets
+
+import HvMirefoldCoreUI as CoreUI
+from HvMirefoldCoreUI import Entry, FileBrowser, FileDialog, FrameRanges, list_directory
+from HvMirefoldCoreUI.frames import placeholder
+
+
+def test_lists_a_folder(frames):
+    odd = os.fsdecode(b"\xe9.1.png")
+    for name in ["sh010_a.5.exr", "b.01.png", "b.1.png", "b.2.png", odd, odd.replace("1", "2"), ".hidden"]:
+        (frames / name).write_text("12345")
+    (frames / "sub").mkdir()
+    listed = {entry.name: entry for entry in list_directory(frames)}
+    assert list(listed) == ["b.##.png 1-2", "notes.txt", "sh010_a.#.exr 1-5", "sh010_b.1.exr", "sh020_a.7.exr", "sub",
+                            odd.replace("1", "#") + " 1-2"]
+    shot = listed["sh010_a.#.exr 1-5"]
+    assert (shot.is_sequence, shot.is_directory, str(shot.frames), str(shot.missing), shot.padding) == (
+        True, False, "1-2,5", "3-4", 1)
+    assert shot.size == 2 * len("sh010_a.1.exr") + 5
+    assert shot.modified == max(int(os.stat(file).st_mtime) for file in shot.files())
+    assert shot.path == f"{frames}/{shot.name}" and shot.pattern == f"{frames}/sh010_a.#.exr"
+    for entry in listed.values():
+        assert all(map(os.path.exists, entry.files()))
+    assert listed["sub"].is_directory and listed["sub"].files() == [str(frames / "sub")]
+    assert shot in list_directory(str(frames)) and eval(repr(shot.frames)) == shot.frames and shot.name in repr(shot)
+    split = [entry.name for entry in list_directory(frames, split=True, hidden=True)]
+    assert ".hidden" in split and "sh010_a.#.exr 1-2" in split and "sh010_a.5.exr" in split
+    assert len(list_directory(frames, collapse=False)) == 12
+    with pytest.raises(FileNotFoundError, match="nowhere"):
+        list_directory(frames / "nowhere")
+    pytest.raises(TypeError, list_directory, 3)
+
+
+@pytest.mark.parametrize("frames, text, missing", [
+    ("1-10x2,15", "1-9x2,15", "2-10x2,11-14"), ([3, 1, 2, 9, 2], "1-3,9", "4-8"), (range(10, 0, -3), "1-10x3", "2-3,5-6,8-9"),
+    ("-2147483648-2147483647", "-2147483648-2147483647", ""), ((), "", ""), (FrameRanges("5"), "5", "")])
+def test_holds_frames(frames, text, missing):
+    ranges = FrameRanges(frames)
+    assert str(ranges) == text and str(ranges.missing()) == missing and ranges == FrameRanges(text)
+    assert hash(ranges) == hash(FrameRanges(text)) and ranges != text
+    if len(ranges) < 100:
+        numbers = list(ranges)
+        assert numbers == sorted(numbers) and len(ranges) == len(numbers) and ranges[1:] == numbers[1:]
+        assert [ranges[i] for i in range(-len(numbers), len(numbers))] == 2 * numbers
+        assert all(frame in ranges for frame in numbers) and -7 not in ranges
+        pytest.raises(IndexError, lambda: ranges[len(numbers)])
+
+
+@pytest.mark.parametrize("frames, error", [
+    ("1-x", ValueError), ("1-5x0", ValueError), ("1-2147483648", ValueError), ([2**31], OverflowError),
+    ([-2**31 - 1], OverflowError), (["1"], TypeError), (3, TypeError)])
+def test_refuses_other_frames(frames, error, capfd):
+    pytest.raises(error, FrameRanges, frames)
+    assert capfd.readouterr().out == ""
+
+
+def test_reads_and_writes_placeholders():
+    assert placeholder.with_token("/a/img.####.exr") == "/a/img.%04d.exr"
+    assert placeholder.with_hashes("img.%04d.exr") == "img.####.exr"
+    assert placeholder.with_frame("/take#2/\udce9.####.exr", 7) == "/take#2/\udce9.0007.exr"
+    assert placeholder.split_range("/a b/img.####.exr 1-100") == ("/a b/img.####.exr", 1, 100)
+    assert placeholder.split_frame("/v1/img.0042.exr") == ("/v1/img.####.exr", 42)
+    assert placeholder.split_range("img.exr") is placeholder.split_frame("/v1/img.exr") is None
+    pytest.raises(TypeError, placeholder.with_token, None).match("NoneType")
+
+
+def test_signals_hand_over_entries_that_outlive_the_browser(open_browser, frames):
+    browser = open_browser(kind=FileBrowser)
+    taken, infos = [], []
+    browser.fileSelected.connect(lambda info, folder: (infos.append(info), taken.append(Entry.from_info(info, folder))))
+    choose(browser, "sh010_a.#.exr 1-2")
+    choose(browser, "notes.txt")
+    assert browser.acceptance() is FileBrowser.Acceptance.Open
+    del browser
+    open_browser().grab()
+    assert [info.fileName() for info in infos] == [entry.name for entry in taken] == ["sh010_a.#.exr 1-2", "notes.txt"]
+    assert taken[0].files() == [str(frames / f"sh010_a.{frame}.exr") for frame in (1, 2)]
+    assert taken[1].files() == [str(frames / "notes.txt")] and taken[1].frames == FrameRanges()
+
+
+def test_widgets_reach_what_the_library_overrides(frames):
+    dialog, preview, slider = FileDialog(), CoreUI.FilePreview(), CoreUI.FrameSlider()
+    browser = dialog.fileBrowser()
+    assert type(browser) is FileBrowser and dialog.findChild(FileBrowser) is browser
+    dialog.setSequencesEnabled(True)
+    dialog.setPreviewWidget(preview)
+    dialog.setDirectory(frames)
+    dialog.setFilename(frames / "notes.txt")
+    dialog.show()
+    assert dialog.findChild(QtWidgets.QLineEdit, "filenameEdit").selectedText() == "notes.txt", "FileDialog has its setVisible()"
+    assert dialog.directory() == QtCore.QDir(str(frames)) == browser.directory()
+    choose(dialog, "sh010_a.#.exr 1-2")
+    preview.setVisible(True)
+    assert preview.file() == str(frames / "sh010_a.1.exr"), "FilePreview has its showEvent()"
+    moved = []
+    slider.sliderMoved.connect(moved.append)
+    slider.set_frame_range(1001, 1010)
+    slider.setCacheFrames(FrameRanges("1001-1003"))
+    slider.show()
+    QTest.mouseClick(slider, QtCore.Qt.MouseButton.LeftButton, pos=slider.rect().center())
+    assert moved[-1] == slider.value() > 1001 and slider.sizeHint().height() == 31
+    for call in (browser.setDirectory, dialog.setDirectory, preview.previewFile):
+        pytest.raises(TypeError, call, 3).match("argument 1 has unexpected type 'int'")
+
+
+def test_favorites_take_paths(tmp_path):
+    FileBrowser.SetPreferencesPath(tmp_path / "kept", "Tests")
+    FileBrowser.ResetFavorites()
+    FileBrowser.AddFavoriteDir("plates", "", tmp_path)
+    FileBrowser.AddFavoriteDir("none", "", None)
+    FileBrowser.SaveFavorites()
+    assert f'plates "" {tmp_path}/\n' in (tmp_path / "kept").read_text()
+    pytest.raises(TypeError, FileBrowser.AddFavoriteDir, "x", "", 3)
+
+
+def test_evaluators_hand_files_back(open_browser):
+    class NotesFirst(CoreUI.FileSequenceEvaluator):
+        def evaluateFiles(self, files):
+            notes = tuple(file for file in files if "notes" in file.fileName())
+            return notes + self.builtInRows(tuple(file for file in files if file not in notes))
+
+    evaluator = NotesFirst()
+    browser = open_browser(evaluator, FileBrowser)
+    assert sorted(rows(browser)) == ["notes.txt", "sh010_a.#.exr 1-2", "sh010_b.1.exr", "sh020_a.7.exr"]
+    files = tuple(CoreUI.FileInfo(f"a.{frame}.exr", False) for frame in (1, 2, 5, 6))
+    assert [row.fileName() for row in evaluator.builtInRows(files)] == ["a.#.exr 1-6"]
+    assert [row.fileName() for row in evaluator.builtInRows(files, split=True)] == ["a.#.exr 1-2", "a.#.exr 5-6"]
