@@ -11,7 +11,7 @@ endif()
 
 set(COREUI_SIP_DIR ${PROJECT_SOURCE_DIR}/src/python)
 
-# What every Python from 3.7 on offers, and no more.
+# Only the stable interface of Python 3.7.
 add_library(coreui_python INTERFACE)
 target_compile_definitions(coreui_python INTERFACE Py_LIMITED_API=0x03070000)
 target_include_directories(coreui_python SYSTEM INTERFACE ${Python3_INCLUDE_DIRS})
@@ -25,7 +25,7 @@ function(coreui_binding target module)
     set(folder ${PROJECT_BINARY_DIR}/python/${target})
     set(generated ${folder}/generated/${module})
     configure_file(${COREUI_SIP_DIR}/pyproject.toml.in ${folder}/pyproject.toml @ONLY)
-    # The generator empties the folder that it writes into.
+    # The generator empties its output folder.
     set(source ${generated}/sip${module}part0.cpp)
     set(stub ${generated}/${module}.pyi)
     add_custom_command(

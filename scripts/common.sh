@@ -12,7 +12,7 @@ if [ "${1:-}" = --qt6 ]; then
 fi
 build_packages=(build-essential cmake file ninja-build libboost-dev python3-dev sip-tools
     libopenimageio-dev libopencolorio-dev "${qt_packages[@]}")
-test_packages=(python3-pytest)
+test_packages=(mypy python3-pytest)
 display_packages=(xvfb xauth libgl1-mesa-dri fonts-dejavu-core)
 check_packages=(clang-format clang-tidy)
 fuzz_packages=(clang libclang-rt-14-dev)

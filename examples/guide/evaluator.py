@@ -1,17 +1,21 @@
 import os
 import sys
+from typing import Dict, List, Tuple
 
 from PyQt5.QtCore import QDir
 from PyQt5.QtWidgets import QApplication
 
 from _HvMirefoldCoreUI import Halvern
 
+FileInfo = Halvern.UI.FileInfo
+
 
 class StereoPairs(Halvern.UI.FileSequenceEvaluator):
     """Groups left and right eye, "shot.left.0001.exr" and "shot.right.0001.exr", into one row for each take."""
 
-    def evaluateFiles(self, files):
-        rows, eyes = [], {}
+    def evaluateFiles(self, files: Tuple[FileInfo, ...]) -> Tuple[FileInfo, ...]:
+        rows: List[FileInfo] = []
+        eyes: Dict[str, List[FileInfo]] = {}
         for file in files:
             take, eye, _ = file.fileName().partition(".left.")
             if not eye:

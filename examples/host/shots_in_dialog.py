@@ -16,5 +16,5 @@ from shots import Shots
 shots = Shots()
 for window in QtWidgets.QApplication.topLevelWidgets():
     browser = window.findChild(Halvern.UI.FileBrowser)
-    if browser:
+    if isinstance(browser, Halvern.UI.FileBrowser):
         browser.setFileSequenceEvaluator(shots)

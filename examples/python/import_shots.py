@@ -10,8 +10,8 @@ import os
 import sys
 from typing import Dict, List, Tuple
 
-from PyQt5.QtWidgets import QApplication
 from HvMirefoldCoreUI import FileDialog, FileInfo, FileSequenceEvaluator, frames, list_directory
+from qt import QtWidgets
 
 
 class Shots(FileSequenceEvaluator):
@@ -54,5 +54,5 @@ def choose(folder: str) -> List[str]:
 
 
 if __name__ == "__main__":
-    application = QApplication(sys.argv)
+    application = QtWidgets.QApplication(sys.argv)
     print("\n".join(choose(sys.argv[1] if len(sys.argv) > 1 else ".")))

@@ -8,21 +8,20 @@ import sys
 from pathlib import Path
 from typing import Optional
 
-from PyQt5.QtCore import QDir, Qt
-from PyQt5.QtWidgets import QApplication, QDockWidget, QLabel, QMainWindow, QVBoxLayout, QWidget
 from HvMirefoldCoreUI import Entry, FileBrowser, FileInfo, FilePreview, FrameSlider, frames
+from qt import QtCore, QtWidgets
 
 
-class ShotDock(QDockWidget):
-    def __init__(self, folder: Path, parent: Optional[QWidget] = None) -> None:
+class ShotDock(QtWidgets.QDockWidget):
+    def __init__(self, folder: Path, parent: Optional[QtWidgets.QWidget] = None) -> None:
         super().__init__("Shots", parent)
         self.pattern = ""
-        content = QWidget()
+        content = QtWidgets.QWidget()
         self.browser = FileBrowser(content)
         self.timeline = FrameSlider(content)
-        self.label = QLabel("Choose a sequence.", content)
+        self.label = QtWidgets.QLabel("Choose a sequence.", content)
         self.preview = FilePreview()
-        layout = QVBoxLayout(content)
+        layout = QtWidgets.QVBoxLayout(content)
         for widget in (self.browser, self.timeline, self.label):
             layout.addWidget(widget)
         self.setWidget(content)
@@ -33,7 +32,7 @@ class ShotDock(QDockWidget):
         self.browser.fileSelected.connect(self.show_entry)
         self.timeline.sliderMoved.connect(self.show_frame)
 
-    def show_entry(self, info: FileInfo, folder: QDir) -> None:
+    def show_entry(self, info: FileInfo, folder: QtCore.QDir) -> None:
         entry = Entry.from_info(info, folder)
         self.pattern = entry.pattern
         self.label.setText(f"{entry.name}, lacks {entry.missing}" if entry.missing else entry.name)
@@ -46,13 +45,13 @@ class ShotDock(QDockWidget):
 
 
 def main(folder: Path) -> int:
-    application = QApplication(sys.argv)
+    application = QtWidgets.QApplication(sys.argv)
     FileBrowser.SetPreferencesPath(Path.home() / ".shot_dock.favorites", "Shot dock")
     FileBrowser.AddFavoriteDir("show", "", folder.resolve(), ttip="All shots", persistent=False)
-    window = QMainWindow()
-    window.addDockWidget(Qt.DockWidgetArea.LeftDockWidgetArea, ShotDock(folder, window))
+    window = QtWidgets.QMainWindow()
+    window.addDockWidget(QtCore.Qt.DockWidgetArea.LeftDockWidgetArea, ShotDock(folder, window))
     window.show()
-    return application.exec_()
+    return application.exec()
 
 
 if __name__ == "__main__":

@@ -10,19 +10,21 @@ Files belong to one shot if their names have the same first part, for any names 
 import os
 import re
 import sys
+from typing import Dict, List, Tuple
 
 from _HvMirefoldCoreUI import Halvern
 from qt import QtCore, QtWidgets
 
+FileInfo = Halvern.UI.FileInfo
 FRAME_OF_A_SHOT = re.compile(r"([A-Za-z]+_?\d+)_.*\.\d+\.\w+$")
 
 
 class Shots(Halvern.UI.FileSequenceEvaluator):
     """Makes one row for each shot. Other files keep their rows."""
 
-    def evaluateFiles(self, files):
-        rows = []
-        shots = {}
+    def evaluateFiles(self, files: Tuple[FileInfo, ...]) -> Tuple[FileInfo, ...]:
+        rows: List[FileInfo] = []
+        shots: Dict[str, List[FileInfo]] = {}
         for file in files:
             match = FRAME_OF_A_SHOT.match(file.fileName())
             if match:
@@ -38,7 +40,7 @@ class Shots(Halvern.UI.FileSequenceEvaluator):
 class ShotDialog(QtWidgets.QDialog):
     """A dialog with a browser."""
 
-    def __init__(self, directory):
+    def __init__(self, directory: str) -> None:
         super().__init__()
         self.setWindowTitle("Shots")
         self.resize(900, 500)
@@ -50,7 +52,9 @@ class ShotDialog(QtWidgets.QDialog):
         self.browser.setButtonsVisible(False)
         self.browser.setDirectory(QtCore.QDir(directory))
         button = QtWidgets.QDialogButtonBox.StandardButton
-        buttons = QtWidgets.QDialogButtonBox(button.Open | button.Cancel)
+        buttons = QtWidgets.QDialogButtonBox()
+        buttons.addButton(button.Open)
+        buttons.addButton(button.Cancel)
         buttons.accepted.connect(self.accept)
         buttons.rejected.connect(self.reject)
         layout = QtWidgets.QVBoxLayout(self)
@@ -58,7 +62,7 @@ class ShotDialog(QtWidgets.QDialog):
         layout.addWidget(buttons)
 
 
-def main():
+def main() -> None:
     application = QtWidgets.QApplication(sys.argv)
     dialog = ShotDialog(sys.argv[1] if len(sys.argv) > 1 else ".")
     if dialog.exec() == QtWidgets.QDialog.DialogCode.Accepted:

@@ -5,21 +5,19 @@ import sys
 
 import import_shots
 import shot_dock
-from conftest import choose
-from PyQt5.QtCore import QPoint, Qt, QTimer
-from PyQt5.QtTest import QTest
-from PyQt5.QtWidgets import QApplication
+from conftest import QTest, choose
+from qt import QtCore, QtWidgets
 
 EXAMPLES = pathlib.Path(import_shots.__file__).parent
 
 
 def test_imports_shots(frames):
     def act():
-        dialog = QApplication.activeModalWidget()
+        dialog = QtWidgets.QApplication.activeModalWidget()
         choose(dialog, "sh010 (3 files)", "notes.txt")
         dialog.accept()
 
-    QTimer.singleShot(100, act)
+    QtCore.QTimer.singleShot(100, act)
     assert sorted(import_shots.choose(str(frames))) == [
         str(frames / name) for name in ("notes.txt", "sh010_a.1.exr", "sh010_a.2.exr", "sh010_b.1.exr")]
 
@@ -48,5 +46,5 @@ def test_shows_a_dock(frames):
     assert dock.label.text() == "sh010_a.#.exr 1-5, lacks 3-4" and dock.timeline.frameLast() == 5
     dock.preview.show()
     for x, file in ((10, "sh010_a.1.exr"), (dock.timeline.width() // 2, "")):
-        QTest.mouseClick(dock.timeline, Qt.LeftButton, pos=QPoint(x, 10))
+        QTest.mouseClick(dock.timeline, QtCore.Qt.MouseButton.LeftButton, pos=QtCore.QPoint(x, 10))
         assert dock.preview.file() == (file and str(frames / file))
