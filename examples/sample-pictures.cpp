@@ -58,9 +58,10 @@ QImage colourBars(const QSize& size, int frame)
     const int digitHeight = height / 4;
     const int digitWidth = digitHeight / 2;
     const int step = digitWidth * 3 / 2;
-    QRect digit((width - step * number.size()) / 2, (barsEnd - digitHeight) / 2, digitWidth, digitHeight);
-    painter.fillRect(digit.adjusted(-digitWidth / 2, -digitWidth / 2,
-                                    step * (number.size() - 1) + digitWidth / 2, digitWidth / 2),
+    const auto digits = static_cast<int>(number.size());
+    QRect digit((width - step * digits) / 2, (barsEnd - digitHeight) / 2, digitWidth, digitHeight);
+    painter.fillRect(digit.adjusted(-digitWidth / 2, -digitWidth / 2, step * (digits - 1) + digitWidth / 2,
+                                    digitWidth / 2),
                      Qt::black);
     for (const char of : number) {
         drawDigit(painter, of - '0', digit);
