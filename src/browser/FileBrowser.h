@@ -58,7 +58,7 @@ public:
 
     /// Goes to @p dir: enters it into the history and sets the buttons. Unless @p keepFilename, its path is
     /// placed in the filename field and fileSelected() emitted for it. @p doRefresh lists it (default of the
-    /// bindings: true). Nothing happens if @p dir does not exist or is the present directory.
+    /// bindings: true). Nothing happens if @p dir does not exist, or is the present one and listed.
     void setDirectory(QDir dir, bool keepFilename, bool doRefresh);
     QDir directory() const;
     /// Places a path in the filename field, goes to its directory and selects the bare name, so that typing

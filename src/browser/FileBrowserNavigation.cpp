@@ -31,7 +31,12 @@ QDir FileBrowser::directory() const
 
 void FileBrowser::setDirectory(QDir dir, bool keepFilename, bool doRefresh)
 {
-    if ((d->m_hasDirectory && dir == d->m_directory) || !Private::isOnDisk(dir))
+    if (d->m_hasDirectory && dir == d->m_directory) {
+        if (doRefresh && !d->m_listed)
+            refresh();
+        return;
+    }
+    if (!Private::isOnDisk(dir))
         return;
     d->m_directory = dir;
     d->m_hasDirectory = true;

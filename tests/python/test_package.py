@@ -1,7 +1,7 @@
 import os
 
 import pytest
-from conftest import QTest, choose, rows
+from conftest import QTest, choose, rows, until
 from qt import QtCore, QtWidgets
 
 import HvMirefoldCoreUI as CoreUI
@@ -105,6 +105,15 @@ def test_widgets_reach_what_the_library_overrides(frames):
     assert moved[-1] == slider.value() > 1001 and slider.sizeHint().height() == 31
     for call in (browser.setDirectory, dialog.setDirectory, preview.previewFile):
         pytest.raises(TypeError, call, 3).match("argument 1 has unexpected type 'int'")
+
+
+def test_lists_the_remembered_folder(frames):
+    for run in ("first", "second"):
+        browser = FileBrowser()
+        browser.setSequencesEnabled(True)
+        browser.setDirectory(frames)
+        until(lambda: "notes.txt" in rows(browser))
+        del browser
 
 
 def test_favorites_take_paths(tmp_path):
