@@ -27,6 +27,7 @@ PictureCache::~PictureCache() = default;
 void PictureCache::insert(const Picture& picture)
 {
     const auto kilobytes = int(picture.image.sizeInBytes() / 1024);
+    d->pictures.remove(picture.path); // or the cache would make room for both
     d->pictures.insert(picture.path, new Picture(picture), LeastCost + kilobytes);
 }
 

@@ -126,7 +126,7 @@ private slots:
         int inked = 0;
         for (int i = 3; i < answer.pixels.size(); i += 4)
             inked += answer.pixels[i] != 0;
-        const int all = answer.pixels.size() / 4;
+        const auto all = answer.pixels.size() / 4;
         QVERIFY2(inked > all / 10 && inked < all / 2, qPrintable(QString::number(inked)));
     }
 

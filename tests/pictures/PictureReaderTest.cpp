@@ -133,7 +133,7 @@ private slots:
                 ::kill(pid_t(pid), SIGKILL);
         };
         for (int i = 0; i < 200; ++i) {
-            const int answers = m_log.size();
+            const auto answers = m_log.size();
             read("good", {"ahead1", "ahead2"});
             QTest::qWait(int(random.bounded(6)));
             killOne();

@@ -276,12 +276,12 @@ PyObject* splitFrame(PyObject* path)
     const auto text = toBytes(path);
     if (!text)
         return nullptr;
-    const int begin = text->lastIndexOf('/') + 1; // 0 if there is none
+    const auto begin = text->lastIndexOf('/') + 1; // 0 if there is none
     char pattern[FileInfo::NameSize];
     int frame = 0;
     int digits = 0;
     bool padded = false;
-    if (text->size() - begin >= static_cast<int>(FileInfo::NameSize) ||
+    if (static_cast<std::size_t>(text->size() - begin) >= FileInfo::NameSize ||
         !FileManager::isSequence(text->constData() + begin, frame, pattern, digits, padded))
         Py_RETURN_NONE;
     const std::string hashes = Placeholder::widened(pattern, digits);
