@@ -82,6 +82,9 @@ bool write(ImageOutput& output, const ImageSpec& spec, const Pixels& pixels)
 
 } // namespace
 
+Q_DECLARE_METATYPE(ImageSpec)
+Q_DECLARE_METATYPE(Pixels)
+
 /// The pixels of files that are read with OpenImageIO, beside values that are computed here.
 class PictureColoursTest : public Test
 {
@@ -335,9 +338,6 @@ private:
     QTemporaryDir m_folder;
     Program m_program{QStringLiteral("coreui-pictures-oiio")};
 };
-
-Q_DECLARE_METATYPE(OIIO::ImageSpec)
-Q_DECLARE_METATYPE(Pixels)
 
 QTEST_GUILESS_MAIN(PictureColoursTest)
 #include "PictureColoursTest.moc"
