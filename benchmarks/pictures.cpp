@@ -146,7 +146,7 @@ private:
 // Names of one file that no cache knows.
 QString anotherName(const QString& file, const QString& name)
 {
-    const QString link = QFileInfo(file).path() + QLatin1Char('/') + name;
+    QString link = QFileInfo(file).path() + QLatin1Char('/') + name;
     if (::link(QFile::encodeName(file).constData(), QFile::encodeName(link).constData()) != 0)
         std::exit(2);
     return link;

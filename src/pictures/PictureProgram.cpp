@@ -23,7 +23,7 @@ static QDir ownFolder()
 
 QString pictureProgram()
 {
-    const QString chosen = qEnvironmentVariable("COREUI_PICTURES");
+    QString chosen = qEnvironmentVariable("COREUI_PICTURES");
     if (!chosen.isEmpty())
         return chosen;
     const QDir folder = ownFolder();

@@ -48,9 +48,9 @@ void setPixels(Answer& answer, const ImageBuf& picture)
     answer.size = {picture.spec().width, picture.spec().height};
     answer.pixels.resize(answer.size.width() * answer.size.height() * 4);
     picture.get_pixels(picture.roi(), TypeDesc::UINT8, answer.pixels.data());
-    auto* byte = reinterpret_cast<uchar*>(answer.pixels.data());
-    for (const uchar* end = byte + answer.pixels.size(); byte != end; byte += 4)
-        byte[3] = std::max({byte[0], byte[1], byte[2], byte[3]});
+    auto* bytes = reinterpret_cast<uchar*>(answer.pixels.data());
+    for (auto alpha = answer.pixels.size() - 1; alpha > 0; alpha -= 4)
+        bytes[alpha] = std::max({bytes[alpha - 3], bytes[alpha - 2], bytes[alpha - 1], bytes[alpha]});
 }
 
 // Adds the pixels to a description, or the reason why there are none.
