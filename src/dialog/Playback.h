@@ -6,7 +6,7 @@
 
 namespace Halvern::UI {
 
-/// Plays frames by the clock, again and again: who is slow misses frames, and does not fall behind.
+/// Plays frames in a loop, at the speed of the clock. Frames that cannot be shown in time are left out.
 class Playback : public QObject
 {
     Q_OBJECT

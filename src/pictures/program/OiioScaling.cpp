@@ -116,7 +116,8 @@ ImageBuf Strip::rowsFrom(int first)
     return {spec, m_bytes.data() + size_t(first - m_first) * m_rowBytes};
 }
 
-// The pixels of a scaled side, from the first to behind the last, that depend on pixels from begin on.
+// The pixels of a scaled side that depend on count pixels from begin on: the first, and the one after the
+// last.
 std::pair<int, int> covered(int begin, int count, double ratio, int side)
 {
     const double first = std::floor(begin / ratio) - 2;
