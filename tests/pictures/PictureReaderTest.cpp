@@ -140,8 +140,9 @@ private slots:
             if (i % 10 == 0)
                 QTRY_VERIFY(m_log.size() > answers);
         }
+        // A process that still reads ahead may answer after it.
         read("last");
-        QTRY_VERIFY(m_log.last().startsWith("last"));
+        QTRY_COMPARE(m_log.filter("last").size(), 1);
         read("hang1");
         read("stop");
         QTest::qWait(20);
