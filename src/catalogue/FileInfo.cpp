@@ -9,7 +9,9 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
+#include <mutex>
 #include <set>
+#include <shared_mutex>
 #include <string>
 #include <utility>
 
@@ -31,10 +33,16 @@ std::uint64_t extensionHash(const char* extension)
     return hash;
 }
 
-// Filled at start-up, only read afterwards. Extensions with equal hashes count as the same.
-std::set<std::uint64_t>& extensionRegistry()
+/// The registered extensions, for all threads. Extensions with equal hashes count as the same.
+struct ExtensionRegistry
 {
-    static std::set<std::uint64_t> registry;
+    std::shared_mutex mutex;
+    std::set<std::uint64_t> hashes; ///< guarded by mutex
+};
+
+ExtensionRegistry& extensionRegistry()
+{
+    static ExtensionRegistry registry;
     return registry;
 }
 
@@ -281,12 +289,16 @@ bool FileInfo::isDirSafe(const QDir& dir) const
 
 void FileInfo::addSequenceFileExtension(const char* extension)
 {
-    extensionRegistry().insert(extensionHash(extension));
+    ExtensionRegistry& registry = extensionRegistry();
+    const std::unique_lock lock(registry.mutex);
+    registry.hashes.insert(extensionHash(extension));
 }
 
 bool FileInfo::isSequenceExtension(const char* extension)
 {
-    return extensionRegistry().count(extensionHash(extension)) != 0;
+    ExtensionRegistry& registry = extensionRegistry();
+    const std::shared_lock lock(registry.mutex);
+    return registry.hashes.count(extensionHash(extension)) != 0;
 }
 
 } // namespace Halvern::UI

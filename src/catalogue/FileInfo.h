@@ -140,7 +140,7 @@ public:
     bool isDirSafe(const QDir& dir) const;
 
     /// Registers an extension whose numbered files form sequences, for the life of the process. "exr", ".exr"
-    /// and "EXR" are the same. To be called on the GUI thread at start-up.
+    /// and "EXR" are the same. Call it at start-up: rows that exist stay as they are. Any thread may call it.
     static void addSequenceFileExtension(const char* extension);
     /// Whether the extension, written in any of those ways, is registered.
     static bool isSequenceExtension(const char* extension);

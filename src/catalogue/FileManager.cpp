@@ -16,14 +16,14 @@ constexpr const char* builtInSequenceExtensions[] = {
     "pic",   "png",   "png16", "psd", "rgb",  "rgba", "rgbe",  "rgbea",  "rla", "sgi",
     "sgi16", "sxr",   "targa", "tga", "tif",  "tiff", "tif16", "tiff16", "xpm", "yuv"};
 
+// Several threads may make the first managers at once.
 void setInitialSequenceExtensions()
 {
-    static bool done = false;
-    if (done)
-        return;
-    done = true;
-    for (const char* extension : builtInSequenceExtensions)
-        FileInfo::addSequenceFileExtension(extension);
+    [[maybe_unused]] static const bool done = [] {
+        for (const char* extension : builtInSequenceExtensions)
+            FileInfo::addSequenceFileExtension(extension);
+        return true;
+    }();
 }
 
 } // namespace

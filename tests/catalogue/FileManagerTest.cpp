@@ -8,8 +8,10 @@
 
 #include <QDeadlineTimer>
 #include <QFile>
+#include <atomic>
 #include <cstdlib>
 #include <sys/wait.h>
+#include <thread>
 #include <unistd.h>
 
 using namespace Halvern::UI;
@@ -41,6 +43,26 @@ public:
     FileManagerTest() { SampleFiles::makeFrames(m_folder.path(), "f.%04d.exr", 1, 2500); }
 
 private slots:
+    // The first test: only the first managers of a process register the built-in extensions.
+    void severalThreadsMayBeginAtOnce()
+    {
+        std::atomic<int> right{0};
+        std::vector<std::thread> threads;
+        for (int i = 0; i < 4; ++i) {
+            threads.emplace_back([&] {
+                FileManager manager;
+                FileManager::addSequenceFileExtension("own");
+                const bool read = manager.getFilesFromFolderSynchronously(m_path, true);
+                std::vector<FileInfo*> rows;
+                manager.buildRunningList(&rows, FileHandle::RegisteredSequences);
+                right += read && rows.size() == 3; // with "." and ".."
+            });
+        }
+        for (std::thread& thread : threads)
+            thread.join();
+        QCOMPARE(right.load(), 4);
+    }
+
     void readsInBatches()
     {
         FileManager manager;
