@@ -1,4 +1,6 @@
 import os
+import subprocess
+import sys
 
 import pytest
 from conftest import QTest, choose, rows, until
@@ -33,6 +35,25 @@ def test_lists_a_folder(frames):
     with pytest.raises(FileNotFoundError, match="nowhere"):
         list_directory(frames / "nowhere")
     pytest.raises(TypeError, list_directory, 3)
+
+
+def test_several_threads_may_list_before_there_is_an_application(frames):
+    script = """if True:
+        import sys, threading
+        from concurrent.futures import ThreadPoolExecutor
+        from HvMirefoldCoreUI import add_sequence_extension, list_directory
+        sys.setswitchinterval(1e-6)
+        together = threading.Barrier(8)
+
+        def names(_):
+            together.wait()
+            add_sequence_extension("own")
+            return tuple(entry.name for entry in list_directory(sys.argv[1]))
+
+        with ThreadPoolExecutor(8) as threads:
+            print(*set(threads.map(names, range(8))))"""
+    done = subprocess.run([sys.executable, "-c", script, frames], stdout=subprocess.PIPE, text=True, check=True)
+    assert done.stdout == f"{tuple(entry.name for entry in list_directory(frames))}\n"
 
 
 @pytest.mark.parametrize("frames, text, missing", [
@@ -103,8 +124,10 @@ def test_widgets_reach_what_the_library_overrides(frames):
     slider.show()
     QTest.mouseClick(slider, QtCore.Qt.MouseButton.LeftButton, pos=slider.rect().center())
     assert moved[-1] == slider.value() > 1001 and slider.sizeHint().height() == 31
-    for call in (browser.setDirectory, dialog.setDirectory, preview.previewFile):
-        pytest.raises(TypeError, call, 3).match("argument 1 has unexpected type 'int'")
+    for call in (browser.setDirectory, dialog.setDirectory, preview.previewFile, slider.setCacheFrames):
+        name = f"{type(call.__self__).__name__}.{call.__name__}"
+        assert call.__doc__.startswith(f"{name}()\n\n{call.__name__}("), "it stands in error messages"
+        pytest.raises(TypeError, call, 3).match(rf"{name}\(\): argument 1 has unexpected type 'int'")
 
 
 def test_lists_the_remembered_folder(frames):
