@@ -112,9 +112,9 @@ bool judge(const Rounds& values, const Limits& limits)
     holds &= printVerdict("longest turn, a file on each row, ms", of("expanded turn"), limits.expandedTurn);
     holds &= printVerdict("key typed, a file on each row, ms", of("expanded key"), limits.key);
     holds &= printVerdict("bytes of memory for each file beyond its records, collapsed",
-                          of("collapsed bytes"), limits.bytes);
-    holds &= printVerdict("the same, a file on each row", of("expanded bytes"), limits.bytes);
-    holds &= printVerdict("entries newly made by a second read", of("expanded entries"), 0.5);
+                          of("collapsed bytes"), limits.bytes, Kind::Count);
+    holds &= printVerdict("the same, a file on each row", of("expanded bytes"), limits.bytes, Kind::Count);
+    holds &= printVerdict("entries newly made by a second read", of("expanded entries"), 0.5, Kind::Count);
     return holds;
 }
 

@@ -2,6 +2,7 @@
 // Usage: slider-benchmark [FRAMES]. Exit status: 0, 1 if a paint takes more than two milliseconds, 2 for a
 // wrong argument.
 
+#include "Measuring.h"
 #include "widgets/FrameSlider.h"
 
 #include <QApplication>
@@ -103,6 +104,5 @@ int main(int argc, char** argv)
         FrameSlider::SetKeys(frames);
         slowest = std::max(slowest, printTable(slider, name));
     }
-    std::printf("slowest %.3f, allowed %.3f\n", slowest, Allowed);
-    return slowest > Allowed ? 1 : 0;
+    return Measuring::printVerdict("slowest, ms", slowest, Allowed) ? 0 : 1;
 }
