@@ -13,6 +13,7 @@ fi
 build_packages=(build-essential cmake file ninja-build libboost-dev python3-dev sip-tools
     libopenimageio-dev libopencolorio-dev "${qt_packages[@]}")
 test_packages=(mypy python3-pytest)
+[ -n "$qt_suffix" ] || test_packages+=(python3-pyside2.qtwidgets) # Debian 12 has no PySide6
 display_packages=(xvfb xauth libgl1-mesa-dri fonts-dejavu-core)
 check_packages=(clang-format clang-tidy)
 fuzz_packages=(clang libclang-rt-14-dev)

@@ -15,8 +15,9 @@ def errors(*files):
 
 
 def test_examples_have_no_error():
-    guide = [EXAMPLES / "guide" / f"{name}.py" for name in ("browser", "entries", "evaluator", "favorites")]
-    assert errors(*EXAMPLES.glob("python/*.py"), *EXAMPLES.glob("host/*.py"), *guide) == []
+    tools = [*EXAMPLES.glob("python/*.py"), *EXAMPLES.glob("host/*.py"), *EXAMPLES.glob("guide/*.py")]
+    # Written without types, and for a binding without them.
+    assert errors(*[tool for tool in tools if tool.name not in ("unattended.py", "pyside_host.py")]) == []
 
 
 def test_finds_each_wrong_call_and_no_other():
