@@ -1,19 +1,24 @@
 import sys
+from pathlib import Path
 
-from PyQt5.QtCore import QDir
-from PyQt5.QtWidgets import QApplication, QPushButton
+from PyQt5.QtWidgets import QApplication, QDockWidget, QMainWindow
 
-import _HvMirefoldCoreUI
-
-FileBrowser = _HvMirefoldCoreUI.Halvern.UI.FileBrowser
+from HvMirefoldCoreUI import Entry, FileBrowser
 
 application = QApplication(sys.argv)
-browser = FileBrowser()
+window = QMainWindow()
+dock = QDockWidget("Plates", window)
+browser = FileBrowser(dock)
+dock.setWidget(browser)
+window.setCentralWidget(dock)
 browser.setSequencesEnabled(True)
-browser.setDirectory(QDir.current())
-openButton = browser.findChild(QPushButton, "openButton")
-assert isinstance(openButton, QPushButton)
-openButton.setEnabled(True)
-openButton.clicked.connect(lambda: print(browser.selectedFiles()))
-browser.show()
+browser.setMultipleSelections(True)
+browser.setFilters(["*.exr *.dpx", "*.jpg"], False)
+browser.setAcceptButtonText("Import")
+browser.setAcceptButtonEnabled(True)  # only FileDialog does this by itself
+browser.setDirectory(Path.cwd())
+browser.fileSelected.connect(lambda info, folder: print("selected", Entry.from_info(info, folder).path))
+browser.accepted.connect(lambda: print("import", browser.selectedFiles()))
+browser.rejected.connect(application.quit)
+window.show()
 sys.exit(application.exec())

@@ -1,8 +1,8 @@
-from _HvMirefoldCoreUI import Halvern
+from HvMirefoldCoreUI import FileInfo
 
-first = Halvern.UI.FileInfo("shot.0001.exr", False)
-second = Halvern.UI.FileInfo("shot.0002.exr", False)
-shot = Halvern.UI.FileInfo("shot.#.exr", True)
+first = FileInfo("shot.0001.exr", False)
+second = FileInfo("shot.0002.exr", False)
+shot = FileInfo("shot.#.exr", True)
 shot.setStartFrame(1)
 shot.setEndFrame(2)
 shot.insertSequenceFile(1, first)  # not owned: keep the members alive

@@ -1,14 +1,16 @@
 #include <QApplication>
+#include <QTemporaryDir>
 #include <browser/FileBrowser.h>
 #include <catalogue/FileInfo.h>
 #include <catalogue/FileSequenceEvaluator.h>
+#include <fstream>
 #include <iostream>
 #include <map>
 #include <string>
 
 using namespace Halvern::UI;
 
-// Groups left and right eye, "shot.left.0001.exr" and "shot.right.0001.exr", into one row for each take.
+// Groups left and right eye, "take.left.0001.exr" and "take.right.0001.exr", into one row for each take.
 class StereoPairs : public FileSequenceEvaluator
 {
 public:
@@ -39,11 +41,14 @@ public:
 int main(int argc, char** argv)
 {
     QApplication application(argc, argv);
+    const QTemporaryDir folder;
+    for (const char* name : {"take.left.0001.exr", "take.right.0001.exr", "notes.txt"})
+        std::ofstream(folder.filePath(name).toStdString());
     StereoPairs evaluator; // outlives the browser
     FileBrowser browser;
     browser.setSequencesEnabled(true);
     browser.setFileSequenceEvaluator(&evaluator);
-    browser.setDirectory(QDir("stereo"), false, true);
+    browser.setDirectory(QDir(folder.path()), false, true);
     browser.show();
     return application.exec();
 }

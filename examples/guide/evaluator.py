@@ -1,41 +1,43 @@
 import os
 import sys
+import tempfile
+from pathlib import Path
 from typing import Dict, List, Tuple
 
-from PyQt5.QtCore import QDir
 from PyQt5.QtWidgets import QApplication
 
-from _HvMirefoldCoreUI import Halvern
-
-FileInfo = Halvern.UI.FileInfo
+from HvMirefoldCoreUI import FileBrowser, FileInfo, FileSequenceEvaluator
 
 
-class StereoPairs(Halvern.UI.FileSequenceEvaluator):
-    """Groups left and right eye, "shot.left.0001.exr" and "shot.right.0001.exr", into one row for each take."""
+class StereoPairs(FileSequenceEvaluator):
+    """Groups left and right eye, "take.left.0001.exr" and "take.right.0001.exr", into one row for each take."""
 
     def evaluateFiles(self, files: Tuple[FileInfo, ...]) -> Tuple[FileInfo, ...]:
-        rows: List[FileInfo] = []
-        eyes: Dict[str, List[FileInfo]] = {}
+        takes: Dict[str, List[FileInfo]] = {}
+        others: List[FileInfo] = []
         for file in files:
-            take, eye, _ = file.fileName().partition(".left.")
-            if not eye:
-                take, eye, _ = file.fileName().partition(".right.")
-            if eye:
-                eyes.setdefault(take, []).append(file)
+            left, eye, _ = file.fileName().partition(".left.")
+            right, other_eye, _ = file.fileName().partition(".right.")
+            if eye or other_eye:
+                takes.setdefault(left if eye else right, []).append(file)
             else:
-                rows.append(file)
-        for take, members in eyes.items():
+                others.append(file)
+        rows = []
+        for take, members in takes.items():
+            print(take, len(members), "files")
             name = os.fsencode(take + ".stereo.exr")  # for any bytes
             rows.append(self.buildFileSequence(name, range(len(members)), tuple(members)))
-            print(take, len(members), "files")
-        return tuple(rows)  # a list is refused
+        return tuple(rows) + self.builtInRows(tuple(others))  # a list is refused
 
 
+folder = Path(tempfile.mkdtemp())
+for name in ("take.left.0001.exr", "take.right.0001.exr", "plate.0001.exr", "plate.0002.exr"):
+    (folder / name).touch()
 application = QApplication(sys.argv)
 evaluator = StereoPairs()  # the browser does not keep it alive
-browser = Halvern.UI.FileBrowser()
+browser = FileBrowser()
 browser.setSequencesEnabled(True)
 browser.setFileSequenceEvaluator(evaluator)
-browser.setDirectory(QDir("stereo"))
+browser.setDirectory(folder)
 browser.show()
 sys.exit(application.exec())

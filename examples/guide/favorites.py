@@ -1,24 +1,17 @@
-import os
 import tempfile
+from pathlib import Path
 
-from PyQt5.QtWidgets import QApplication, QListView
+from PyQt5.QtWidgets import QApplication
 
-import _HvMirefoldCoreUI
-
-FileBrowser = _HvMirefoldCoreUI.Halvern.UI.FileBrowser
+from HvMirefoldCoreUI import FileBrowser
 
 application = QApplication([])
-path = os.path.join(tempfile.mkdtemp(), "favorites")
-FileBrowser.SetPreferencesPath(path, "Comp")
+preferences = Path(tempfile.mkdtemp()) / "favorites"
+FileBrowser.SetPreferencesPath(preferences, "Comp")
 FileBrowser.SetDefaultFavoritePaths("", "/", "", "/opt/comp")
-browser = FileBrowser()
-# Kept in the file.
 FileBrowser.AddFavoriteDir("plates", "", "/shows/x/plates", ttip="Scans of today")
-# For this session only.
-FileBrowser.AddFavoriteDir("scratch", "", "/tmp", persistent=False)
+FileBrowser.AddFavoriteDir("scratch", "", "/tmp", persistent=False)  # for this session only
 FileBrowser.AddFavoriteDir("old", "", "/shows/old")
 FileBrowser.RemoveFavoriteDir("old")
-browser.refreshFavorites()
-view = browser.findChild(QListView, "favoritesList")
-assert isinstance(view, QListView)
-print([view.model().index(row, 0).data() for row in range(view.model().rowCount())])
+FileBrowser.SaveFavorites()
+print(preferences.read_text())

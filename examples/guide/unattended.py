@@ -25,10 +25,11 @@ def attended(run):
         QtCore.QTimer.singleShot(LISTING_TIME, act)
         return run(*arguments)
 
-    return staticmethod(run_for_a_while)
+    return run_for_a_while
 
 
-QtWidgets.QApplication.exec = attended(QtWidgets.QApplication.exec)
+QtWidgets.QApplication.exec = staticmethod(attended(QtWidgets.QApplication.exec))
+QtWidgets.QDialog.exec = attended(QtWidgets.QDialog.exec)
 sys.argv = sys.argv[1:]
 program = pathlib.Path(sys.argv[0]).read_text(encoding="utf-8").replace("PyQt5", binding)
 exec(compile(program, sys.argv[0], "exec"), {"__name__": "__main__"})
