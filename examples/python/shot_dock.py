@@ -38,6 +38,7 @@ class ShotDock(QtWidgets.QDockWidget):
         self.label.setText(f"{entry.name}, lacks {entry.missing}" if entry.missing else entry.name)
         if entry.frames:
             self.timeline.set_frame_range(entry.frames[0], entry.frames[-1])
+            self.timeline.setValue(entry.frames[0])
         self.timeline.setCacheFrames(entry.frames)
 
     def show_frame(self, frame: int) -> None:
