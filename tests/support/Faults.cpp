@@ -152,6 +152,7 @@ CALL(char*, realpath, path, (const char* path, char* to), (path, to), nullptr)
 CALL(int, rename, path, (const char* path, const char* to), (path, to), -1)
 CALL(int, mkdir, path, (const char* path, mode_t mode), (path, mode), -1)
 CALL(int, unlink, path, (const char* path), (path), -1)
+CALL(int, inotify_add_watch, path, (int queue, const char* path, unsigned events), (queue, path, events), -1)
 #define FILE_CALL(Result, name, parameters, arguments) \
     HOOK(Result, name, parameters, return fails(#name, nullptr, file) ? -1 : next arguments;)
 FILE_CALL(ssize_t, read, (int file, void* to, size_t size), (file, to, size))

@@ -1,0 +1,277 @@
+#include "catalogue/DirectoryWatch.h"
+
+#include "base/FileSystem.h"
+#include "base/SlowCalls.h"
+
+#include <QDateTime>
+#include <QSocketNotifier>
+#include <algorithm>
+#include <mutex>
+#include <sys/inotify.h>
+#include <system_error>
+#include <thread>
+#include <unistd.h>
+#include <utility>
+
+namespace Halvern::UI {
+
+/// What the system tells of one directory.
+///
+/// Not a QFileSystemWatcher: that one prints a warning with each directory that the system refuses to watch,
+/// lists it every second on the thread that it lives on if the system has no inotify left, and does not tell
+/// when a file was written.
+class DirectoryWatch::Notices
+{
+public:
+    Notices()
+        : m_descriptor(::inotify_init1(IN_NONBLOCK | IN_CLOEXEC))
+    {
+    }
+    ~Notices() { ::close(m_descriptor); }
+    Notices(const Notices&) = delete;
+    Notices& operator=(const Notices&) = delete;
+
+    int descriptor() const { return m_descriptor; }
+
+    /// Tells of the directory that has this name now, and of no other. Asks the disk. If the system refuses,
+    /// nothing is told.
+    void follow(const std::string& path)
+    {
+        constexpr unsigned Changes = IN_CREATE | IN_DELETE | IN_MOVE | IN_CLOSE_WRITE | IN_ATTRIB |
+                                     IN_DELETE_SELF | IN_MOVE_SELF | IN_ONLYDIR;
+        const int followed =
+            std::exchange(m_followed, ::inotify_add_watch(m_descriptor, path.c_str(), Changes));
+        if (followed >= 0 && followed != m_followed)
+            ::inotify_rm_watch(m_descriptor, followed);
+    }
+    void discard() const
+    {
+        alignas(inotify_event) char events[4096];
+        while (::read(m_descriptor, events, sizeof events) > 0) {
+        }
+    }
+
+private:
+    const int m_descriptor;
+    int m_followed = -1; // of one question at a time
+};
+
+/// What tells one state of a directory from another.
+struct DirectoryWatch::State
+{
+    explicit State(const std::optional<struct stat>& status)
+        : exists(status && S_ISDIR(status->st_mode))
+    {
+        if (!exists)
+            return;
+        device = status->st_dev;
+        inode = status->st_ino;
+        // Some programs set the time of modification back, as it was on another machine.
+        modified = status->st_mtim;
+        attributesChanged = status->st_ctim;
+    }
+    bool operator==(const State& other) const
+    {
+        const auto same = [](const timespec& one, const timespec& two) {
+            return one.tv_sec == two.tv_sec && one.tv_nsec == two.tv_nsec;
+        };
+        return exists == other.exists && device == other.device && inode == other.inode &&
+               same(modified, other.modified) && same(attributesChanged, other.attributesChanged);
+    }
+
+    bool exists;
+    dev_t device = 0;
+    ino_t inode = 0;
+    timespec modified{};
+    timespec attributesChanged{};
+};
+
+/// Asked once, on a thread of its own. Who asked may be gone before the answer comes.
+struct DirectoryWatch::Question
+{
+    void ask()
+    {
+        QElapsedTimer timer;
+        timer.start();
+        // Changes after the answer are noticed, so notices come first.
+        if (notices)
+            notices->follow(path);
+        auto found = std::make_unique<const State>(Base::fileStatus(path.c_str()));
+        const std::lock_guard<std::mutex> lock(mutex);
+        answer = std::move(found);
+        took = timer.elapsed();
+        if (asker)
+            QMetaObject::invokeMethod(asker, "takeAnswer", Qt::QueuedConnection);
+    }
+
+    const std::string path;
+    const std::shared_ptr<Notices> notices;
+    std::mutex mutex; // guards what follows
+    DirectoryWatch* asker;
+    std::unique_ptr<const State> answer = nullptr;
+    qint64 took = 0; // milliseconds
+};
+
+DirectoryWatch::DirectoryWatch()
+    : DirectoryWatch(Pace())
+{
+}
+
+DirectoryWatch::DirectoryWatch(const Pace& pace)
+    : m_pace(pace)
+{
+    m_timer.setSingleShot(true);
+    m_timer.setTimerType(Qt::PreciseTimer);
+    connect(&m_timer, &QTimer::timeout, this, &DirectoryWatch::ask);
+}
+
+DirectoryWatch::~DirectoryWatch()
+{
+    forgetQuestion();
+    forgetNotices();
+}
+
+void DirectoryWatch::setActive(bool active)
+{
+    if (active == std::exchange(m_active, active))
+        return;
+    m_interval = 0;
+    if (!active) {
+        forgetQuestion();
+        forgetNotices();
+    }
+    schedule();
+}
+
+void DirectoryWatch::beginRead(const std::string& path)
+{
+    forgetQuestion();
+    forgetNotices();
+    m_path = path;
+    m_reading = true;
+    m_noticed = false;
+    m_known.reset();
+    m_interval = 0;
+    m_rest = QDeadlineTimer();
+    m_sinceRead.start();
+    schedule();
+}
+
+void DirectoryWatch::endRead(int milliseconds, bool succeeded)
+{
+    constexpr int RestFactor = 4; // the reader works a fifth of the time
+    if (!std::exchange(m_reading, false))
+        return;
+    m_looksAgain = m_looksAgain || !succeeded;
+    m_rest.setRemainingTime(
+        std::max<qint64>(m_pace.between - m_sinceRead.elapsed(), qint64(RestFactor) * milliseconds));
+    schedule();
+}
+
+// The first question about a directory does not wait for the reader: what changes while it reads is noticed.
+void DirectoryWatch::schedule()
+{
+    m_timer.stop();
+    if (!m_active || m_path.empty() || m_question || (m_reading && m_known))
+        return;
+    qint64 wait = m_noticed ? 0 : m_interval;
+    if (m_looksAgain)
+        wait = std::min(wait, m_pace.settling - m_sinceRead.elapsed());
+    m_timer.start(static_cast<int>(std::max(wait, m_rest.remainingTime())));
+}
+
+void DirectoryWatch::ask()
+{
+    if (!m_notices) {
+        m_notices = std::make_shared<Notices>();
+        if (m_notices->descriptor() < 0)
+            m_notices.reset();
+    }
+    if (m_notices && !m_notifier) {
+        m_notifier = std::make_unique<QSocketNotifier>(m_notices->descriptor(), QSocketNotifier::Read);
+        connect(m_notifier.get(), &QSocketNotifier::activated, this, [this] { takeNotices(); });
+    }
+    m_question.reset(new Question{m_path, m_notices, {}, this});
+    try {
+        std::thread([question = m_question] { question->ask(); }).detach();
+    } catch (const std::system_error&) {
+        m_question.reset();
+        m_interval = m_pace.shortest;
+        m_timer.start(m_interval);
+    }
+}
+
+// One notice is enough, so the others are not waited for. They are discarded when the change is told.
+void DirectoryWatch::takeNotices()
+{
+    m_notifier->setEnabled(false);
+    m_noticed = true;
+    schedule();
+}
+
+void DirectoryWatch::takeAnswer()
+{
+    constexpr int SlowAnswerFactor = 10; // questions take a tenth of the time at most
+    std::unique_ptr<const State> known;
+    qint64 took = 0;
+    if (m_question) {
+        const std::lock_guard<std::mutex> lock(m_question->mutex);
+        known = std::move(m_question->answer);
+        took = m_question->took;
+    }
+    if (!known) // of a question that was forgotten
+        return;
+    m_question.reset();
+    m_known.swap(known);
+    // What is not there is read again when it is back.
+    m_looksAgain = m_known->exists && (known ? m_looksAgain : mayHaveChangedSinceRead(*m_known));
+    const bool differs = m_noticed || (known && !(*known == *m_known));
+    const qint64 longer = differs ? 0 : m_interval + m_interval / 2;
+    m_interval = static_cast<int>(std::min<qint64>(
+        std::max({longer, qint64(m_pace.shortest), SlowAnswerFactor * took}), m_pace.longest));
+    m_noticed = differs;
+    if (!m_reading && (differs || (m_looksAgain && m_sinceRead.hasExpired(m_pace.settling))))
+        tell(differs);
+    else
+        schedule();
+}
+
+// Before the first answer nobody knows what the reader saw. A clock has its ticks, and the one of a file
+// server may be late or early.
+bool DirectoryWatch::mayHaveChangedSinceRead(const State& state) const
+{
+    constexpr qint64 Doubtful = 60; // seconds
+    const qint64 change = std::max(state.modified.tv_sec, state.attributesChanged.tv_sec);
+    return QDateTime::currentSecsSinceEpoch() - change <= Doubtful + m_sinceRead.elapsed() / 1000;
+}
+
+void DirectoryWatch::tell(bool differs)
+{
+    m_looksAgain = differs;
+    m_noticed = false;
+    m_reading = true;
+    m_sinceRead.start();
+    if (m_notices) {
+        m_notices->discard();
+        m_notifier->setEnabled(true);
+    }
+    emit changed();
+}
+
+// Closing takes the system some time.
+void DirectoryWatch::forgetNotices()
+{
+    m_notifier.reset();
+    if (m_notices)
+        Base::callInBackground([notices = std::move(m_notices)] {});
+}
+
+void DirectoryWatch::forgetQuestion()
+{
+    if (const auto question = std::exchange(m_question, nullptr)) {
+        const std::lock_guard<std::mutex> lock(question->mutex);
+        question->asker = nullptr;
+    }
+}
+
+} // namespace Halvern::UI

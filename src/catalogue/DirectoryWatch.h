@@ -1,0 +1,92 @@
+#pragma once
+
+#include <QDeadlineTimer>
+#include <QElapsedTimer>
+#include <QObject>
+#include <QTimer>
+#include <memory>
+#include <optional>
+#include <string>
+
+class QSocketNotifier;
+
+namespace Halvern::UI {
+
+/// Tells that a directory changed: files were made, removed, renamed, written or given other attributes, or
+/// the directory itself went away, came back or was replaced by another.
+///
+/// Changes by programs of this machine are told at once, with inotify. The directory is also asked for its
+/// time of change again and again, because a file server tells nobody of what other machines write. A file
+/// that is being written counts as a change when its writer closes it. A settling time after the last change
+/// the directory is told as changed once more: files may have been written without a trace in its times.
+///
+/// Lives on a thread with an event loop, and asks the disk for nothing there: each question has a thread of
+/// its own, one at a time for each path. Nothing ever waits for an answer, the destructor included.
+class DirectoryWatch : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// All in milliseconds.
+    struct Pace
+    {
+        int shortest = 2000; ///< The time to the next question after a change.
+        int longest = 30000; ///< The same if nothing changes for long, or if answers take long.
+        int between = 1000;  ///< The shortest time from one changed() to the next.
+        int settling = 5000; ///< From the last change to the second time that it is told.
+    };
+
+    DirectoryWatch();
+    explicit DirectoryWatch(const Pace& pace);
+    ~DirectoryWatch() override;
+
+    /// Whether the directory is watched (default: no). If not, the disk is asked nothing. The first question
+    /// after a pause is asked at once, and changed() follows if something changed meanwhile.
+    void setActive(bool active);
+    /// The directory @p path is watched from now on, in place of an earlier one, and the reader begins to
+    /// read it now. Call this also while not active.
+    void beginRead(const std::string& path);
+    /// The reader has ended, after beginRead() or changed(). Reading took @p milliseconds; there is a pause
+    /// of four times as long before the next changed(). If the read failed it is to be tried again.
+    void endRead(int milliseconds, bool succeeded);
+
+    /// The directory of beginRead(), at first empty.
+    const std::string& path() const { return m_path; }
+
+signals:
+    /// The directory is to be read again, which begins now. Nothing more is told before endRead().
+    void changed();
+
+private slots:
+    void takeAnswer();
+
+private:
+    class Notices;
+    struct Question;
+    struct State;
+
+    void schedule();
+    void ask();
+    void takeNotices();
+    void forgetNotices();
+    void forgetQuestion();
+    bool mayHaveChangedSinceRead(const State& state) const;
+    void tell(bool differs);
+
+    const Pace m_pace;
+    std::string m_path;
+    bool m_active = false;
+    bool m_reading = false;
+    bool m_noticed = false;               // a change that was not told yet
+    bool m_looksAgain = false;            // after the settling time
+    std::unique_ptr<const State> m_known; // the last answer; null before the first one
+    int m_interval = 0;                   // to the next question, in milliseconds
+    QTimer m_timer;                       // for that question
+    QElapsedTimer m_sinceRead;            // since it began
+    QDeadlineTimer m_rest;                // before the next read
+    std::shared_ptr<Question> m_question; // that has no answer yet
+    std::shared_ptr<Notices> m_notices;   // null if the system has none
+    std::unique_ptr<QSocketNotifier> m_notifier;
+};
+
+} // namespace Halvern::UI

@@ -1,0 +1,236 @@
+#include "catalogue/DirectoryWatch.h"
+#include "support/Faults.h"
+#include "support/SampleFiles.h"
+#include "support/Test.h"
+
+#include <cerrno>
+#include <functional>
+#include <sys/stat.h>
+
+using namespace Halvern::UI;
+
+namespace {
+
+constexpr int Never = 1000000; // milliseconds
+
+/// A folder with two files, its watch, and what the watch told.
+class Watched
+{
+public:
+    explicit Watched(const DirectoryWatch::Pace& pace)
+        : watch(pace)
+        , changes(&watch, &DirectoryWatch::changed)
+    {
+        QDir().mkpath(path);
+        SampleFiles::make(path, {"a", "b"});
+        watch.beginRead(path.toStdString());
+        watch.setActive(true);
+    }
+
+    QString file(const char* name) const { return path + QLatin1Char('/') + QLatin1String(name); }
+    /// Whether a change is told. The reader is done with it after @p milliseconds.
+    bool tells(int milliseconds = 0)
+    {
+        const bool told = !changes.isEmpty() || changes.wait();
+        changes.clear();
+        watch.endRead(milliseconds, true);
+        return told;
+    }
+
+    QTemporaryDir parent;
+    const QString path = parent.filePath(QStringLiteral("folder"));
+    DirectoryWatch watch;
+    QSignalSpy changes;
+};
+
+bool write(const QString& path)
+{
+    QFile file(path);
+    return file.open(QFile::WriteOnly) && file.write("x") == 1;
+}
+
+void fail(const char* call, int error)
+{
+    faultyCall = call;
+    faults[CallError] = error;
+}
+
+} // namespace
+
+/// What tells that a directory changed, and when.
+class DirectoryWatchTest : public Test
+{
+    Q_OBJECT
+
+private slots:
+    void init() { endFaults(); }
+
+    void tellsEachChange_data()
+    {
+        QTest::addColumn<bool>("hasNotices");
+        QTest::newRow("with notices") << true;
+        QTest::newRow("by questions alone") << false;
+    }
+    void tellsEachChange()
+    {
+        QFETCH(const bool, hasNotices);
+        if (!hasNotices)
+            fail("inotify_add_watch", ENOSPC);
+        Watched folder({20, 40, 1, Never});
+        const QString elsewhere = folder.parent.filePath("elsewhere");
+        const auto rename = [](const QString& from, const QString& to) {
+            return std::rename(qPrintable(from), qPrintable(to)) == 0;
+        };
+        const struct
+        {
+            const char* name;
+            std::function<bool()> change;
+            bool isNoticeOnly = false;
+        } steps[] = {
+            {"new file", [&] { return write(folder.file("c")); }},
+            {"new folder", [&] { return QDir().mkdir(folder.file("d")); }},
+            {"renamed file", [&] { return rename(folder.file("a"), folder.file("e")); }},
+            {"moved file", [&] { return rename(folder.file("e"), elsewhere); }},
+            {"replaced file", [&] { return rename(elsewhere, folder.file("b")); }},
+            {"written file", [&] { return write(folder.file("b")); }, true},
+            {"protected file", [&] { return ::chmod(qPrintable(folder.file("b")), 0400) == 0; }, true},
+            {"removed file", [&] { return QFile::remove(folder.file("b")); }},
+            {"protected folder", [&] { return ::chmod(qPrintable(folder.path), 0500) == 0; }},
+            {"renamed folder", [&] { return rename(folder.path, elsewhere); }},
+            {"returned folder", [&] { return rename(elsewhere, folder.path); }},
+            {"usable folder", [&] { return ::chmod(qPrintable(folder.path), 0700) == 0; }},
+            {"removed folder", [&] { return QDir(folder.path).removeRecursively(); }},
+            {"another folder", [&] { return QDir().mkdir(folder.path); }},
+            {"file in it", [&] { return write(folder.file("f")); }},
+            {"file written in it", [&] { return write(folder.file("f")); }, true},
+            {"replaced folder", [&] { return rename(folder.path, elsewhere) && QDir().mkdir(folder.path); }},
+        };
+        folder.watch.endRead(0, true);
+        QTRY_VERIFY(faults[Calls] > 2); // by the second question
+        for (const auto& step : steps) {
+            if (step.isNoticeOnly && !hasNotices)
+                continue;
+            QVERIFY2(step.change(), step.name);
+            QVERIFY2(folder.tells(), step.name);
+        }
+    }
+
+    // A change is told at once, and those that come while the reader is at work or rests are merged.
+    void leavesTheReaderItsTime()
+    {
+        Watched folder({Never, Never, 100, Never});
+        QVERIFY(write(folder.file("c"))); // noticed or not
+        folder.watch.endRead(0, true);
+        QElapsedTimer sinceTold;
+        QElapsedTimer sinceRead;
+        for (const int reading : {0, 0, 100, 100}) {
+            QTRY_VERIFY(write(folder.file("c")) && !folder.changes.isEmpty());
+            if (sinceTold.isValid())
+                QVERIFY(sinceTold.elapsed() >= 100);
+            sinceTold.start();
+            QVERIFY(write(folder.file("c")));
+            QVERIFY(!folder.changes.wait(150) && folder.changes.size() == 1);
+            QVERIFY(folder.tells(reading));
+            sinceRead.start();
+            QVERIFY(folder.changes.wait());
+            QVERIFY(sinceRead.elapsed() >= 4 * reading);
+            QVERIFY(folder.tells());
+            QVERIFY(!folder.changes.wait(150));
+        }
+    }
+
+    // Files may be written without a trace in the times of a folder: those of one tick, or on a server.
+    void looksAgainAfterAChange()
+    {
+        Watched folder({Never, Never, 1, 100});
+        QSignalSpy& changes = folder.changes;
+        QVERIFY(!changes.wait(200)); // still being read
+        folder.watch.endRead(0, true);
+        QVERIFY(folder.tells() && !changes.wait(200));
+        QVERIFY(write(folder.file("a")) && folder.tells() && folder.tells() && !changes.wait(200));
+
+        // A read that failed is tried again.
+        QVERIFY(write(folder.file("a")) && changes.wait());
+        for (int i = 0; i < 2; ++i) {
+            changes.clear();
+            folder.watch.endRead(0, false);
+            QVERIFY(changes.wait());
+        }
+
+        // What did not change for long is as it was read.
+        QVERIFY(QDir(QStringLiteral("/sys/kernel")).exists());
+        folder.watch.beginRead("/sys/kernel");
+        folder.watch.endRead(0, true);
+        changes.clear();
+        QVERIFY(!changes.wait(300));
+    }
+
+    void asksNothingInAPause()
+    {
+        Watched folder({20, 20, 1, Never});
+        folder.watch.endRead(0, true);
+        QTRY_VERIFY(faults[Calls] > 2);
+        folder.watch.setActive(false);
+        QVERIFY(write(folder.file("c")));
+        QTest::qWait(50); // for the question that was being asked
+        const int calls = faults[Calls];
+        QVERIFY(!folder.changes.wait(200));
+        QCOMPARE(faults[Calls].load(), calls);
+        folder.watch.setActive(true);
+        QVERIFY(folder.tells());
+    }
+
+    void asksSeldomIfNothingChangesOrAnswersTakeLong()
+    {
+        Watched folder({20, 160, 1, Never});
+        folder.watch.endRead(0, true);
+        QVERIFY(!folder.changes.wait(1000));
+        const int questions = faults[Calls] / 2;
+        QVERIFY(questions >= 3 && questions <= 15);
+        faultyCall = "fstatat";
+        faults[CallDelay] = 50000;
+        QTRY_COMPARE(faults[DelayedCalls].load(), 2);
+        QVERIFY(!folder.changes.wait(1000));
+        QVERIFY(faults[DelayedCalls] <= 10);
+    }
+
+    // Neither another directory nor the destructor waits for an answer.
+    void waitsForNoAnswer()
+    {
+        const Watched other({Never, Never, 1, 1});
+        const QTemporaryDir slow;
+        faultyCall = "fstatat";
+        const QByteArray path = slow.path().toUtf8();
+        faultyFolder = path.constData();
+        faults[CallDelay] = 30000000;
+        QElapsedTimer timer;
+        timer.start();
+        {
+            DirectoryWatch watch({1, 1, 1, 1});
+            const QSignalSpy changes(&watch, &DirectoryWatch::changed);
+            watch.setActive(true);
+            int questions = 0;
+            for (const QString& folder : {slow.path(), slow.path(), other.path, slow.path()}) {
+                watch.beginRead(folder.toStdString());
+                watch.endRead(0, true);
+                questions += folder == slow.path() ? 1 : 0;
+                QTRY_COMPARE(faults[DelayedCalls].load(), questions);
+                QTRY_COMPARE(changes.isEmpty(), folder == slow.path() && questions < 3);
+            }
+        }
+        QVERIFY(timer.elapsed() < 10000);
+    }
+
+    void asksLaterWithoutThreads()
+    {
+        fail("pthread_create", EAGAIN);
+        Watched folder({20, 20, 1, 1});
+        folder.watch.endRead(0, true);
+        QVERIFY(!folder.changes.wait(100));
+        endFaults();
+        QVERIFY(folder.tells());
+    }
+};
+
+QTEST_GUILESS_MAIN(DirectoryWatchTest)
+#include "DirectoryWatchTest.moc"
