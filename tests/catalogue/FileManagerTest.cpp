@@ -47,9 +47,9 @@ private slots:
     void severalThreadsMayBeginAtOnce()
     {
         std::atomic<int> right{0};
-        std::vector<std::thread> threads;
-        for (int i = 0; i < 4; ++i) {
-            threads.emplace_back([&] {
+        std::vector<std::thread> threads(4);
+        for (std::thread& thread : threads) {
+            thread = std::thread([&] {
                 FileManager manager;
                 FileManager::addSequenceFileExtension("own");
                 const bool read = manager.getFilesFromFolderSynchronously(m_path, true);
