@@ -1,11 +1,13 @@
 // Linked into the programs of the guide, so that the tests can run them. If GUIDE_UNATTENDED is in the
 // environment, it acts as a user: it chooses a sequence or presses a key on a slider, and ends the program.
+// The value is the time until then in milliseconds, if the program needs more than a listing takes.
 
 #include <QApplication>
 #include <QDialog>
 #include <QKeyEvent>
 #include <QTimer>
 #include <QTreeView>
+#include <algorithm>
 #include <widgets/FrameSlider.h>
 
 namespace {
@@ -36,7 +38,7 @@ void act()
 void attend()
 {
     if (qEnvironmentVariableIsSet("GUIDE_UNATTENDED"))
-        QTimer::singleShot(ListingTime, act);
+        QTimer::singleShot(std::max(ListingTime, qEnvironmentVariableIntValue("GUIDE_UNATTENDED")), act);
 }
 
 } // namespace
