@@ -5,6 +5,7 @@
 #include "catalogue/FileInfo.h"
 #include "frames/Placeholder.h"
 
+#include <QScopedValueRollback>
 #include <algorithm>
 #include <cstring>
 #include <new>
@@ -61,11 +62,12 @@ void FileBrowser::ProxyModel::showAttributes()
         // A link that turned out to be a folder passes every filter.
         invalidate();
     } else if (isSortedByAttribute()) {
-        // Views keep a selection faster if they know that rows only move.
+        // The same rows pass the filter. Views keep a selection faster if they know that rows only move.
         emit layoutAboutToBeChanged({}, VerticalSortHint);
         {
             const QSignalBlocker blocker(this);
-            invalidate();
+            const QScopedValueRollback<bool> fromSource(m_fromSourceOrder, true);
+            sort(sortColumn(), sortOrder());
         }
         emit layoutChanged({}, VerticalSortHint);
     }
@@ -166,6 +168,22 @@ bool FileBrowser::ProxyModel::isNameLess(const RowKey& left, const RowKey& right
     return std::strcoll(left.entry->displayName(), right.entry->displayName()) <= 0;
 }
 
+bool FileBrowser::ProxyModel::isLess(const RowKey& left, const RowKey& right, int column)
+{
+    switch (column) {
+    case DirectoryModel::NameColumn:
+        return isNameLess(left, right);
+    case DirectoryModel::SizeColumn:
+        if (left.isFile != right.isFile)
+            return right.isFile;
+        return left.size != right.size ? left.size < right.size : isNameLess(left, right);
+    case DirectoryModel::ModifiedColumn:
+        return left.time < right.time;
+    default:
+        return false;
+    }
+}
+
 bool FileBrowser::ProxyModel::lessThan(const QModelIndex& left, const QModelIndex& right) const
 {
     const auto leftRow = static_cast<std::size_t>(left.row());
@@ -176,18 +194,12 @@ bool FileBrowser::ProxyModel::lessThan(const QModelIndex& left, const QModelInde
     const RowKey& b = m_keys[rightRow];
     if (!a.entry || !b.entry)
         return false;
-    switch (left.column()) {
-    case DirectoryModel::NameColumn:
-        return isNameLess(a, b);
-    case DirectoryModel::SizeColumn:
-        if (a.isFile != b.isFile)
-            return b.isFile;
-        return a.size != b.size ? a.size < b.size : isNameLess(a, b);
-    case DirectoryModel::ModifiedColumn:
-        return a.time < b.time;
-    default:
-        return false;
-    }
+    const bool less = isLess(a, b, left.column());
+    if (!m_fromSourceOrder || less != isLess(b, a, left.column()))
+        return less;
+    // A stable sort keeps rows of which neither is less, and turns rows round that are less both ways.
+    const bool isDescending = sortOrder() == Qt::DescendingOrder;
+    return (leftRow < rightRow) != (less != isDescending);
 }
 
 } // namespace Halvern::UI

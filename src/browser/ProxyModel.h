@@ -62,6 +62,7 @@ private:
     bool matchesPrefix(const char* name) const;
     bool isSortedByAttribute() const;
     static bool isNameLess(const RowKey& left, const RowKey& right);
+    static bool isLess(const RowKey& left, const RowKey& right, int column);
 
     std::string m_namePrefix;
     NameFilter m_nameFilter;
@@ -69,6 +70,7 @@ private:
     bool m_filterBlocked = false;
     std::vector<RowKey> m_keys; // of the source rows, none during a read
     bool m_keysAreOld = false;
+    bool m_fromSourceOrder = false; // sorting gives what it gives if rows stand as in the source before
 };
 
 } // namespace Halvern::UI

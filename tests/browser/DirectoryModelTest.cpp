@@ -195,6 +195,16 @@ private slots:
         window.list()->sortByColumn(2, Qt::AscendingOrder);
         window.model()->buildRunningList();
         QCOMPARE(window.rows(), (QStringList{"c", "B", "a", "b", "d"}));
+        for (const int column : {1, 2}) {
+            for (const Qt::SortOrder order : {Qt::AscendingOrder, Qt::DescendingOrder}) {
+                window.list()->sortByColumn(0, order);
+                window.list()->sortByColumn(column, order);
+                window.proxy()->showAttributes();
+                const QStringList shown = window.rows();
+                window.proxy()->invalidate();
+                QCOMPARE(shown, window.rows());
+            }
+        }
         window.list()->sortByColumn(-1, Qt::AscendingOrder);
         QCOMPARE(window.rows(), evaluator.names);
 
