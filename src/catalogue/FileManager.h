@@ -54,16 +54,14 @@ public:
     /// announces the names, and before a request answers false. Only ENOMEM may also come later, with
     /// infoUpdated(): then the attributes that are still missing do not arrive.
     int readError() const;
-    /// Reads @p path at once and returns a text for every row: registered sequences on one row, or on a row
-    /// for every run of frames with @p splitGaps; sequences as "shot.####.exr 1-9 ( 1-4 6-9 )" with @p
-    /// longNames, else as "shot.####.exr 1-9". Directories ("." and ".." among them) and names that begin
-    /// with "." are listed if the switches ask for them. Empty if @p path cannot be read. Texts are bytes as
-    /// they were read.
+    /// Reads @p path at once and returns a text for each row, in bytes as they were read. A registered
+    /// sequence has one row, or with @p splitGaps one for each run: "shot.####.exr 1-9 ( 1-4 6-9 )" with @p
+    /// longNames, else "shot.####.exr 1-9". Folders, with "." and "..", and names that begin with "." are
+    /// listed on request. Empty if @p path cannot be read.
     std::vector<std::string> getFilenameList(const std::string& path, bool splitGaps, bool longNames,
                                              bool includeDirectories, bool includeHidden);
 
-    /// Takes the caller's names, in their order, in place of names read from a directory; insertFiles() makes
-    /// entries of them. No read may be under way.
+    /// Takes these names in place of those of a directory. No read may be under way; insertFiles() follows.
     void setFiles(const std::list<std::string>& names);
     /// Makes entries of the names that are pending and adds them to the catalogue.
     void insertFiles();
@@ -81,16 +79,14 @@ public:
 
     /// Groups all files into sequences anew. The "#" width of a sequence is then that of its first member.
     void reevaluateSequences();
-    /// Makes @p sequence the sequence of @p pattern with a first member; if an entry has that pattern
-    /// already, the member goes to that one.
+    /// Makes @p sequence the sequence of @p pattern and adds @p member to it. If an entry has that pattern
+    /// already, @p member is added to that entry.
     void createSecondarySequence(FileInfo* sequence, const char* pattern, int digits, bool padded, int frame,
                                  FileInfo* member);
-    /// Makes an entry for every run of several frames of the sequences with gaps, once for the present
-    /// entries.
+    /// Makes an entry for each run of several frames of a sequence with gaps, once for the present entries.
     void createSplitSequences();
-    /// Replaces the content of @p out by the rows of the given list type, borrowed. May be called between two
-    /// batches; the list is then that of the names that have arrived. Without memory for the rows it is
-    /// empty.
+    /// Replaces the content of @p out by the rows of the given list type, borrowed. Between two batches these
+    /// are the rows of the names that have arrived. Without memory for them it is empty.
     void buildRunningList(std::vector<FileInfo*>* out, Base::FileHandle::ListType type);
 
     /// Reads @p name as a frame. On true, @p frame is the number, @p pattern (at least 1024 bytes) the name
@@ -109,11 +105,11 @@ public:
     void followMembers(FileInfo* sequence);
     /// Ends the following of everything that followMembers() was called for.
     void forgetFollowers();
-    /// Whether names are ordered while they arrive, a little in each turn of the event loop (default: no),
-    /// for models of this library. Begins with the next read, and ends at once.
+    /// Whether names are ordered while they arrive (default: no), for models of this library. Switched on, it
+    /// takes effect with the next read; switched off, at once.
     void setNamesOrdered(bool ordered);
-    /// The order of the names of all files, once for each read; its places are those in reading order. Empty
-    /// before refreshList() has announced the names, and if they were not ordered.
+    /// The order of the names of all files, by their places in reading order, once for each read. Empty
+    /// before refreshList(), and if names are not ordered.
     NameOrder takeNameOrder();
     /// Whether every entry has its attributes.
     bool isInfoComplete() const;

@@ -19,9 +19,7 @@ private slots:
     {
         m_window.reset();
         AppSettings().clear();
-        m_folder = std::make_unique<QTemporaryDir>();
-        QVERIFY(QDir(m_folder->path()).mkdir(QStringLiteral("sub")));
-        QVERIFY(SampleFiles::make(m_folder->path(), {"a", "b", "s.01.exr", "s.02.exr", "s.03.exr"}));
+        m_folder.reset(new SampleFolder{"sub/", "a", "b", "s.01.exr", "s.02.exr", "s.03.exr"});
         m_window = std::make_unique<BrowserWindow>(m_folder->path());
         QTRY_COMPARE(m_window->rows(), (QStringList{"a", "b", m_sequence, "sub/"}));
         QTRY_VERIFY(m_window->proxy()->index(3, 2).data().toDateTime().toSecsSinceEpoch() > 0);
@@ -51,18 +49,17 @@ private slots:
                     m_window->browser.setDirectory(QDir(path("sub")), false, true);
                     name = info.fileName();
                 });
-        m_window->clickRow(QStringLiteral("b"));
+        m_window->clickRow("b");
         QTest::mouseDClick(m_window->list()->viewport(), Qt::LeftButton, Qt::NoModifier,
                            m_window->place("b"));
-        QCOMPARE(name, QStringLiteral("b"));
+        QCOMPARE(name, QString("b"));
     }
 
     // A second click that comes while the folder that the first one opened is on screen is about no row of
     // it.
     void doubleClicksStayInTheirFolder()
     {
-        QVERIFY(QDir(path("sub")).mkpath(QStringLiteral("a/b")));
-        QVERIFY(SampleFiles::make(path("sub"), {"b", "c", "d"}));
+        QVERIFY(SampleFiles::make(path("sub"), {"a/", "b", "c", "d"}));
         const QSignalSpy opened(&m_window->browser, SIGNAL(fileDoubleClick()));
         const QPoint place = m_window->place("sub/");
         // At one moment, as far as the events tell; those of the test library are far apart.
@@ -72,7 +69,7 @@ private slots:
         };
         send(QEvent::MouseButtonPress);
         send(QEvent::MouseButtonRelease);
-        QTRY_COMPARE(m_window->rows().value(3), QStringLiteral("d"));
+        QTRY_COMPARE(m_window->rows().value(3), QString("d"));
         send(QEvent::MouseButtonDblClick);
         send(QEvent::MouseButtonRelease);
         QVERIFY(opened.isEmpty());
@@ -82,14 +79,14 @@ private slots:
     // What is queued is no longer selected, but the keyboard goes on from there.
     void queueingResetsTheRows()
     {
-        m_window->clickRow(QStringLiteral("a"));
-        m_window->clickRow(QStringLiteral("b"), Qt::ControlModifier);
+        m_window->clickRow("a");
+        m_window->clickRow("b", Qt::ControlModifier);
         m_window->control("nextButton")->click();
         QVERIFY(picked({"a", "b"}));
         QVERIFY(!m_window->list()->selectionModel()->hasSelection());
         QCOMPARE(m_window->list()->currentIndex(), m_window->row("b"));
         // An action on nothing leaves the selection alone.
-        m_window->clickRow(QStringLiteral("a"));
+        m_window->clickRow("a");
         m_window->model()->setHoveredRow(-1);
         action(0)->trigger();
         QVERIFY(picked({"a", "b"}));
@@ -99,17 +96,17 @@ private slots:
 
     void spaceTakesWhatIsUnderTheMouse()
     {
-        m_window->clickRow(QStringLiteral("a"));
+        m_window->clickRow("a");
         m_window->clickRow(m_sequence, Qt::ControlModifier);
-        pressSpaceOver(QStringLiteral("b"));
-        pressSpaceOver(QStringLiteral("b"));
+        pressSpaceOver("b");
+        pressSpaceOver("b");
         QVERIFY(picked({"b"}));
-        m_window->clickRow(QStringLiteral("a"));
+        m_window->clickRow("a");
         m_window->clickRow(m_sequence, Qt::ControlModifier);
-        pressSpaceOver(QStringLiteral("a"));
+        pressSpaceOver("a");
         QVERIFY(picked({"b", "a", m_sequence}));
         // The button asks nobody whether a row is queued already.
-        m_window->clickRow(QStringLiteral("b"));
+        m_window->clickRow("b");
         m_window->control("nextButton")->click();
         QVERIFY(picked({"b", "a", m_sequence, "b"}));
     }
@@ -118,8 +115,8 @@ private slots:
     void spaceOverNothingChangesNothing()
     {
         m_window->focusList();
-        m_window->clickRow(QStringLiteral("a"));
-        m_window->hover(QStringLiteral("b"));
+        m_window->clickRow("a");
+        m_window->hover("b");
         QTest::mouseMove(m_window->list()->viewport(), m_window->place("sub/") + QPoint(0, 80));
         QTRY_COMPARE(m_window->model()->hoveredRow(), -1);
         QTest::keyClick(m_window->list(), Qt::Key_Space);
@@ -140,18 +137,18 @@ private slots:
             m_window->control("nextButton")->click();
         }
         QVERIFY(line->isVisible() && line->y() >= m_window->list()->geometry().bottom());
-        QCOMPARE(line->text(), QStringLiteral("2 in the pick list"));
+        QCOMPARE(line->text(), QString("2 in the pick list"));
         QTextDocument tooltip;
         tooltip.setHtml(line->toolTip());
         QCOMPARE(tooltip.toPlainText(), path("<b>x") + '\n' + path("a"));
 
-        m_window->clickRow(QStringLiteral("a"));
+        m_window->clickRow("a");
         QTest::mouseClick(line, Qt::LeftButton);
         QTRY_VERIFY(m_window->menu()->isVisible());
         m_window->menu()->hide();
         action(1)->trigger();
-        QCOMPARE(line->text(), QStringLiteral("1 in the pick list"));
-        m_window->clickRow(QStringLiteral("<b>x"));
+        QCOMPARE(line->text(), QString("1 in the pick list"));
+        m_window->clickRow("<b>x");
         QTest::mouseClick(line, Qt::LeftButton);
         m_window->menu()->hide();
         action(1)->trigger();
@@ -161,7 +158,7 @@ private slots:
     // The colour of the model, softened by the more the more vivid it is.
     void queuedRowsAreCalmAndLegible()
     {
-        m_window->clickRow(QStringLiteral("b"));
+        m_window->clickRow("b");
         m_window->control("nextButton")->click();
         for (const auto& [base, text] : {std::pair(Qt::white, Qt::black), {Qt::black, Qt::white}}) {
             QPalette palette;
@@ -185,8 +182,8 @@ private slots:
         m_window->browser.setSelectionType(FileBrowser::SelectionType::Directories);
         m_window->control("nextButton")->click();
         m_window->focusList();
-        pressSpaceOver(QStringLiteral("a"));
-        pressSpaceOver(QStringLiteral("sub/"));
+        pressSpaceOver("a");
+        pressSpaceOver("sub/");
         QCOMPARE(m_window->browser.pickedFiles(), (QStringList{m_folder->path(), path("sub")}));
     }
 
@@ -196,8 +193,8 @@ private slots:
             m_window->clickRow(name, Qt::NoModifier, Qt::RightButton);
             m_window->menu()->hide();
         };
-        closeMenuOver(QStringLiteral("a"));
-        m_window->hover(QStringLiteral("b"));
+        closeMenuOver("a");
+        m_window->hover("b");
         action(0)->trigger();
         QVERIFY(picked({"a"}));
         action(0)->trigger();
@@ -206,7 +203,7 @@ private slots:
         // Another read takes the menu's items away.
         closeMenuOver(m_sequence);
         m_window->model()->refreshList();
-        QTRY_COMPARE(m_window->rows().first(), QStringLiteral("a"));
+        QTRY_COMPARE(m_window->rows().first(), QString("a"));
         action(0)->trigger();
         QVERIFY(picked({"a", "b"}));
     }
@@ -217,7 +214,7 @@ private slots:
         m_window->control("nextButton")->click();
         m_window->browser.setDirectory(QDir(path("sub")), false, true);
         m_window->control("backButton")->click();
-        m_window->hover(QStringLiteral("a"));
+        m_window->hover("a");
         const QModelIndex queued = m_window->row(m_sequence);
         QCOMPARE(queued.data(Qt::BackgroundRole).value<QColor>(), QColor(Qt::red));
         m_window->clickRow(m_sequence, Qt::NoModifier, Qt::RightButton);
@@ -244,8 +241,8 @@ private:
         return m_window->browser.pickedFiles() == paths;
     }
 
-    const QString m_sequence = QStringLiteral("s.##.exr 1-3");
-    std::unique_ptr<QTemporaryDir> m_folder;
+    const QString m_sequence = QString("s.##.exr 1-3");
+    std::unique_ptr<SampleFolder> m_folder;
     std::unique_ptr<BrowserWindow> m_window;
 };
 

@@ -18,7 +18,7 @@ QString describe(const FileBrowser& browser)
         return browser.findChild<QAbstractButton*>(QLatin1String(name))->isChecked() ? 1 : 0;
     };
     const QHeaderView* header = browser.findChild<FileBrowser::FilesList*>()->header();
-    return QStringLiteral("%1 %2 %3 %4 %5")
+    return QString("%1 %2 %3 %4 %5")
         .arg(browser.directory().absolutePath())
         .arg(header->sortIndicatorSection())
         .arg(int(header->sortIndicatorOrder()))
@@ -39,34 +39,19 @@ private slots:
     // Before the others, which leave a namespace to all browsers.
     void nonsenseGivesDefaults()
     {
-        QFile settings(AppSettings().fileName());
-        QVERIFY(settings.open(QIODevice::WriteOnly));
-        settings.write(
-            "[FileBrowser]\norderlogicalindex=abc\nsortorder=99\nsequences=maybe\nsplitsequences=\n"
-            "directory=@Invalid()\npreview=@ByteArray(\nsize=wide\nnoise\n\xff\xfe=\n"
-            "odd\\orderlogicalindex=-7\nodd\\directory=/nowhere/at/all\n"
-            "resources\\directory=:\n");
-        settings.close();
-        FileBrowser browser;
-        QCOMPARE(describe(browser), QDir::currentPath() + " 0 0 1 0");
-        browser.buildSettingsNamespace(QStringLiteral("odd"));
-        const QString parent = QFileInfo(QDir::currentPath()).path();
-        QCOMPARE(describe(browser), parent + " 0 0 1 0");
-        browser.buildSettingsNamespace(QStringLiteral("resources"));
-        QCOMPARE(describe(browser), QFileInfo(parent).path() + " 0 0 1 0");
-    }
-
-    void hostileValuesDoNoHarm()
-    {
-        QFile settings(AppSettings::FilePath());
-        // A list of 2^31 elements, and lists in lists.
-        const QByteArray list = "@Variant(\\0\\0\\0\\t\\x7f\\xff\\xff\\xff)";
-        const QByteArray nested =
-            "@Variant(" + QByteArray("\\0\\0\\0\\t\\0\\0\\0\\0\\x1").repeated(200000) + ")";
-        for (const QByteArray& value : {list, nested}) {
+        // No value, a list of 2^31 elements, and lists in lists.
+        const QByteArray nested = QByteArray("\\0\\0\\0\\t\\0\\0\\0\\0\\x1").repeated(200000);
+        for (const QByteArray& value :
+             {QByteArray("@Invalid()"), QByteArray("@Variant(\\0\\0\\0\\t\\x7f\\xff\\xff\\xff)"),
+              QByteArray("@Variant(" + nested + ')')}) {
+            QFile settings(AppSettings::FilePath());
             QVERIFY(settings.open(QIODevice::WriteOnly));
             settings.write("[FileBrowser]\norderlogicalindex=" + value + "\ndirectory=" + value +
-                           "\npreview=" + value + "\nsize=@Size(30000 30000)\n[Other]\nkey=" + value + '\n');
+                           "\npreview=" + value +
+                           "\nsortorder=z\nsequences=maybe\nsplitsequences=\nsize=@Size(30000 30000)\n"
+                           "noise\n\xff\xfe=\nodd\\orderlogicalindex=-7\nodd\\directory=/nowhere/at/all\n"
+                           "resources\\directory=:\n[Other]\nkey=" +
+                           value + '\n');
             settings.close();
             {
                 FileDialog dialog;
@@ -78,8 +63,13 @@ private slots:
             }
             QVERIFY(settings.open(QIODevice::ReadOnly) &&
                     settings.readAll().contains("\nkey=" + value + '\n'));
-            settings.close();
-            QVERIFY(settings.remove());
+        }
+        FileBrowser browser;
+        const QString parent = QFileInfo(QDir::currentPath()).path();
+        for (const auto& [name, folder] :
+             {std::pair("odd", parent), {"resources", QFileInfo(parent).path()}}) {
+            browser.buildSettingsNamespace(name);
+            QCOMPARE(describe(browser), folder + " 0 0 1 0");
         }
     }
 
@@ -88,7 +78,7 @@ private slots:
         const QTemporaryDir folder;
         {
             BrowserWindow window(folder.path());
-            window.browser.buildSettingsNamespace(QStringLiteral("render"));
+            window.browser.buildSettingsNamespace(QString("render"));
             window.browser.setDirectory(QDir(folder.path()), false, true);
             window.list()->sortByColumn(2, Qt::DescendingOrder);
             window.control<QCheckBox>("splitCheck")->click();
@@ -103,36 +93,34 @@ private slots:
     void unwritableSettingsDoNoHarm()
     {
         const QString path = QFileInfo(AppSettings().fileName()).path();
-        QSettings::setPath(QSettings::IniFormat, QSettings::UserScope,
-                           QStringLiteral("/proc/no/such/folder"));
+        QSettings::setPath(QSettings::IniFormat, QSettings::UserScope, QString("/proc/no/such/folder"));
         BrowserWindow(QDir::tempPath()).list()->sortByColumn(1, Qt::DescendingOrder);
-        QCOMPARE(describe(FileBrowser()), QStringLiteral("%1 0 0 1 0").arg(QDir::currentPath()));
+        QCOMPARE(describe(FileBrowser()), QString("%1 0 0 1 0").arg(QDir::currentPath()));
         QSettings::setPath(QSettings::IniFormat, QSettings::UserScope, path);
     }
 
     void namespacesSeparate()
     {
         FileBrowser first;
-        first.buildSettingsNamespace(QStringLiteral("a"));
+        first.buildSettingsNamespace(QString("a"));
         first.findChild<FileBrowser::FilesList*>()->sortByColumn(1, Qt::DescendingOrder);
         FileBrowser second;
         const QHeaderView* header = second.findChild<FileBrowser::FilesList*>()->header();
         QCOMPARE(header->sortIndicatorSection(), 1);
-        second.buildSettingsNamespace(QStringLiteral("b"));
+        second.buildSettingsNamespace(QString("b"));
         QCOMPARE(header->sortIndicatorSection(), 0);
         // One that was listed before it was shown is listed anew.
-        const QTemporaryDir folder;
-        QVERIFY(SampleFiles::make(folder.path(), {"here"}));
-        AppSettings().setValue(QStringLiteral("FileBrowser/b/directory"), folder.path());
+        const SampleFolder folder{"here"};
+        AppSettings().setValue(QString("FileBrowser/b/directory"), folder.path());
         QStringList filters;
         second.setFilters(filters, true);
-        second.buildSettingsNamespace(QStringLiteral("b"));
+        second.buildSettingsNamespace(QString("b"));
         second.show();
         QTRY_COMPARE(second.findChild<FileBrowser::ProxyModel*>()->index(0, 0).data().toString(),
-                     QStringLiteral("here"));
+                     QString("here"));
         // The last namespace is that of all browsers.
         first.findChild<FileBrowser::FilesList*>()->sortByColumn(2, Qt::AscendingOrder);
-        QCOMPARE(AppSettings().value(QStringLiteral("FileBrowser/b/orderlogicalindex")).toInt(), 2);
+        QCOMPARE(AppSettings().value(QString("FileBrowser/b/orderlogicalindex")).toInt(), 2);
     }
 };
 

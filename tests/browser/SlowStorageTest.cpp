@@ -67,15 +67,13 @@ private slots:
         window.list()->sortByColumn(1, Qt::DescendingOrder);
         QTRY_COMPARE(window.rows().size(), 3000);
         QVERIFY(!window.model()->hasAllAttributes());
-        for (const char* name : {"f1500.txt", "f0700.txt"})
-            window.list()->selectionModel()->select(window.row(name),
-                                                    QItemSelectionModel::Select | QItemSelectionModel::Rows);
+        window.select({"f1500.txt", "f0700.txt"});
         const QSignalSpy moves(window.proxy(), SIGNAL(layoutChanged()));
         const QSignalSpy resets(window.proxy(), SIGNAL(modelReset()));
         QTRY_VERIFY(window.model()->hasAllAttributes());
-        QTRY_COMPARE(window.rows().first(), QStringLiteral("f1500.txt"));
+        QTRY_COMPARE(window.rows().first(), QString("f1500.txt"));
         // Equal sizes stand by name, whichever came first.
-        QTRY_COMPARE(window.rows().last(), QStringLiteral("f0001.txt"));
+        QTRY_COMPARE(window.rows().last(), QString("f0001.txt"));
         QVERIFY(!moves.isEmpty() && resets.isEmpty());
         QStringList selected = window.browser.selectedFiles();
         selected.sort();
@@ -190,7 +188,7 @@ private slots:
         endFaults();
         delayEach("readdir", 100000);
         refresh(window);
-        QTRY_VERIFY(says(QStringLiteral("Reading ") + QChar(0x2026)));
+        QTRY_VERIFY(says(QString("Reading ") + QChar(0x2026)));
         endFaults();
         QTRY_COMPARE(window.rows(), (QStringList{"a.exr", "b.exr"}));
         QVERIFY(says(QString()));
@@ -207,7 +205,7 @@ private slots:
         // The rows stay if the folder can't be opened again, or is away for a moment.
         fail("opendir", EIO);
         refresh(window);
-        QCOMPARE(problem(), QStringLiteral("Not all of this folder could be read: input/output error"));
+        QCOMPARE(problem(), QString("Not all of this folder could be read: input/output error"));
         endFaults();
         QVERIFY(QDir(m_folder->path()).rename("locked", "away"));
         refresh(window);
@@ -263,7 +261,7 @@ private slots:
                 QCOMPARE(model.readError(), ENOMEM);
                 QVERIFY(window.rows().isEmpty());
                 QCOMPARE(window.list()->accessibleDescription(),
-                         QStringLiteral("This folder can't be read: cannot allocate memory"));
+                         QString("This folder can't be read: cannot allocate memory"));
                 refresh(window);
                 QTRY_COMPARE(window.rows().size(), rows);
             }

@@ -20,9 +20,7 @@ private slots:
     void init()
     {
         AppSettings().clear();
-        m_folder = std::make_unique<QTemporaryDir>();
-        QVERIFY(QDir(m_folder->path()).mkdir(QStringLiteral("sub")));
-        QVERIFY(SampleFiles::make(m_folder->path(), {"a", "b"}));
+        m_folder.reset(new SampleFolder{"sub/", "a", "b"});
     }
 
     void buttonsFollowTheSelection()
@@ -42,7 +40,7 @@ private slots:
             DialogWindow window(m_folder->path());
             window.dialog.setSelectionType(type);
             window.dialog.setMultipleSelections(true);
-            QTRY_COMPARE(window.rows(), (QStringList{"a", "b", "sub/"}));
+            QTRY_COMPARE(window.rows(), m_rows);
             if (selected.first().startsWith(QLatin1Char('!')))
                 window.edit()->setText(path(selected.first().mid(1)));
             else
@@ -60,8 +58,7 @@ private slots:
 
     void buttonsFollowTheRows()
     {
-        DialogWindow window(m_folder->path());
-        window.dialog.setMultipleSelections(true);
+        DialogWindow window(m_folder->path(), true);
         // What is used while "a" is selected and under the mouse. Into the filter box "z" is typed.
         const char* const uses[][3] = {{"splitCheck", "click", "ON"},     {"sequencesCheck", "click", "ON"},
                                        {"filterCombo", "", "--"},         {"addAction", "trigger", "O-"},
@@ -70,7 +67,7 @@ private slots:
         for (const auto& [name, slot, expected] : uses) {
             window.edit()->setText(path({}));
             window.filter()->clearEditText();
-            QTRY_COMPARE(window.rows(), (QStringList{"a", "b", "sub/"}));
+            QTRY_COMPARE(window.rows(), m_rows);
             window.select({"a"});
             const QModelIndex a = window.proxy()->mapToSource(window.proxy()->index(0, 0));
             window.dialog.findChild<FileBrowser::DirectoryModel*>()->setHoveredRow(a.row());
@@ -87,82 +84,42 @@ private slots:
     void buttonsFollowTheCalls()
     {
         QVERIFY(QDir(path("sub")).mkdir("a"));
-        DialogWindow window(m_folder->path());
-        QTRY_COMPARE(window.rows(), (QStringList{"a", "b", "sub/"}));
-        window.select({"a"});
-        window.dialog.setMultipleSelections(true);
-        QCOMPARE(window.buttons(), QString("ON"));
-        window.dialog.setSelectionType(SelectionType::Directories);
-        QCOMPARE(window.buttons(), QString("--"));
-        window.dialog.setMayNotExist(true);
-        QCOMPARE(window.buttons(), QString("O-"));
-        window.dialog.setMayNotExist(false);
-        window.list()->clearSelection();
-        window.edit()->setText(path("none"));
-        window.dialog.refreshWidget();
-        QCOMPARE(window.buttons(), QString("--"));
-
-        window.dialog.setFilename(path("sub"));
-        QCOMPARE(window.buttons(), QString("ON"));
-        window.dialog.setFilename(path("a"));
-        QCOMPARE(window.buttons(), QString("--"));
-        QVERIFY(drop(window, {QUrl::fromLocalFile(path("sub"))}));
-        QCOMPARE(window.buttons(), QString("ON"));
-        window.dialog.setFilename(path("a"));
-        window.dialog.setDirectory(QDir(path("sub")), false, false);
-        QCOMPARE(window.buttons(), QString("ON"));
-
-        // A list that is older than the directory: its rows are what they were.
-        window.dialog.setSelectionType(SelectionType::Files);
-        window.dialog.setFilterBlock(false); // setFilename() has set it
-        window.dialog.setDirectory(QDir(m_folder->path()), false, true);
-        QTRY_COMPARE(window.rows(), (QStringList{"a", "b", "sub/"}));
-        window.select({"a"});
-        window.dialog.setDirectory(QDir(path("sub")), true, false);
-        QCOMPARE(window.buttons(), QString("ON"));
-        QCOMPARE(window.dialog.selectedFiles().first(), path("a"));
-
+        DialogWindow window(m_folder->path(), true);
+        FileDialog& dialog = window.dialog;
+        QTRY_COMPARE(window.rows(), m_rows);
+        const auto listAgain = [&] {
+            dialog.setFilterBlock(false); // setFilename() has set it
+            dialog.setDirectory(QDir(m_folder->path()), false, true);
+            QTRY_COMPARE(window.rows(), m_rows);
+            window.select({"a"});
+        };
         AppSettings().setValue("FileBrowser/render/directory", path("sub/a"));
-        window.dialog.buildSettingsNamespace("render");
-        QCOMPARE(window.buttons(), QString("--"));
+        const std::pair<std::function<void()>, const char*> steps[] = {
+            {[&] { window.select({"a"}); }, "ON"},
+            {[&] { dialog.setSelectionType(SelectionType::Directories); }, "--"},
+            {[&] { dialog.setMayNotExist(true); }, "O-"},
+            {[&] { dialog.setMayNotExist(false); }, "--"},
+            {[&] { window.list()->clearSelection(), window.edit()->setText(path("none")); }, "--"},
+            {[&] { dialog.refreshWidget(); }, "--"},
+            {[&] { dialog.setFilename(path("sub")); }, "ON"},
+            {[&] { dialog.setFilename(path("a")); }, "--"},
+            {[&] { drop(window, {QUrl::fromLocalFile(path("sub"))}); }, "ON"},
+            {[&] { dialog.setFilename(path("a")); }, "--"},
+            {[&] { dialog.setDirectory(QDir(path("sub")), false, false); }, "ON"},
+            {[&] { dialog.setSelectionType(SelectionType::Files), listAgain(); }, "ON"},
+            // A list that is older than the directory: its rows are what they were.
+            {[&] { dialog.setDirectory(QDir(path("sub")), true, false); }, "ON"},
+            {[&] { QCOMPARE(dialog.selectedFiles().first(), path("a")); }, "ON"},
+            {[&] { dialog.buildSettingsNamespace("render"); }, "--"}};
+        int number = 0;
+        for (const auto& [step, expected] : steps) {
+            step();
+            QCOMPARE(QString::number(number) + window.buttons(), QString::number(number) + expected);
+            ++number;
+        }
         QTRY_COMPARE(window.rows(), QStringList());
         QCOMPARE(window.edit()->text(), path("sub/a/"));
-        window.dialog.buildSettingsNamespace("/");
-    }
-
-    // The one line of the guide.
-    void mayRefuseWhatCannotBeOpened()
-    {
-        struct Refusing : FileDialog
-        {
-            void accept() override
-            {
-                if (fileBrowser()->acceptance() != FileBrowser::Acceptance::None)
-                    FileDialog::accept();
-            }
-        } dialog;
-        dialog.setDirectory(QDir(m_folder->path()), false, true);
-        dialog.show();
-        auto* edit = dialog.findChild<FilePathEdit*>();
-        auto* rows = dialog.findChild<FileBrowser::ProxyModel*>();
-        QTRY_COMPARE(rows->rowCount(), 3);
-        QTest::keyClick(edit, Qt::Key_Return);
-        QVERIFY(dialog.isVisible());
-        QTest::keyClicks(edit, "a");
-        QTest::keyClick(edit, Qt::Key_Return);
-        QCOMPARE(dialog.result(), int(QDialog::Accepted));
-    }
-
-    void closesByTheMouse()
-    {
-        DialogWindow window(m_folder->path());
-        QTRY_COMPARE(window.rows().size(), 3);
-        window.clickRow("a");
-        QTest::mouseDClick(window.list()->viewport(), Qt::LeftButton, {}, window.place("a"));
-        QCOMPARE(window.dialog.result(), int(QDialog::Accepted));
-        window.dialog.show();
-        window.dialog.findChild<QPushButton*>(QStringLiteral("cancelButton"))->click();
-        QCOMPARE(window.dialog.result(), int(QDialog::Rejected));
+        dialog.buildSettingsNamespace("/");
     }
 
     void sizeIsRemembered()
@@ -174,20 +131,16 @@ private slots:
             FileDialog().resize(900, 500); // never shown
         }
         QCOMPARE(FileDialog().size(), QSize(1011, 633));
-        AppSettings().setValue(QStringLiteral("FileBrowser/size"), QStringLiteral("wide"));
+        AppSettings().setValue(QString("FileBrowser/size"), QString("wide"));
         QVERIFY(!FileDialog().size().isEmpty());
     }
 
     void previewGivesTheSizeBack()
     {
-        expectWarning(QStringLiteral("No such slot QWidget::fileSelected"));
         DialogWindow window(m_folder->path());
         window.dialog.resize(900, 500);
-        auto* preview = new QWidget;
-        preview->setMinimumHeight(400);
-        preview->hide();
-        window.dialog.setPreviewWidget(preview);
-        auto* button = window.dialog.findChild<DisclosureButton*>();
+        auto* preview = addPreview(window.dialog);
+        auto* button = window.control<DisclosureButton>("previewButton");
         button->click();
         QTRY_VERIFY(window.dialog.height() > 500);
         for (int i = 0; i < 3; ++i) // the last one closes it
@@ -211,52 +164,48 @@ private slots:
     // Sized before or after the preview is opened, and closed with it or without.
     void previewMayBeOpenFromTheBeginning()
     {
-        for (const bool early : {true, false}) {
-            AppSettings().clear();
-            AppSettings().setValue("FileBrowser/preview", true);
-            for (int run = 0; run < 3; ++run) {
-                expectWarning(QStringLiteral("No such slot QWidget::fileSelected"));
-                FileDialog dialog;
-                auto* preview = new QWidget;
-                preview->setMinimumHeight(400);
-                if (early && run == 0)
-                    dialog.resize(900, 500);
-                dialog.setPreviewWidget(preview);
-                if (!early && run == 0)
-                    dialog.resize(900, 500);
-                dialog.show();
-                QTRY_VERIFY(preview->isVisible() && dialog.height() > 500);
-                QCoreApplication::processEvents();
-                if (run < 2) // the next run opens with the preview as well
-                    continue;
-                dialog.findChild<DisclosureButton*>()->click();
-                QTRY_COMPARE(dialog.size(), QSize(900, 500));
+        for (int run = 0; run < 6; ++run) {
+            if (run % 3 == 0) {
+                AppSettings().clear();
+                AppSettings().setValue("FileBrowser/preview", true);
             }
+            FileDialog dialog;
+            if (run == 0)
+                dialog.resize(900, 500);
+            const QWidget* preview = addPreview(dialog);
+            if (run == 3)
+                dialog.resize(900, 500);
+            dialog.show();
+            QTRY_VERIFY(preview->isVisible() && dialog.height() > 500);
+            QCoreApplication::processEvents();
+            if (run % 3 < 2) // the next run opens with the preview as well
+                continue;
+            dialog.findChild<DisclosureButton*>()->click();
+            QTRY_COMPARE(dialog.size(), QSize(900, 500));
         }
     }
 
     void takesOneDroppedFile()
     {
         DialogWindow window(m_folder->path());
-        const QUrl file = QUrl::fromLocalFile(path(QStringLiteral("sub/dropped")));
+        const QUrl file = QUrl::fromLocalFile(path(QString("sub/dropped")));
         QVERIFY(!drop(window, {file, file}));
-        QVERIFY(!drop(window, {QUrl(QStringLiteral("https://example.org/a.exr"))}));
+        QVERIFY(!drop(window, {QUrl(QString("https://example.org/a.exr"))}));
         QVERIFY(!window.edit()->acceptDrops() && !window.filter()->lineEdit()->acceptDrops());
         QVERIFY(drop(window, {file}));
-        QCOMPARE(window.edit()->text(), path(QStringLiteral("sub/dropped")));
+        QCOMPARE(window.edit()->text(), path(QString("sub/dropped")));
     }
 
     // Type part of a path, complete it, move through the list, enter a directory, go up, queue two
     // sequences and open.
     void worksByKeyboardAlone()
     {
-        QVERIFY(QDir(m_folder->path()).mkpath(QStringLiteral("shots/010")));
-        const QString shots = path(QStringLiteral("shots"));
-        QVERIFY(SampleFiles::makeFrames(shots, "bg.%02d.exr", 1, 9));
-        QVERIFY(SampleFiles::makeFrames(shots, "fg.%02d.exr", 1, 9));
+        QVERIFY(SampleFiles::make(m_folder->path(), {"shots/010/"}));
+        const QString shots = path("shots");
+        for (const char* pattern : {"bg.%02d.exr", "fg.%02d.exr"})
+            QVERIFY(SampleFiles::makeFrames(shots, pattern, 1, 9));
 
-        DialogWindow window(m_folder->path());
-        window.dialog.setMultipleSelections(true);
+        DialogWindow window(m_folder->path(), true);
         const auto press = [&](Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
             QTest::keyClick(window.dialog.windowHandle(), key, modifiers);
         };
@@ -300,24 +249,25 @@ private slots:
 
     void mayGoInItsOwnAnswer()
     {
-        for (const auto& [control, key] : {std::pair("openButton", Qt::Key_Space),
-                                           {"cancelButton", Qt::Key_Space},
-                                           {"filenameEdit", Qt::Key_Return},
-                                           {"filesList", Qt::Key_Escape},
-                                           {"filesList", DoubleClick}}) {
+        for (const auto& [control, key, result] : {std::tuple("openButton", Qt::Key_Space, QDialog::Accepted),
+                                                   {"cancelButton", Qt::Key_Space, QDialog::Rejected},
+                                                   {"filenameEdit", Qt::Key_Return, QDialog::Accepted},
+                                                   {"filesList", Qt::Key_Escape, QDialog::Rejected},
+                                                   {"filesList", DoubleClick, QDialog::Accepted}}) {
             const DialogWindow window(m_folder->path());
-            QTRY_COMPARE(window.rows().size(), 3);
-            window.open()->setEnabled(true);
+            QTRY_COMPARE(window.rows(), m_rows);
             for (const char* signal : {SIGNAL(accepted()), SIGNAL(rejected()), SIGNAL(finished(int))})
                 connect(&window.dialog, signal, &window.dialog, SLOT(deleteLater()));
+            const QSignalSpy finished(&window.dialog, SIGNAL(finished(int)));
             window.clickRow("a");
-            auto* widget = window.dialog.findChild<QWidget*>(control);
+            auto* widget = window.control<QWidget>(control);
             widget->setFocus();
             if (key == DoubleClick)
                 QTest::mouseDClick(window.list()->viewport(), Qt::LeftButton, {}, window.place("a"));
             else
                 QTest::keyClick(widget, key);
             QTRY_VERIFY2(!window.owned, control);
+            QCOMPARE(finished, QList<QList<QVariant>>{{int(result)}});
         }
     }
 
@@ -325,6 +275,14 @@ private:
     static constexpr auto DoubleClick = static_cast<Qt::Key>(0);
 
     QString path(const QString& name) const { return m_folder->path() + '/' + name; }
+    static QWidget* addPreview(FileDialog& dialog)
+    {
+        expectWarning("No such slot QWidget::fileSelected");
+        auto* preview = new QWidget;
+        preview->setMinimumHeight(400);
+        dialog.setPreviewWidget(preview);
+        return preview;
+    }
     static bool drop(DialogWindow& window, const QList<QUrl>& urls)
     {
         QMimeData data;
@@ -340,7 +298,8 @@ private:
         return event.isAccepted() && enter.dropAction() == Qt::CopyAction;
     }
 
-    std::unique_ptr<QTemporaryDir> m_folder;
+    const QStringList m_rows{"a", "b", "sub/"};
+    std::unique_ptr<SampleFolder> m_folder;
 };
 
 namespace {
@@ -352,22 +311,20 @@ bool keepsFavoriteInAnyOrder(const QTemporaryDir& folder)
     const QString path = folder.filePath("favorites");
     const std::string icon = folder.filePath("icon.xpm").toStdString();
     std::ofstream(icon) << "/* XPM */ static char* a[] = {\"1 1 1 1\", \"a c red\", \"a\"};";
-    const auto setPath = [&] { FileBrowser::SetPreferencesPath(path, "Comp"); };
-    const auto addKept = [&] { FileBrowser::AddFavoriteDir("kept", "", "/", icon, "", FaveAll, true); };
     const std::vector<std::function<void()>> calls{
         [] { FileBrowser::SetFavoriteExpressionEvaluator(nullptr); },
         [] { FileBrowser::GetFavoriteExpressionEvaluator(); },
-        setPath,
-        [] { FileBrowser::ResetNonPersistentFavorites(); },
-        addKept,
+        [&] { FileBrowser::SetPreferencesPath(path, "Comp"); },
+        FileBrowser::ResetNonPersistentFavorites,
+        [&] { FileBrowser::AddFavoriteDir("kept", "", "/", icon, "", FaveAll, true); },
         [] { FileBrowser::SetDefaultFavoritePaths("/", "/", "/", "/", true); },
         [] { FileBrowser::AddFavorite(Favorite(true, true)); },
         [] { FileBrowser::RemoveFavoriteDir("none", FaveGeo, true); },
-        [] { FileBrowser::SaveFavorites(); },
-        [] { FileBrowser::ResetFavorites(); },
-        [] { FileBrowser::InitFavs(); },
-        [] { FileBrowser::InitDefaultFavorites(); },
-        [] { FileBrowser::LoadFavorites(); },
+        FileBrowser::SaveFavorites,
+        FileBrowser::ResetFavorites,
+        FileBrowser::InitFavs,
+        FileBrowser::InitDefaultFavorites,
+        FileBrowser::LoadFavorites,
         [] { FileBrowser::SetHighlightColor(FileBrowser::GetHightlightColor()); },
         [] { FileBrowser::SetQueuedColor(FileBrowser::GetQueuedColor()); },
         [] { FileBrowser::SetDefaultPath(FileBrowser::normalizeFile("#")); },

@@ -1,5 +1,6 @@
 #include "browser/BrowserWindow.h"
 #include "favorites/CachedFileIconProvider.h"
+#include "favorites/Evaluator.h"
 #include "favorites/FavoritesList.h"
 #include "favorites/FavoritesModel.h"
 #include "support/Test.h"
@@ -122,16 +123,11 @@ private slots:
     void editsTheRowThatWasChosen()
     {
         // A host's evaluator that changes the list when it is asked.
-        struct Adding : FavoriteExpressionEvaluator
-        {
-            QString evaluate(const Favorite& favorite) override
-            {
-                if (favorite.name == "new")
-                    FileBrowser::AddFavoriteDir("first", "", "/", "", "", FaveAll, false);
-                return favorite.path;
-            }
-        };
-        FileBrowser::SetFavoriteExpressionEvaluator(new Adding);
+        FileBrowser::SetFavoriteExpressionEvaluator(new Evaluator([](const Favorite& favorite) {
+            if (favorite.name == "new")
+                FileBrowser::AddFavoriteDir("first", "", "/", "", "", FaveAll, false);
+            return favorite.path;
+        }));
         {
             Panel panel(folder("geo"));
             panel.choose("gone");

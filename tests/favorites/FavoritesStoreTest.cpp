@@ -1,4 +1,5 @@
 #include "favorites/FavoritesStore.h"
+#include "favorites/Evaluator.h"
 #include "support/Test.h"
 
 #include <QApplication>
@@ -13,6 +14,12 @@ using namespace Halvern::UI;
 
 namespace {
 
+/// A list with the file of a path.
+struct Store : FavoritesStore
+{
+    explicit Store(const QString& path, const QString& product = "p") { setPreferences(path, product); }
+};
+
 constexpr int SavedFavorites = 500;
 constexpr int SharedSaves = 1000;
 
@@ -22,8 +29,7 @@ int runAsSaver(const QByteArray& mode, const char* path)
     constexpr uid_t Nobody = 65534;
     if (mode == "restricted" && ::getuid() == 0 && ::setuid(Nobody) != 0)
         return 1;
-    FavoritesStore store;
-    store.setPreferences(path, "p");
+    Store store(path);
     store.initialize();
     if (mode.startsWith("share")) {
         // One favourite stays, others come and go, and the last one stays.
@@ -76,8 +82,7 @@ QString shown(FavoritesStore& store)
 
 QString stored(const QString& path)
 {
-    FavoritesStore store;
-    store.setPreferences(path, QString());
+    Store store(path, QString());
     store.load();
     return shown(store);
 }
@@ -99,8 +104,7 @@ private slots:
     void fallbackPersistsAfterReset()
     {
         const QString home = "Home:" + QDir::homePath();
-        FavoritesStore store;
-        store.setPreferences(file, QString());
+        Store store(file, QString());
         store.setDefaultFolders(QString(), QString(), "/w", QString(), true);
         store.initialize();
         QCOMPARE(shown(store), '(' + home + ") Current:/w");
@@ -126,12 +130,8 @@ private slots:
 
     void mayAnswerWithTheWorkingDirectory()
     {
-        struct Echo : FavoriteExpressionEvaluator
-        {
-            QString evaluate(const Favorite& favorite) override { return favorite.name; }
-        };
         FavoritesStore store;
-        store.setEvaluator(new Echo);
+        store.setEvaluator(new Evaluator([](const Favorite& favorite) { return favorite.name; }));
         Favorite favorite;
         favorite.name = ".";
         store.resolve(favorite);
@@ -141,8 +141,7 @@ private slots:
     void keepsTheOrderOfRanks()
     {
         QVERIFY(makeFile(file, 0600));
-        FavoritesStore store;
-        store.setPreferences(file, QString());
+        Store store(file, QString());
         for (unsigned number = 0; number < 16; ++number) {
             Favorite favorite(number / 2 % 2 == 0, number % 2 == 0);
             favorite.name = QString::number(number);
@@ -191,8 +190,7 @@ private slots:
         }
         // What the last one left does not stay.
         QVERIFY(makeFile(folder.filePath(".favorites.new"), 0666) && makeFile(file, 0600));
-        FavoritesStore store;
-        store.setPreferences(file, "p");
+        Store store(file);
         store.save();
         QCOMPARE(stored(file), QString());
         QVERIFY(!QFile::permissions(file).testFlag(QFile::ReadOther));
@@ -233,8 +231,7 @@ private slots:
         QVERIFY(QFile::remove(file));
         mine.save();
         QCOMPARE(stored(file), QString("m:/ m:/"));
-        FavoritesStore fresh;
-        fresh.setPreferences(file, "p");
+        Store fresh(file);
         fresh.addFolder("n", "", "/", "", "", 0, true);
         fresh.setPreferences(folder.filePath("favorites2"), "p");
         QVERIFY(makeFile(folder.filePath("favorites2"), 0600));
@@ -255,8 +252,7 @@ private slots:
             QByteArray("\2\0\0\0", 4) + QByteArray(reinterpret_cast<const char*>(list), sizeof list);
         const bool hasLists = ::setxattr(qPrintable(file), "system.posix_acl_access", acl.constData(),
                                          static_cast<std::size_t>(acl.size()), 0) == 0;
-        FavoritesStore store;
-        store.setPreferences(file, "p");
+        Store store(file);
         store.save();
         char kept[256] = "";
         const ssize_t size = ::getxattr(qPrintable(file), "system.posix_acl_access", kept, sizeof kept);
@@ -279,23 +275,12 @@ private slots:
 
     void evaluatorMaySaveWhileItIsAsked()
     {
-        struct Saving : FavoriteExpressionEvaluator
-        {
-            explicit Saving(FavoritesStore* asking)
-                : store(asking)
-            {
-            }
-            QString evaluate(const Favorite& favorite) override
-            {
-                store->save();
-                return favorite.path;
-            }
-            FavoritesStore* store;
-        };
         QVERIFY(makeFile(file, 0600));
-        FavoritesStore store;
-        store.setPreferences(file, "p");
-        store.setEvaluator(new Saving(&store));
+        Store store(file);
+        store.setEvaluator(new Evaluator([&store](const Favorite& favorite) {
+            store.save();
+            return favorite.path;
+        }));
         store.initialize();
         QCOMPARE(stored(file), QString("x:/x"));
         // Whoever empties the file, or reads it late, removes nothing.
@@ -323,8 +308,7 @@ private slots:
     {
         for (const bool persist : {false, true}) {
             QFile::remove(file);
-            FavoritesStore store;
-            store.setPreferences(file, "p");
+            Store store(file);
             store.setDefaultFolders("/h", "/r", "/w", QString(), persist);
             store.addDefaults();
             QCOMPARE(shown(store),

@@ -2,7 +2,7 @@
 #include "support/SampleFiles.h"
 #include "support/Test.h"
 
-#include <QElapsedTimer>
+#include <ctime>
 #include <fcntl.h>
 #include <sys/stat.h>
 
@@ -82,9 +82,9 @@ private slots:
         for (const char* part :
              {"*a", "{*a,*a}", "*{[b-z,", "{*,*a}", "*[!b-z]", "{*a,{*a,*a}}", "{", "*{"}) {
             const QByteArray pattern = '*' + QByteArray(part).repeated(24) + 'b';
-            QElapsedTimer timer;
-            timer.start();
-            QVERIFY2(!filename_match(name.c_str(), pattern.data()) && timer.elapsed() < 100, part);
+            const std::clock_t begin = std::clock();
+            QVERIFY2(!filename_match(name.c_str(), pattern.data()), part);
+            QVERIFY2(std::clock() - begin < CLOCKS_PER_SEC / 10, part);
         }
     }
 

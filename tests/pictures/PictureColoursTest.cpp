@@ -29,6 +29,16 @@ Pixel grey(float value)
     return {value, value, value, 1};
 }
 
+Pixel translucent(float light, float alpha)
+{
+    return {0.8F * light, 0.4F * light, 0, alpha};
+}
+
+Pixels all(Pixel pixel)
+{
+    return [pixel](int, int) { return pixel; };
+}
+
 float cineon(float code)
 {
     const auto light = [](float of) { return std::pow(10.0F, (of - 685) * 0.002F / 0.6F); };
@@ -110,7 +120,7 @@ class PictureColoursTest : public Test
                 for (size_t c = 0; c < 4; ++c) {
                     const int expected = int(std::lround(pixel[c] * 255));
                     QVERIFY2(std::abs(byte[c] - expected) <= 1,
-                             qPrintable(QStringLiteral("%1, %2, channel %3: %4 for %5")
+                             qPrintable(QString("%1, %2, channel %3: %4 for %5")
                                             .arg(x)
                                             .arg(y)
                                             .arg(c)
@@ -147,12 +157,8 @@ private slots:
         row("16 bit tiff", "a.tif", specOf(256, 1, rgb, TypeDesc::UINT16), ramp, ramp);
         row(
             "alpha of png", "a.png", with(specOf(256, 1, rgba, TypeDesc::UINT8), "oiio:UnassociatedAlpha", 1),
-            [](int x, int) {
-                return Pixel{0.8F, 0.4F, 0, float(x) / 255};
-            },
-            [](int x, int) {
-                return Pixel{0.8F * float(x) / 255, 0.4F * float(x) / 255, 0, float(x) / 255};
-            });
+            [](int x, int) { return translucent(1, float(x) / 255); },
+            [](int x, int) { return translucent(float(x) / 255, float(x) / 255); });
         const Pixels bright = [](int x, int) { return Pixel{float(x) / 16, float(x) / 64, 0, 1}; };
         const Pixels brightShown = [](int x, int) { return shown(float(x) / 16, float(x) / 64, 0); };
         row("half floats beyond 1", "a.exr", specOf(64, 1, rgb, TypeDesc::HALF), bright, brightShown);
@@ -185,18 +191,12 @@ private slots:
             [](int x, int) { return grey(float(x) / 64); },
             [](int x, int) { return grey(srgb(float(x) / 64)); });
 
-        row(
-            "data window beyond the display window", "a.exr",
-            within(specOf(4, 3, rgba, TypeDesc::HALF), -2, -1, 4, 5), [](int, int) { return grey(1); },
-            [](int x, int y) {
+        row("data window beyond the display window", "a.exr",
+            within(specOf(4, 3, rgba, TypeDesc::HALF), -2, -1, 4, 5), all(grey(1)), [](int x, int y) {
                 return x < 2 && y < 2 ? grey(1) : Pixel{0, 0, 0, 0};
             });
-        row(
-            "data window elsewhere", "a.exr", within(specOf(4, 4, rgba, TypeDesc::HALF), 100, 100, 4, 4),
-            [](int, int) { return grey(1); },
-            [](int, int) {
-                return Pixel{0, 0, 0, 0};
-            });
+        row("data window elsewhere", "a.exr", within(specOf(4, 4, rgba, TypeDesc::HALF), 100, 100, 4, 4),
+            all(grey(1)), all({0, 0, 0, 0}));
         const Pixels columns = [](int x, int) { return grey(float(x) / 8); };
         const Pixels columnsShown = [](int x, int) { return grey(srgb(float(x) / 8)); };
         row("pixels twice as wide", "a.exr",
@@ -219,20 +219,15 @@ private slots:
             "lying on its side", "a.tif", with(specOf(2, 1, rgb, TypeDesc::UINT8), "Orientation", 6),
             [](int x, int) { return grey(float(x)); }, [](int, int y) { return grey(float(y)); }, {}, {1, 2});
 
-        const Pixels values = [](int, int) { return Pixel{0.5F, 0.25F, 0.125F, 0.5F}; };
-        row("one channel", "a.exr", specOf(1, 1, {"Z"}, TypeDesc::FLOAT), values,
-            [](int, int) { return grey(srgb(0.5F)); });
-        row(
-            "grey and alpha", "a.exr", specOf(1, 1, {"Y", "A"}, TypeDesc::FLOAT),
-            [](int, int) {
-                return Pixel{0.25F, 0.5F, 0, 0};
-            },
-            [](int, int) { return shown(0.5F, 0.5F, 0.5F, 0.5F); });
+        const Pixels values = all({0.5F, 0.25F, 0.125F, 0.5F});
+        row("one channel", "a.exr", specOf(1, 1, {"Z"}, TypeDesc::FLOAT), values, all(grey(srgb(0.5F))));
+        row("grey and alpha", "a.exr", specOf(1, 1, {"Y", "A"}, TypeDesc::FLOAT), all({0.25F, 0.5F, 0, 0}),
+            all(shown(0.5F, 0.5F, 0.5F, 0.5F)));
         row("two channels", "a.exr", specOf(1, 1, {"u", "v"}, TypeDesc::FLOAT), values,
-            [](int, int) { return grey(srgb(0.5F)); });
+            all(grey(srgb(0.5F))));
         row("a layer beside others", "a.exr",
             specOf(1, 1, {"N.X", "beauty.R", "beauty.G", "beauty.B", "x.Y"}, TypeDesc::HALF), values,
-            [](int, int) { return shown(0.25F, 0.125F, 0.5F); });
+            all(shown(0.25F, 0.125F, 0.5F)));
     }
 
     void showsRightPixels()
@@ -258,13 +253,13 @@ private slots:
             spec.width = spec.height = spec.full_width = spec.full_height = side;
             const float value = side == 64 ? 0.125F : side == 32 ? 0.25F : 0.5F;
             QVERIFY(output->open(path, spec, side == 64 ? ImageOutput::Create : ImageOutput::AppendMIPLevel));
-            QVERIFY(write(*output, spec, [value](int, int) { return grey(value); }));
+            QVERIFY(write(*output, spec, all(grey(value))));
         }
         output.reset();
         const std::pair<int, float> rows[] = {{64, 0.125F}, {40, 0.125F}, {32, 0.25F}, {16, 0.5F}, {1, 0.5F}};
         for (const auto& [side, value] : rows) {
             compare(m_program.ask(file("mip.exr"), quint32(side), quint32(side)), {side, side},
-                    [value = value](int, int) { return grey(srgb(value)); });
+                    all(grey(srgb(value))));
         }
     }
 
@@ -284,25 +279,24 @@ private slots:
             "    - !<View> {name: plain, colorspace: shown}\n"
             "colorspaces:\n"
             "  - !<ColorSpace> {name: light}\n"
-            "  - !<ColorSpace> {name: dim, to_reference: !<MatrixTransform> {matrix: [0.5, 0, 0, 0, 0, 0.5, "
-            "0, "
-            "0, 0, 0, 0.5, 0, 0, 0, 0, 1]}}\n"
+            "  - !<ColorSpace> {name: dim, to_reference: !<MatrixTransform> "
+            "{matrix: [0.5, 0, 0, 0, 0, 0.5, 0, 0, 0, 0, 0.5, 0, 0, 0, 0, 1]}}\n"
             "  - !<ColorSpace> {name: shown, from_reference: !<ExponentTransform> {value: [2, 2, 2, 1]}}\n");
         config.close();
-        Program program(QStringLiteral("coreui-pictures-oiio"), config.fileName());
+        Program program(QString("coreui-pictures-oiio"), config.fileName());
         const Pixels written = [](int x, int) { return grey(float(x) / 15); };
         for (const char* name : {"dark.exr", "other.exr", "other.jpg", "dark.dpx"}) {
             const bool isDark = name[0] == 'd';
             QVERIFY(make(file(name), specOf(16, 1, {"R", "G", "B"}, TypeDesc::HALF), written));
             const Program::Answer answer = program.ask(file(name));
-            QCOMPARE(answer.colourSpace, isDark ? QStringLiteral("dim") : QStringLiteral("light"));
+            QCOMPARE(answer.colourSpace, isDark ? QString("dim") : QString("light"));
             if (!answer.compression.contains(QLatin1String("jpeg")))
                 compare(answer, {16, 1}, [=](int x, int) {
                     const float light = float(x) / 15 / (isDark ? 2.0F : 1.0F);
                     return grey(light * light);
                 });
         }
-        Program lost(QStringLiteral("coreui-pictures-oiio"), file("none.ocio"));
+        Program lost(QString("coreui-pictures-oiio"), file("none.ocio"));
         const Program::Answer answer = lost.ask(file("dark.exr"));
         QVERIFY2(answer.reason.contains(QLatin1String("OCIO configuration")), qPrintable(answer.reason));
     }
@@ -315,16 +309,16 @@ private slots:
         spec.attribute("FramesPerSecond", TypeRational, rate);
         spec.attribute("smpte:TimeCode", TypeTimeCode, code);
         spec.attribute("compression", "piz");
-        QVERIFY(make(file("a.exr"), spec, [](int, int) { return grey(1); }));
+        QVERIFY(make(file("a.exr"), spec, all(grey(1))));
         const Program::Answer answer = m_program.ask(file("a.exr"), 0, 0);
         QCOMPARE(answer.reason, QString());
         QVERIFY(answer.pixels.isEmpty());
         QCOMPARE(answer.fullSize, QSize(16, 8));
         QCOMPARE(answer.dataWindow, QRect(2, 1, 8, 4));
-        QCOMPARE(answer.channels.join(QLatin1Char(' ')), QStringLiteral("R G B depth.Z"));
-        QCOMPARE(QStringList({answer.depth, answer.compression, answer.colourSpace, answer.timeCode}),
-                 QStringList({QStringLiteral("half float"), QStringLiteral("piz"), QStringLiteral("linear"),
-                              QStringLiteral("01:02:03:04")}));
+        QCOMPARE(answer.channels.join(QLatin1Char(' ')), QString("R G B depth.Z"));
+        QCOMPARE(
+            QStringList({answer.depth, answer.compression, answer.colourSpace, answer.timeCode}),
+            QStringList({QString("half float"), QString("piz"), QString("linear"), QString("01:02:03:04")}));
         QVERIFY(std::abs(answer.frameRate - 23.976) < 0.001);
 
         // What is left of a file is described, too.
@@ -336,7 +330,7 @@ private slots:
 
 private:
     QTemporaryDir m_folder;
-    Program m_program{QStringLiteral("coreui-pictures-oiio")};
+    Program m_program{QString("coreui-pictures-oiio")};
 };
 
 QTEST_GUILESS_MAIN(PictureColoursTest)

@@ -51,26 +51,15 @@ private slots:
         for (int i = 0; i < payloads[1].size(); i += 97)
             QVERIFY(!readAnswer(payloads[1].left(i)));
         QVERIFY(!readRequest(frame(Request{1, "a", LongestSide + 1, 1, {}}).mid(4)));
-        using Spoil = void (*)(Answer&);
-        for (const Spoil spoil :
-             std::initializer_list<Spoil>{[](Answer& bad) {
-                                              bad.size = {3, 1};
-                                          },
-                                          [](Answer& bad) {
-                                              bad.size = {-2, -1};
-                                          },
-                                          [](Answer& bad) {
-                                              bad.size = {1 << 30, 1 << 30};
-                                          },
-                                          [](Answer& bad) { bad.pixelAspect = std::nan(""); },
-                                          [](Answer& bad) {
-                                              bad.dataWindow = {INT_MIN, 0, 1, 1};
-                                          },
-                                          [](Answer& bad) { bad.frameRate = -1; }}) {
-            Answer bad = sent;
-            spoil(bad);
-            QVERIFY(!readAnswer(frame(bad).mid(4)));
-        }
+        std::vector<Answer> damaged(6, sent);
+        damaged[0].size = {3, 1};
+        damaged[1].size = {-2, -1};
+        damaged[2].size = {1 << 30, 1 << 30};
+        damaged[3].pixelAspect = std::nan("");
+        damaged[4].dataWindow = {INT_MIN, 0, 1, 1};
+        damaged[5].frameRate = -1;
+        for (const Answer& one : damaged)
+            QVERIFY(!readAnswer(frame(one).mid(4)));
     }
 
     void findsTheProgram()

@@ -1,5 +1,6 @@
 #include "support/SampleFiles.h"
 
+#include <QDir>
 #include <QFile>
 #include <fcntl.h>
 #include <unistd.h>
@@ -20,7 +21,8 @@ bool make(const QString& folder, const QByteArray& name, int size)
 bool make(const QString& folder, std::initializer_list<const char*> names)
 {
     for (const char* name : names) {
-        if (!make(folder, QByteArray(name)))
+        if (!(QByteArray(name).endsWith('/') ? QDir(folder).mkpath(QFile::decodeName(name))
+                                             : make(folder, QByteArray(name))))
             return false;
     }
     return true;
@@ -36,3 +38,15 @@ bool makeFrames(const QString& folder, const char* pattern, int first, int last)
 }
 
 } // namespace SampleFiles
+
+SampleFolder::SampleFolder(std::initializer_list<const char*> names)
+{
+    if (!SampleFiles::make(path(), names))
+        qFatal("no sample files");
+}
+
+SampleFolder::SampleFolder(const char* pattern, int first, int last)
+{
+    if (!SampleFiles::makeFrames(path(), pattern, first, last))
+        qFatal("no sample frames");
+}

@@ -1,7 +1,7 @@
 #pragma once
 
 #include <QByteArray>
-#include <QString>
+#include <QTemporaryDir>
 #include <initializer_list>
 
 /// Makes the files that a test needs. Names are bytes, passed to the system unchanged.
@@ -10,10 +10,19 @@ namespace SampleFiles {
 /// Makes one file of @p size bytes in @p folder; false if the system refuses it.
 bool make(const QString& folder, const QByteArray& name, int size = 0);
 
-/// Makes empty files; false at the first that the system refuses.
+/// Makes empty files, and folders of the names that end in "/"; false at the first that the system refuses.
 bool make(const QString& folder, std::initializer_list<const char*> names);
 
 /// Makes the empty files of the frames @p first to @p last, named by the printf pattern @p pattern.
 bool makeFrames(const QString& folder, const char* pattern, int first, int last);
 
 } // namespace SampleFiles
+
+/// A temporary folder with files and folders in it, as make() makes them.
+class SampleFolder : public QTemporaryDir
+{
+public:
+    SampleFolder(std::initializer_list<const char*> names = {});
+    /// With the frames @p first to @p last of @p pattern.
+    SampleFolder(const char* pattern, int first, int last);
+};

