@@ -19,6 +19,34 @@ check_packages=(clang-format clang-tidy)
 fuzz_packages=(clang libclang-rt-14-dev)
 document_packages=(doxygen qttools5-dev-tools)
 
+# The full output of the steps of a script.
+log=$project/build/$(basename "$0").log
+
+# step TEXT COMMAND...: runs a command and prints one line: the text, and the time in seconds. The output of the command
+# goes to the log. If the command fails, the end of the log and its path are printed.
+step() {
+    local text=$1 start=$SECONDS status=0
+    shift
+    mkdir -p "$project/build"
+    if [ -z "${log_is_open:-}" ]; then
+        : >"$log"
+        log_is_open=yes
+    fi
+    printf '%s ... ' "$text" >&2
+    printf '\n%s: %s\n' "$text" "$*" >>"$log"
+    "$@" >>"$log" 2>&1 || status=$?
+    if [ $status = 0 ]; then
+        echo "$((SECONDS - start)) s" >&2
+    else
+        {
+            echo "failed after $((SECONDS - start)) s"
+            tail -n 100 "$log"
+            echo "The full output is in $log"
+        } >&2
+    fi
+    return $status
+}
+
 # install_missing PACKAGE...: installs the packages that are missing. Prints nothing if none is.
 install_missing() {
     local package missing=()
@@ -27,29 +55,23 @@ install_missing() {
             missing+=("$package")
     done
     [ ${#missing[@]} -gt 0 ] || return 0
-    echo "Installing ${missing[*]}" >&2
     local as_root=()
     if [ "$(id -u)" != 0 ]; then
         command -v sudo >/dev/null || {
-            echo "Neither root nor sudo: install these packages first." >&2
+            echo "Neither root nor sudo: install these packages first: ${missing[*]}" >&2
             return 1
         }
         as_root=(sudo)
     fi
-    {
-        "${as_root[@]}" apt-get update &&
-            "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
-                apt-get install -y --no-install-recommends "${missing[@]}"
-    } >&2
+    step "Updating the lists of packages" "${as_root[@]}" apt-get update &&
+        step "Installing ${#missing[@]} packages" "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
+            apt-get install -y --no-install-recommends "${missing[@]}"
 }
 
-# build PRESET [TARGET...]: configures and builds, for the chosen Qt. All output goes to standard error.
+# build PRESET [TARGET...]: configures and builds, for the chosen Qt.
 build() {
     local preset=$1$qt_suffix
     shift
-    (
-        cd "$project" &&
-            cmake --preset "$preset" &&
-            cmake --build --preset "$preset" ${1:+--target "$@"}
-    ) >&2
+    step "Configuring $preset" cmake -E chdir "$project" cmake --preset "$preset" &&
+        step "Building ${*:-$preset}" cmake -E chdir "$project" cmake --build --preset "$preset" ${1:+--target "$@"}
 }
