@@ -1,7 +1,9 @@
 # OpenImageIO for the program that reads pictures, if it is there with the OpenColorIO that it is linked with:
 # OpenImageIO_FOUND, its target, OPENCOLORIO_INCLUDE and OPENCOLORIO_LIBRARY.
 option(COREUI_WITH_OPENIMAGEIO "Read pictures with OpenImageIO, if it is found" ON)
-if(COREUI_WITH_OPENIMAGEIO)
+# Debian's CMake package of OpenImageIO is an error without its programs, which are in a package of their own.
+find_program(OPENIMAGEIO_PROGRAM iconvert)
+if(COREUI_WITH_OPENIMAGEIO AND OPENIMAGEIO_PROGRAM)
     find_package(OpenImageIO 2.3 QUIET)
     find_path(OPENCOLORIO_INCLUDE OpenColorIO/OpenColorIO.h)
     find_library(OPENCOLORIO_LIBRARY OpenColorIO)

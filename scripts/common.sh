@@ -11,7 +11,7 @@ if [ "${1:-}" = --qt6 ]; then
     qt_packages=(qt6-base-dev libqt6opengl6-dev python3-pyqt6 pyqt6-dev python3-pyqt6.sip)
 fi
 build_packages=(build-essential cmake file ninja-build libboost-dev python3-dev sip-tools
-    libopenimageio-dev libopencolorio-dev "${qt_packages[@]}")
+    libopenimageio-dev libopencolorio-dev openimageio-tools "${qt_packages[@]}")
 test_packages=(mypy python3-pytest)
 [ -n "$qt_suffix" ] || test_packages+=(python3-pyside2.qtwidgets) # Debian 12 has no PySide6
 display_packages=(xvfb xauth libgl1-mesa-dri fonts-dejavu-core)
