@@ -1,7 +1,8 @@
-// Prints the processor time of three actions in a long file list: a letter typed with many filter patterns,
+// Prints the processor time of actions in a long file list: a letter typed with many filter patterns,
 // attributes that arrive while many rows are selected, and a paint with many rows in the pick list. Each is
-// printed beside the same action without filter, selection or pick list. Usage: list-benchmark [ROUNDS
-// [FILES]]. Exit status: 0, 1 if a limit is missed, 2 if the list is not read.
+// printed beside the same action without filter, selection or pick list. Then the longest turn of the event
+// loop while rows change in place, which is the processor time of the thread alone. Usage: list-benchmark
+// [ROUNDS [FILES]]. Exit status: 0, 1 if a limit is missed, 2 if the list is not read.
 
 #include "Measuring.h"
 #include "browser/DirectoryModel.h"
@@ -92,6 +93,27 @@ public:
         QMetaObject::invokeMethod(&m_browser, "nextClicked");
     }
 
+    /// The longest turn, from update() until the new state is painted.
+    double timeUpdate()
+    {
+        bool ended = false;
+        const auto connection =
+            QObject::connect(m_model, &FileBrowser::DirectoryModel::updated,
+                             [&](int /*milliseconds*/, bool /*succeeded*/) { ended = true; });
+        QCoreApplication::processEvents();
+        m_model->update();
+        double longest = 0;
+        constexpr int TurnsAfter = 20;
+        for (int after = 0; after < TurnsAfter; after += ended ? 1 : 0) {
+            const double begin = threadTime();
+            QCoreApplication::processEvents();
+            longest = std::max(longest, threadTime() - begin);
+        }
+        QObject::disconnect(connection);
+        return longest;
+    }
+    void sortBy(int column, Qt::SortOrder order) { m_list->sortByColumn(column, order); }
+
     double timePaint()
     {
         repaint();
@@ -99,6 +121,12 @@ public:
     }
 
 private:
+    static double threadTime()
+    {
+        timespec time{};
+        ::clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+        return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_nsec) / 1e6;
+    }
     void repaint() { m_list->viewport()->repaint(); }
     void select(int rows)
     {
@@ -165,5 +193,24 @@ int main(int argc, char** argv)
     std::vector<double> paints(static_cast<std::size_t>(rounds));
     std::generate(paints.begin(), paints.end(), [&] { return list.timePaint(); });
     holds &= printVerdict("paint, 20,000 rows in the pick list", median(paints), 2);
+    const QDir folder(tree.path());
+    const QStringList names = folder.entryList(QDir::Files);
+    for (const bool byName : {true, false}) {
+        list.sortBy(byName ? 0 : 2, byName ? Qt::AscendingOrder : Qt::DescendingOrder);
+        std::vector<double> added;
+        for (int round = 0; round < rounds; ++round) {
+            QFile file(folder.filePath(QStringLiteral("new_%1_%2").arg(byName).arg(round)));
+            if (!file.open(QIODevice::WriteOnly))
+                return 2;
+            added.push_back(list.timeUpdate());
+        }
+        holds &= printVerdict(byName ? "turn, one file is new" : "turn, one file is new, by time",
+                              median(added), byName ? 50 : 0);
+        const int half = byName ? 0 : 5;
+        for (auto i = half; i < names.size(); i += 10)
+            QFile::remove(folder.filePath(names.at(i)));
+        holds &= printVerdict(byName ? "turn, a tenth is gone" : "turn, a tenth is gone, by time",
+                              list.timeUpdate(), 0);
+    }
     return holds ? 0 : 1;
 }

@@ -1,6 +1,7 @@
 #include "browser/DirectoryModel.h"
 
 #include "browser/PickList.h"
+#include "browser/SequenceFaults.h"
 #include "catalogue/FileSequenceEvaluator.h"
 #include "paths/Path.h"
 
@@ -15,8 +16,6 @@
 namespace Halvern::UI {
 
 namespace {
-
-constexpr std::size_t TypicalRowCount = 4000;
 
 QVariant alignment(int column)
 {
@@ -39,14 +38,22 @@ FileBrowser::DirectoryModel::DirectoryModel(const PickList& pickList, bool assum
                                             QObject* browser)
     : QAbstractItemModel(browser)
     , m_pickList(pickList)
+    , m_update(assumeZeroPadding)
 {
-    m_entries.reserve(TypicalRowCount);
-    m_manager.setAssumeZeroPadding(assumeZeroPadding);
+    m_manager->setAssumeZeroPadding(assumeZeroPadding);
     setSequenceMode(SequenceMode::Expanded);
+    connectManager();
+    connect(&m_update, &DirectoryUpdate::filesRead, this, [this] { takeFiles(); });
+    connect(&m_update, &DirectoryUpdate::ended, this, &DirectoryModel::updated);
+}
+
+void FileBrowser::DirectoryModel::connectManager()
+{
+    const QObject* browser = QObject::parent();
     // Before the browser, which looks at it.
-    connect(&m_manager, &FileManager::refreshList, this, [this] { m_reading = false; });
-    connect(&m_manager, SIGNAL(refreshList()), browser, SLOT(managerRefreshList()));
-    connect(&m_manager, SIGNAL(infoUpdated(int, int)), browser, SLOT(managerFilesUpdated(int, int)));
+    connect(m_manager.get(), &FileManager::refreshList, this, [this] { m_reading = false; });
+    connect(m_manager.get(), SIGNAL(refreshList()), browser, SLOT(managerRefreshList()));
+    connect(m_manager.get(), SIGNAL(infoUpdated(int, int)), browser, SLOT(managerFilesUpdated(int, int)));
 }
 
 QModelIndex FileBrowser::DirectoryModel::index(int row, int column, const QModelIndex& /*parent*/) const
@@ -61,7 +68,7 @@ QModelIndex FileBrowser::DirectoryModel::parent(const QModelIndex& /*child*/) co
 
 int FileBrowser::DirectoryModel::rowCount(const QModelIndex& parent) const
 {
-    return parent.isValid() ? 0 : static_cast<int>(m_entries.size());
+    return parent.isValid() ? 0 : static_cast<int>(m_rows.entries.size());
 }
 
 int FileBrowser::DirectoryModel::columnCount(const QModelIndex& parent) const
@@ -71,14 +78,13 @@ int FileBrowser::DirectoryModel::columnCount(const QModelIndex& parent) const
 
 FileInfo* FileBrowser::DirectoryModel::entry(int row) const
 {
-    const bool exists = m_listReady && row >= 0 && row < static_cast<int>(m_entries.size());
-    return exists ? m_entries[static_cast<std::size_t>(row)] : nullptr;
+    const bool exists = m_listReady && row >= 0 && row < rowCount();
+    return exists ? m_rows.entries[static_cast<std::size_t>(row)] : nullptr;
 }
 
 const char* FileBrowser::DirectoryModel::displayName(int row) const
 {
-    const auto index = static_cast<std::size_t>(row);
-    return m_namesFixed ? m_names.name(index) : m_entries[index]->displayName();
+    return m_rows.name(static_cast<std::size_t>(row));
 }
 
 QModelIndex FileBrowser::DirectoryModel::find(const QByteArray& name) const
@@ -110,6 +116,8 @@ QVariant FileBrowser::DirectoryModel::data(const QModelIndex& index, int role) c
         return displayText(*info, index.column());
     case Qt::TextAlignmentRole:
         return alignment(index.column());
+    case Qt::ToolTipRole:
+        return textOfFaults(*info);
     case Qt::UserRole:
         return QString::fromUtf8(info->displayName());
     default:
@@ -164,23 +172,27 @@ QVariant FileBrowser::DirectoryModel::headerData(int section, Qt::Orientation /*
 
 void FileBrowser::DirectoryModel::setDirectory(const QDir& dir, SequenceMode /*mode*/, bool force)
 {
-    const bool started = m_manager.getFilesFromFolder(dir.absolutePath().toStdString(), force);
-    const bool entriesDied = m_entriesGeneration != m_manager.generation();
+    const bool started = m_manager->getFilesFromFolder(dir.absolutePath().toStdString(), force);
+    const bool entriesDied = m_entriesGeneration != m_manager->generation();
     const QDir before = std::exchange(m_directory, dir);
-    m_entriesGeneration = m_manager.generation();
+    m_entriesGeneration = m_manager->generation();
     if (entriesDied) {
         m_hoveredRow = -1;
         emit entriesExpire();
     }
     if (started || entriesDied || readError() != 0)
         m_reading = started;
-    if (started) {
+    if (started)
         m_listReady = false;
+    if (started || dir != before) {
+        m_update.abandon();
+        m_update.forgetError();
+    }
+    if (started) {
         emit readStarted();
     } else if (entriesDied || (!force && dir != before)) {
         beginResetModel();
-        m_entries.clear();
-        m_names = NameOrder();
+        m_rows = DirectoryRows();
         m_listReady = true;
         endResetModel();
     } else if (readError() != 0) {
@@ -198,7 +210,7 @@ void FileBrowser::DirectoryModel::setEvaluator(FileSequenceEvaluator* evaluator)
     if (!m_evaluator)
         return;
     m_evaluatorLifetime = m_evaluator->lifetime();
-    m_evaluator->setManager(&m_manager);
+    m_evaluator->setManager(m_manager.get());
 }
 
 void FileBrowser::DirectoryModel::buildRunningList()
@@ -208,50 +220,48 @@ void FileBrowser::DirectoryModel::buildRunningList()
         m_wantedAgain = true;
         return;
     }
-    bool evaluated = hasEvaluator() && m_sequenceMode != SequenceMode::Expanded;
+    m_update.abandon();
     const FileInfo* hoveredEntry = entry(m_hoveredRow);
     // The host's code runs before the model changes. If it makes the browser read another directory, its
     // answer is about entries that are gone.
-    const unsigned generation = m_manager.generation();
+    const unsigned generation = m_manager->generation();
     const FileSequenceEvaluator* const asked = m_evaluator;
     m_wantedAgain = false;
-    std::vector<FileInfo*> evaluatedRows = evaluated ? evaluateFiles() : std::vector<FileInfo*>();
-    if (generation != m_manager.generation() || asked != m_evaluator) {
+    const bool asks = isEvaluating();
+    std::vector<FileInfo*> evaluatedRows = asks ? evaluateFiles() : std::vector<FileInfo*>();
+    if (generation != m_manager->generation() || asked != m_evaluator) {
         if (m_wantedAgain)
             buildLater();
         return;
     }
-    evaluated = evaluated && hasEvaluator() && m_sequenceMode != SequenceMode::Expanded;
     beginResetModel();
     m_buildError = 0;
     try {
-        takeRows(std::move(evaluatedRows), evaluated);
+        m_rows = asks && isEvaluating() ? DirectoryRows(std::move(evaluatedRows)) : builtRows(*m_manager);
     } catch (const std::bad_alloc&) {
         m_buildError = ENOMEM;
-        m_entries.clear();
-        m_names = NameOrder();
+        m_rows.entries.clear();
+        m_rows.names = NameOrder();
     }
-    m_entriesGeneration = m_manager.generation();
+    m_keptRows.clear();
+    m_entriesGeneration = m_manager->generation();
     m_listReady = true;
     if (entry(m_hoveredRow) != hoveredEntry) {
-        const auto found = std::find(m_entries.begin(), m_entries.end(), hoveredEntry);
+        const auto& entries = m_rows.entries;
+        const auto found = std::find(entries.begin(), entries.end(), hoveredEntry);
         m_hoveredRow =
-            hoveredEntry && found != m_entries.end() ? static_cast<int>(found - m_entries.begin()) : -1;
+            hoveredEntry && found != entries.end() ? static_cast<int>(found - entries.begin()) : -1;
     }
     endResetModel();
 }
 
-void FileBrowser::DirectoryModel::takeRows(std::vector<FileInfo*> evaluatedRows, bool evaluated)
+DirectoryRows FileBrowser::DirectoryModel::builtRows(FileManager& manager) const
 {
     using Base::FileHandle;
-    if (evaluated)
-        m_entries.swap(evaluatedRows);
-    else if (m_sequenceMode == SequenceMode::Expanded)
-        m_manager.buildRunningList(&m_entries, FileHandle::AllFiles);
-    else
-        m_manager.buildRunningList(&m_entries, m_splitSequences ? FileHandle::RegisteredSplitSequences
-                                                                : FileHandle::RegisteredSequences);
-    orderRows(evaluated);
+    if (m_sequenceMode == SequenceMode::Expanded)
+        return {manager, FileHandle::AllFiles};
+    return {manager,
+            m_splitSequences ? FileHandle::RegisteredSplitSequences : FileHandle::RegisteredSequences};
 }
 
 // As if the manager had announced the names.
@@ -260,40 +270,34 @@ void FileBrowser::DirectoryModel::buildLater()
     QMetaObject::invokeMethod(QObject::parent(), "managerRefreshList", Qt::QueuedConnection);
 }
 
-// An evaluator's rows stay in its order, and it may rename them.
-void FileBrowser::DirectoryModel::orderRows(bool evaluated)
-{
-    m_namesFixed = !evaluated;
-    m_names = m_manager.takeNameOrder();
-    if (evaluated || m_sequenceMode != SequenceMode::Expanded || m_names.size() != m_entries.size())
-        m_names = NameOrder(m_entries, evaluated ? NameOrder::AsAdded : NameOrder::ByKey);
-    if (!evaluated)
-        m_names.apply(m_entries);
-}
-
 void FileBrowser::DirectoryModel::setSequenceMode(SequenceMode mode)
 {
     m_sequenceMode = mode;
-    m_manager.setNamesOrdered(mode == SequenceMode::Expanded);
+    m_manager->setNamesOrdered(mode == SequenceMode::Expanded);
 }
 
 std::vector<FileInfo*> FileBrowser::DirectoryModel::evaluateFiles()
 {
-    std::vector<FileInfo*> files;
-    m_manager.buildRunningList(&files, Base::FileHandle::AllFiles);
-    m_manager.forgetFollowers();
+    m_manager->forgetFollowers();
     emit entriesExpire();
     // Nobody follows the rows while the host's code runs: it may free those that it made.
     if (std::exchange(m_listReady, false))
         emit readStarted();
-    m_evaluator->setManager(&m_manager);
+    return askEvaluator(*m_manager);
+}
+
+std::vector<FileInfo*> FileBrowser::DirectoryModel::askEvaluator(FileManager& manager)
+{
+    std::vector<FileInfo*> files;
+    manager.buildRunningList(&files, Base::FileHandle::AllFiles);
+    m_evaluator->setManager(&manager);
     const QScopedValueRollback<bool> guard(m_evaluating, true);
     return m_evaluator->evaluateFiles(files);
 }
 
 void FileBrowser::DirectoryModel::refreshList()
 {
-    if (!m_entries.empty() || readError() != 0)
+    if (!m_rows.entries.empty() || readError() != 0)
         setDirectory(m_directory, m_sequenceMode, true);
 }
 
@@ -320,7 +324,7 @@ QString FileBrowser::DirectoryModel::getFullFilePath(const FileInfo& info) const
 
 QString FileBrowser::DirectoryModel::getFullFilePath(int row) const
 {
-    return getFullFilePath(*m_entries[static_cast<std::size_t>(row)]);
+    return getFullFilePath(*m_rows.entries[static_cast<std::size_t>(row)]);
 }
 
 } // namespace Halvern::UI

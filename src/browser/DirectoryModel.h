@@ -1,8 +1,9 @@
 #pragma once
 
+#include "browser/DirectoryRows.h"
+#include "browser/DirectoryUpdate.h"
 #include "browser/FileBrowser.h"
 #include "catalogue/FileManager.h"
-#include "catalogue/NameOrder.h"
 
 #include <QAbstractItemModel>
 #include <QDir>
@@ -14,7 +15,8 @@ namespace Halvern::UI {
 class PickList;
 
 /// The rows of one directory as a flat table of name, size and modification time. It owns the manager that
-/// reads the directory; the entries of its rows belong to that manager.
+/// reads the directory; the entries of its rows belong to that manager. update() reads with a second one,
+/// which then takes the place of the first.
 ///
 /// Between the start of a read and buildRunningList() the rows keep their number and are empty: their entries
 /// are gone. entry() is null for them and for every row that does not exist.
@@ -41,7 +43,8 @@ public:
     int rowCount(const QModelIndex& parent = QModelIndex()) const override;
     int columnCount(const QModelIndex& parent = QModelIndex()) const override;
     /// Besides the displayed texts: Qt::UserRole is the bare name, Qt::BackgroundRole the colour of queued
-    /// and hovered rows. Sizes up to 1024 bytes are numbers, larger ones texts like "12KB" or "3MB".
+    /// and hovered rows, Qt::ToolTipRole what a sequence lacks, as textOfFaults() tells. Sizes up to 1024
+    /// bytes are numbers, larger ones texts like "12KB" or "3MB".
     QVariant data(const QModelIndex& index, int role = Qt::DisplayRole) const override;
     QVariant headerData(int section, Qt::Orientation orientation, int role = Qt::DisplayRole) const override;
 
@@ -54,6 +57,21 @@ public:
     void buildRunningList();
     /// Reads the present directory again. Does nothing while there are no rows, unless the last read failed.
     void refreshList();
+    /// Reads the present directory again in the background and brings the rows to the new state, with
+    /// updated() at the end. Until then the rows stand as they are and can be used. They change by
+    /// insertions, removals, layout changes and dataChanged(), never by a reset. An evaluator is asked only
+    /// if a file is another than before, or its size or time.
+    ///
+    /// False, and nothing happens, while the directory is being read, also for attributes or by an update. A
+    /// new read and a rebuild of the rows abandon the update.
+    bool update();
+    bool isUpdating() const { return m_update.isRunning(); }
+    /// Why the last update failed: an error number of the system, 0 if it succeeded or the directory was read
+    /// since. The rows are those of the last state that could be read.
+    int updateError() const { return m_update.error(); }
+    /// Whether rows are shown in the order of the model, and all of them (default: yes). Then update() can
+    /// bring a few ranges of rows one by one, which is the fastest.
+    void setShownAsOrdered(bool shown) { m_shownAsOrdered = shown; }
     void resetModel();
     /// Announces the cells from @p topLeft to @p bottomRight as changed.
     void refreshModel(const QModelIndex& topLeft, const QModelIndex& bottomRight);
@@ -76,16 +94,18 @@ public:
     /// False while a read is under way whose rows were not built yet.
     bool isListReady() const { return m_listReady; }
     /// Why the listing is empty or incomplete: an error number of the system, 0 if it succeeded.
-    int readError() const { return m_buildError != 0 ? m_buildError : m_manager.readError(); }
+    int readError() const { return m_buildError != 0 ? m_buildError : m_manager->readError(); }
     /// Whether names are still to come.
     bool isReading() const { return m_reading; }
     /// Whether every file that was read has its size and time.
-    bool hasAllAttributes() const { return m_manager.isInfoComplete(); }
+    bool hasAllAttributes() const { return m_manager->isInfoComplete(); }
     /// The rows in source order, which is by name; those of an evaluator, and if names have no such order,
     /// as they were given. To be looked at while isListReady() only.
-    const std::vector<FileInfo*>& rows() const { return m_entries; }
-    /// Of rows(), as they were when these were built.
-    const NameOrder& nameOrder() const { return m_names; }
+    const std::vector<FileInfo*>& rows() const { return m_rows.entries; }
+    /// Of rows(), as they were when these were built. Rows beyond it are about to be removed.
+    const NameOrder& nameOrder() const { return m_rows.names; }
+    /// See DirectoryRows::isInNameOrder().
+    bool isInNameOrder() const { return m_rows.isInNameOrder(); }
     /// The name of a row with an entry, as it is displayed, without range and "/".
     const char* displayName(int row) const;
     /// The first row of that name, which is bytes; invalid if there is none.
@@ -95,7 +115,7 @@ public:
     /// The entry of a row that is known to exist.
     FileInfo* fileInfo(const QModelIndex& index) const
     {
-        return m_entries[static_cast<std::size_t>(index.row())];
+        return m_rows.entries[static_cast<std::size_t>(index.row())];
     }
     /// The path of an entry; a sequence gives its name with placeholder and range.
     QString getFullFilePath(const FileInfo& info) const;
@@ -109,12 +129,36 @@ signals:
     void readFailed();
     /// Entries die, or an evaluator is asked, which may free rows of its own making.
     void entriesExpire();
+    /// Each entry of @p before was replaced by that of @p after at the same index, null if there is none, and
+    /// must not be followed any more.
+    void entriesReplaced(const std::vector<FileInfo*>& before, const std::vector<FileInfo*>& after);
+    /// The rows are about to become @p rows.
+    void rowsAboutToBeUpdated(const Halvern::UI::RowChanges& changes, const Halvern::UI::DirectoryRows& rows);
+    /// The rows stand as announced.
+    void rowsUpdated();
+    /// An update has ended, once for each update() that returned true. @p milliseconds is the time that
+    /// reading and bringing the rows over took. @p succeeded is false if the directory could not be read to
+    /// its end, or if the update was abandoned; the rows are then as they were.
+    void updated(int milliseconds, bool succeeded);
 
 private:
+    struct NextRows;
+
+    bool isEvaluating() const { return hasEvaluator() && m_sequenceMode != SequenceMode::Expanded; }
     std::vector<FileInfo*> evaluateFiles();
-    void takeRows(std::vector<FileInfo*> evaluatedRows, bool evaluated);
-    void orderRows(bool evaluated);
+    std::vector<FileInfo*> askEvaluator(FileManager& manager);
+    DirectoryRows builtRows(FileManager& manager) const;
     void buildLater();
+    void connectManager();
+
+    // DirectoryModelUpdate.cpp
+    void takeFiles();
+    void buildNextRows();
+    void keepRowsOfEvaluator(std::vector<RowKey>& keys);
+    void bringRows(NextRows& next);
+    void bringByRanges(NextRows& next);
+    void bringByLayout(NextRows& next);
+
     QVariant displayText(const FileInfo& info, int column) const;
     QVariant background(int row, const FileInfo& info) const;
 
@@ -128,11 +172,12 @@ private:
     bool m_listReady = false;
     bool m_reading = false;
     int m_buildError = 0; // ENOMEM if there was no memory for the rows
-    std::vector<FileInfo*> m_entries;
-    NameOrder m_names;
-    bool m_namesFixed = true;         // as they are in m_names
-    unsigned m_entriesGeneration = 0; // of the manager when the entries were taken
-    FileManager m_manager;
+    DirectoryRows m_rows;
+    std::vector<std::unique_ptr<FileInfo>> m_keptRows; // in place of rows that an evaluator may have freed
+    unsigned m_entriesGeneration = 0;                  // of the manager when the entries were taken
+    std::unique_ptr<FileManager> m_manager = std::make_unique<FileManager>();
+    DirectoryUpdate m_update;
+    bool m_shownAsOrdered = true;
     SequenceMode m_sequenceMode;
     bool m_splitSequences = false;
 };

@@ -219,6 +219,44 @@ void FileBrowser::Private::showArrivedAttributes()
     m_attributesTimer.setInterval(std::max(ShortestPause, PauseFactor * static_cast<int>(timer.elapsed())));
 }
 
+// The rows are about to change in place. If the filename field shows the path of the row that is selected, it
+// goes on to do so.
+void FileBrowser::Private::beginUpdate(const RowChanges& changes, const DirectoryRows& rows)
+{
+    m_rowsUpdating = true;
+    const QItemSelection& selection = m_filesList->selectionModel()->selection();
+    if (selection.size() != 1 || selection.first().height() != 1)
+        return;
+    const int row = m_proxy->mapToSource(selection.first().topLeft()).row();
+    if (!m_model->entry(row) || changes.vanishes(row))
+        return;
+    const auto place = static_cast<std::size_t>(changes.places()[static_cast<std::size_t>(row)]);
+    const QString before = normalizeFile(m_model->getFullFilePath(row));
+    const QString after = normalizeFile(m_model->getFullFilePath(*rows.entries[place]));
+    QLineEdit& edit = *m_controls.filenameEdit;
+    if (after == before || edit.text() != before)
+        return;
+    m_choiceUpdated = true;
+    const bool narrows = m_proxy->namePrefix() == Placeholder::withHashes(typedNamePrefix()).toStdString();
+    const int cursor = edit.cursorPosition();
+    edit.setText(after);
+    edit.setCursorPosition(cursor);
+    if (narrows)
+        m_proxy->setNamePrefix(typedNamePrefix());
+}
+
+void FileBrowser::Private::endUpdate(bool succeeded)
+{
+    if (!std::exchange(m_rowsUpdating, false))
+        return;
+    if (succeeded && !m_awaited.isEmpty()) {
+        awaitChoice();
+        m_filesList->choose(std::exchange(m_awaited, {}));
+    }
+    if (std::exchange(m_choiceUpdated, false))
+        q->fileSelectionChanged();
+}
+
 void FileBrowser::Private::showNotice()
 {
     m_filesList->setNotice(m_notice->emptyText());

@@ -17,7 +17,9 @@ namespace Halvern::UI {
 class FavoritesList;
 class FavoritesModel;
 class FavoritesProxy;
+struct DirectoryRows;
 class ListNotice;
+class RowChanges;
 
 /// What a browser consists of, and what its member functions share.
 class FileBrowser::Private
@@ -59,6 +61,8 @@ public:
     void selectTypedRow();
     void buildRows();
     void showArrivedAttributes();
+    void beginUpdate(const RowChanges& changes, const DirectoryRows& rows);
+    void endUpdate(bool succeeded);
     void showNotice();
     void updateSplitSequencesButton();
 
@@ -103,6 +107,8 @@ public:
     FilesList::Choice m_awaited; // rows to be found again
     bool m_awaitsTop = false;    // a list of another folder is shown from its top
     bool m_awaitsTypedRow = false;
+    bool m_rowsUpdating = false; // what is chosen is looked at when all rows are in their places
+    bool m_choiceUpdated = false;
     bool m_rowsHeld = false; // buildRows() follows when all that decides about them is set
 
     // Brings attributes that arrived to the list, several batches at a time.

@@ -82,6 +82,10 @@ bool FileBrowser::Private::isAcceptable(const FileInfo& info) const
 
 void FileBrowser::fileSelectionChanged()
 {
+    if (d->m_rowsUpdating) {
+        d->m_choiceUpdated = true;
+        return;
+    }
     const QModelIndexList rows = d->m_filesList->selectedSourceRows();
     if (rows.size() == 1) {
         const int row = rows.first().row();

@@ -7,6 +7,7 @@
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QPainter>
+#include <QScrollBar>
 #include <algorithm>
 
 namespace Halvern::UI {
@@ -37,6 +38,8 @@ FileBrowser::FilesList::FilesList(DirectoryModel* model, ProxyModel* proxy)
     header()->setStretchLastSection(true);
     header()->setSectionsMovable(false);
     connect(model, SIGNAL(readStarted()), this, SLOT(clearSelection()));
+    connect(model, &DirectoryModel::rowsAboutToBeUpdated, this, &FilesList::beginUpdate);
+    connect(model, &DirectoryModel::rowsUpdated, this, &FilesList::endUpdate);
     // The mouse is over no row any more.
     connect(this, SIGNAL(viewportEntered()), this, SLOT(hoverNothing()));
 }
@@ -249,6 +252,52 @@ void FileBrowser::FilesList::choose(const Choice& choice)
     selectionModel()->setCurrentIndex(current, QItemSelectionModel::NoUpdate);
     setAutoScroll(scrolls);
     selectionModel()->select(selection, QItemSelectionModel::ClearAndSelect);
+}
+
+// The row itself, or the nearest below it that does not vanish; above it if there is none below.
+QModelIndex FileBrowser::FilesList::nextStaying(QModelIndex index, const RowChanges& changes) const
+{
+    const auto stays = [&](int row) {
+        return !changes.vanishes(m_proxy->mapToSource(m_proxy->index(row, 0)).row());
+    };
+    if (!index.isValid())
+        return {};
+    for (int row = index.row(); row < m_proxy->rowCount(); ++row) {
+        if (stays(row))
+            return m_proxy->index(row, index.column());
+    }
+    for (int row = index.row() - 1; row >= 0; --row) {
+        if (stays(row))
+            return m_proxy->index(row, index.column());
+    }
+    return {};
+}
+
+// The first row that is seen is to stay where it is. If the current row vanishes, the next one becomes the
+// current one; of itself Qt would also select it.
+void FileBrowser::FilesList::beginUpdate(const RowChanges& changes)
+{
+    m_held = nextStaying(indexAt(viewport()->rect().topLeft()), changes);
+    m_heldTop = std::min(visualRect(m_held).top(), viewport()->height());
+    const QModelIndex current = currentIndex();
+    const QModelIndex next = nextStaying(current, changes);
+    if (next == current)
+        return;
+    const bool scrolls = hasAutoScroll();
+    setAutoScroll(false);
+    selectionModel()->setCurrentIndex(next, QItemSelectionModel::NoUpdate);
+    setAutoScroll(scrolls);
+}
+
+void FileBrowser::FilesList::endUpdate()
+{
+    executeDelayedItemsLayout();
+    QScrollBar& bar = *verticalScrollBar();
+    const int shift = m_held.isValid() ? visualRect(m_held).top() - m_heldTop : 0;
+    if (shift != 0)
+        bar.setValue(bar.value() +
+                     (verticalScrollMode() == ScrollPerItem ? shift / rowHeight(m_held) : shift));
+    m_held = QModelIndex();
 }
 
 } // namespace Halvern::UI

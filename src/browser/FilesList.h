@@ -4,10 +4,13 @@
 #include "browser/ProxyModel.h"
 
 #include <QPair>
+#include <QPersistentModelIndex>
 #include <QSet>
 #include <QTreeView>
 
 namespace Halvern::UI {
+
+class RowChanges;
 
 /// The view of the files: keyboard navigation through directories, hover, and the pick-list menu on a right
 /// click, which neither selects nor moves the current row. While a read is under way its rows are empty, and
@@ -72,16 +75,21 @@ protected:
 
 private slots:
     void hoverNothing();
+    void beginUpdate(const Halvern::UI::RowChanges& changes);
+    void endUpdate();
 
 private:
     bool navigates(const QKeyEvent& event);
     bool sorts(const QKeyEvent& event);
+    QModelIndex nextStaying(QModelIndex index, const RowChanges& changes) const;
     RowName nameOf(int sourceRow) const;
     QSet<int> find(const QSet<RowName>& names) const;
 
     DirectoryModel* m_model;
     ProxyModel* m_proxy;
-    QString m_pressedFolder; // in which the mouse was pressed last
+    QString m_pressedFolder;      // in which the mouse was pressed last
+    QPersistentModelIndex m_held; // during an update of the model: the row that keeps its place
+    int m_heldTop = 0;            // pixels below the upper edge
     QString m_notice;
     int m_widthHint = 0;
 };

@@ -4,6 +4,7 @@
 #include "browser/FilesList.h"
 #include "browser/PickList.h"
 
+#include <QHash>
 #include <QKeySequence>
 
 namespace Halvern::UI {
@@ -16,6 +17,7 @@ FileBrowser::FilesMenu::FilesMenu(DirectoryModel* model, FilesList* list, const 
     , m_pickList(pickList)
 {
     connect(model, SIGNAL(entriesExpire()), this, SLOT(forgetItems()));
+    connect(model, &DirectoryModel::entriesReplaced, this, &FilesMenu::replaceItems);
     connect(list, SIGNAL(menuRequested(const QPoint&, const QModelIndex&)), this,
             SLOT(popupMenu(const QPoint&, const QModelIndex&)));
 }
@@ -104,6 +106,22 @@ void FileBrowser::FilesMenu::forgetItems()
 {
     m_editItems.clear();
     m_menuOpen = false;
+}
+
+void FileBrowser::FilesMenu::replaceItems(const std::vector<FileInfo*>& before,
+                                          const std::vector<FileInfo*>& after)
+{
+    if (m_editItems.isEmpty())
+        return;
+    QHash<const FileInfo*, FileInfo*> successors;
+    for (std::size_t row = 0; row < before.size(); ++row)
+        successors.insert(before[row], after[row]);
+    QList<FileInfo*> items;
+    for (const FileInfo* item : qAsConst(m_editItems)) {
+        if (FileInfo* successor = successors.value(item))
+            items.append(successor);
+    }
+    m_editItems.swap(items);
 }
 
 void FileBrowser::FilesMenu::setEditActionsVisible(bool visible)

@@ -42,6 +42,9 @@ public slots:
     /// The entries are about to die: the next shortcut collects its items anew.
     void forgetItems();
 
+private slots:
+    void replaceItems(const std::vector<FileInfo*>& before, const std::vector<FileInfo*>& after);
+
 private:
     QAction* makeAction(const char* name, const QString& text, const char* slot);
 

@@ -25,7 +25,8 @@ ListNotice::ListNotice(FileBrowser::DirectoryModel* model, FileBrowser::ProxyMod
     m_patience.setInterval(300); // milliseconds
     connect(model, SIGNAL(readStarted()), this, SLOT(startWaiting()));
     connect(&m_patience, SIGNAL(timeout()), this, SLOT(stopWaiting()));
-    connect(model, SIGNAL(readFailed()), this, SLOT(update()));
+    for (const char* signal : {SIGNAL(readFailed()), SIGNAL(rowsUpdated()), SIGNAL(updated(int, bool))})
+        connect(model, signal, this, SLOT(update()));
     for (const char* signal : {SIGNAL(modelReset()), SIGNAL(layoutChanged())})
         connect(proxy, signal, this, SLOT(update()));
 }
@@ -51,11 +52,17 @@ void ListNotice::update()
         if (m_waitedLong)
             empty = FileBrowser::tr("Reading ") + QChar(0x2026);
     } else {
+        const auto failure = [](int error) {
+            return FileBrowser::tr("This folder can't be read: %1").arg(errorText(error));
+        };
         const int error = m_model->readError();
+        const int errorNow = m_model->updateError();
         if (error != 0 && hasNames())
             problem = FileBrowser::tr("Not all of this folder could be read: %1").arg(errorText(error));
-        if (error != 0 && problem.isEmpty())
-            empty = FileBrowser::tr("This folder can't be read: %1").arg(errorText(error));
+        else if (errorNow != 0 && hasNames())
+            problem = failure(errorNow);
+        if ((error != 0 || errorNow != 0) && problem.isEmpty())
+            empty = failure(error != 0 ? error : errorNow);
         else if (m_proxy->rowCount() == 0)
             empty = m_proxy->reasonForNoRows();
     }

@@ -32,6 +32,10 @@ FileBrowser::ProxyModel::ProxyModel(DirectoryModel* source, QObject* parent)
     // Before the connections of the base class, which sorts at once.
     for (const char* signal : {SIGNAL(modelReset()), SIGNAL(readStarted())})
         connect(m_model, signal, this, SLOT(readKeys()));
+    connect(m_model, SIGNAL(layoutChanged()), this, SLOT(arrange()));
+    connect(m_model, &DirectoryModel::rowsAboutToBeUpdated, this, &ProxyModel::beginUpdate);
+    connect(m_model, &DirectoryModel::rowsUpdated, this, &ProxyModel::endUpdate);
+    connect(m_model, &DirectoryModel::entriesReplaced, this, &ProxyModel::noteAttributes);
     connect(this, SIGNAL(layoutAboutToBeChanged()), this, SLOT(readNewKeys()));
     setSourceModel(m_model);
 }
@@ -62,16 +66,50 @@ void FileBrowser::ProxyModel::showAttributes()
         // A link that turned out to be a folder passes every filter.
         invalidate();
     } else if (isSortedByAttribute()) {
-        // The same rows pass the filter. Views keep a selection faster if they know that rows only move.
-        emit layoutAboutToBeChanged({}, VerticalSortHint);
-        {
-            const QSignalBlocker blocker(this);
-            const QScopedValueRollback<bool> fromSource(m_fromSourceOrder, true);
-            sort(sortColumn(), sortOrder());
-        }
-        emit layoutChanged({}, VerticalSortHint);
+        sortAgain();
     }
     m_model->updateInfo(0, -1);
+}
+
+// The same rows pass the filter. Views keep a selection faster if they know that rows only move.
+void FileBrowser::ProxyModel::sortAgain()
+{
+    emit layoutAboutToBeChanged({}, VerticalSortHint);
+    {
+        const QSignalBlocker blocker(this);
+        const QScopedValueRollback<bool> fromSource(m_fromSourceOrder, true);
+        sort(sortColumn(), sortOrder());
+    }
+    emit layoutChanged({}, VerticalSortHint);
+}
+
+// Rows that come and go one by one are put where the source has them. Keys of other rows must not decide.
+void FileBrowser::ProxyModel::beginUpdate()
+{
+    const bool isFiltered = !m_nameFilter.text().isEmpty() || !m_namePrefix.empty();
+    const bool byName = sortColumn() == DirectoryModel::NameColumn && sortOrder() == Qt::AscendingOrder;
+    m_model->setShownAsOrdered(!isFiltered && (byName || sortColumn() < 0));
+    m_keys.clear();
+    m_keysAreOld = false; // arrange() reads them, or the end of the update tells that they are old
+    m_isArranged = false;
+}
+
+void FileBrowser::ProxyModel::arrange()
+{
+    readKeys();
+    m_isArranged = true;
+}
+
+// Without a layout change of the source: rows may have other names, which decide about filter and order, and
+// other attributes.
+void FileBrowser::ProxyModel::endUpdate()
+{
+    if (m_isArranged)
+        return;
+    if (!m_namePrefix.empty() || !m_nameFilter.text().isEmpty())
+        invalidate();
+    else if (isSortedByAttribute() || !m_model->isInNameOrder())
+        sortAgain();
 }
 
 bool FileBrowser::ProxyModel::isSortedByAttribute() const
@@ -96,6 +134,7 @@ bool FileBrowser::ProxyModel::readKeys()
         return true;
     }
     const std::vector<FileInfo*>& rows = m_model->rows();
+    const std::vector<int>& ranks = m_model->nameOrder().ranks();
     bool kindsChanged = m_keys.size() != rows.size();
     try {
         m_keys.resize(rows.size());
@@ -106,7 +145,8 @@ bool FileBrowser::ProxyModel::readKeys()
     for (std::size_t row = 0; row < rows.size(); ++row) {
         RowKey& key = m_keys[row];
         key.entry = rows[row];
-        key.place = m_model->nameOrder().ranks()[row];
+        key.vanishes = row >= ranks.size();
+        key.place = key.vanishes ? NameOrder::NoRank : ranks[row];
         if (!key.entry || !needsAttributes)
             continue;
         const bool isFile = !key.entry->isDirectory();
@@ -192,6 +232,8 @@ bool FileBrowser::ProxyModel::lessThan(const QModelIndex& left, const QModelInde
         return false;
     const RowKey& a = m_keys[leftRow];
     const RowKey& b = m_keys[rightRow];
+    if (a.vanishes != b.vanishes)
+        return b.vanishes == (sortOrder() == Qt::AscendingOrder);
     if (!a.entry || !b.entry)
         return false;
     const bool less = isLess(a, b, left.column());

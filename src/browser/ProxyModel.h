@@ -23,6 +23,8 @@ public:
     /// Rows must begin with @p text in any letter case, with "#" in place of printf tokens; a leading "."
     /// shows hidden names too.
     void setNamePrefix(const QString& text);
+    /// As the rows must begin, in UTF-8; empty if any may.
+    const std::string& namePrefix() const { return m_namePrefix; }
     /// Wildcard patterns that files must match, as NameFilter takes them; empty for all.
     void setFilterPattern(const QString& patterns);
     /// While set, folders always pass and the name prefix is not looked at.
@@ -47,6 +49,9 @@ protected:
 private slots:
     bool readKeys();
     void readNewKeys();
+    void beginUpdate();
+    void arrange();
+    void endUpdate();
 
 private:
     /// What decides the place of a row. Keys stand close together; entries are kilobytes apart.
@@ -57,10 +62,12 @@ private:
         long long time;
         int place; ///< Of the name, NameOrder::NoRank if its sort key does not decide.
         bool isFile;
+        bool vanishes; ///< It is about to be removed, and stands after the others.
     };
 
     bool matchesPrefix(const char* name) const;
     bool isSortedByAttribute() const;
+    void sortAgain();
     static bool isNameLess(const RowKey& left, const RowKey& right);
     static bool isLess(const RowKey& left, const RowKey& right, int column);
 
@@ -71,6 +78,7 @@ private:
     std::vector<RowKey> m_keys; // of the source rows, none during a read
     bool m_keysAreOld = false;
     bool m_fromSourceOrder = false; // sorting gives what it gives if rows stand as in the source before
+    bool m_isArranged = false;      // in this update of the model
 };
 
 } // namespace Halvern::UI

@@ -120,6 +120,14 @@ FileInfo* EntryPool::create()
     return new (place) FileInfo();
 }
 
+bool EntryPool::owns(const FileInfo* entry) const
+{
+    const std::less<> isBefore; // also for pointers into different blocks
+    return std::any_of(m_blocks.begin(), m_blocks.end(), [&](const Block& block) {
+        return !isBefore(entry, block.entries) && isBefore(entry, block.entries + BlockSize);
+    });
+}
+
 void EntryPool::clear()
 {
     m_used = 0;

@@ -29,6 +29,8 @@ public:
 
     /// A new entry, FileInfo(), owned by the pool. Throws `std::bad_alloc`.
     FileInfo* create();
+    /// Whether @p entry is one of the pool, alive or given up.
+    bool owns(const FileInfo* entry) const;
     /// Gives up all entries and begins again with the first block. What an entry owns is freed when its place
     /// is used again.
     void clear();

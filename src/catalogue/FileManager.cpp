@@ -170,6 +170,11 @@ FileInfo* FileManager::createEntry()
     return d->m_index.createEntry();
 }
 
+bool FileManager::owns(const FileInfo* entry) const
+{
+    return d->m_index.pool().owns(entry);
+}
+
 void FileManager::followMembers(FileInfo* sequence)
 {
     d->attempt([&] { d->m_index.follow(sequence); });

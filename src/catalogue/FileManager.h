@@ -48,6 +48,12 @@ public:
     {
         return getFilesFromFolderPrivate(path, force, false);
     }
+    /// Begins to read @p path again or anew on the worker thread. This thread asks the disk for nothing: if
+    /// @p path can't be opened, readError() is set when refreshList() is emitted. False if nothing begins,
+    /// for lack of memory or from within a synchronous read.
+    bool readInBackground(const std::string& path);
+    /// Forgets every entry, and gives back their memory but for what the next small directory needs.
+    void release();
     /// Why the listing of the current directory is empty or incomplete: the system's error number, as of
     /// `opendir`, `open` or `readdir`, ENOMEM if there was no memory, EAGAIN if the system has no thread for
     /// the worker. 0 while a read is under way and after a listing that succeeded. Set before refreshList()
@@ -98,6 +104,8 @@ public:
 
     /// A fresh entry, owned by the manager like all others; it is in no list. Throws `std::bad_alloc`.
     FileInfo* createEntry();
+    /// Whether @p entry is one of this manager.
+    bool owns(const FileInfo* entry) const;
     /// Keeps the memory of all entries while it is held, also after the manager is destroyed. It does not
     /// keep the entries from being used again by the next read.
     std::shared_ptr<const void> entryStorage() const;
@@ -139,6 +147,7 @@ private:
     struct Private;
 
     bool getFilesFromFolderPrivate(const std::string& path, bool force, bool asynchronous);
+    bool beginReading(const std::string& path, bool asynchronous);
     void connectWorker();
     void leaveToParentProcess();
     void leaveParentProcess();

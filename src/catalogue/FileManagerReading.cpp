@@ -88,6 +88,28 @@ bool FileManager::getFilesFromFolderPrivate(const std::string& path, bool force,
         d->trimPool();
         return false;
     }
+    return beginReading(path, asynchronous);
+}
+
+bool FileManager::readInBackground(const std::string& path)
+{
+    if (d->m_readingSynchronously)
+        return false;
+    cleanData();
+    d->m_readError = 0;
+    return d->attempt([&] { d->m_currentDirectory = path; }) && beginReading(path, true);
+}
+
+void FileManager::release()
+{
+    cleanData();
+    d->m_currentDirectory.clear();
+    d->m_nameOrder.reset();
+    d->trimPool();
+}
+
+bool FileManager::beginReading(const std::string& path, bool asynchronous)
+{
     d->m_readingSynchronously = !asynchronous;
     const bool begun = d->attempt([&] {
         if (asynchronous) {

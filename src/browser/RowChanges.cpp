@@ -1,0 +1,174 @@
+#include "browser/RowChanges.h"
+
+#include <algorithm>
+#include <unordered_map>
+
+namespace Halvern::UI {
+
+namespace {
+
+constexpr int None = -1;
+using Keys = std::vector<RowKey>;
+using Name = std::string_view RowKey::*;
+
+const RowKey& at(const Keys& keys, int row)
+{
+    return keys[static_cast<std::size_t>(row)];
+}
+
+bool haveCommonFrames(const RowKey& a, const RowKey& b)
+{
+    return a.firstFrame <= b.lastFrame && b.firstFrame <= a.lastFrame;
+}
+
+bool isSame(const RowKey& a, const RowKey& b)
+{
+    return a.kind == b.kind && a.name == b.name && haveCommonFrames(a, b);
+}
+
+/// Finds the rows before that are the rows after, one pair after the other.
+class Matching
+{
+public:
+    Matching(const Keys& before, const Keys& after)
+        : m_keysBefore(before)
+        , m_keysAfter(after)
+        , m_placeOf(before.size(), None)
+        , m_rowAt(after.size(), None)
+    {
+        const auto fewer = static_cast<int>(std::min(before.size(), after.size()));
+        int first = 0;
+        for (; first < fewer && isSame(at(before, first), at(after, first)); ++first)
+            pair(first, first);
+        m_lastBefore = static_cast<int>(before.size());
+        m_lastAfter = static_cast<int>(after.size());
+        for (; std::min(m_lastBefore, m_lastAfter) > first &&
+               isSame(at(before, m_lastBefore - 1), at(after, m_lastAfter - 1));)
+            pair(--m_lastBefore, --m_lastAfter);
+        m_first = first;
+        match(&RowKey::name);
+        match(&RowKey::firstFile);
+    }
+
+    int placeOf(int row) const { return m_placeOf[static_cast<std::size_t>(row)]; }
+    bool isNew(int row) const { return m_rowAt[static_cast<std::size_t>(row)] == None; }
+
+private:
+    void pair(int row, int place)
+    {
+        m_placeOf[static_cast<std::size_t>(row)] = place;
+        m_rowAt[static_cast<std::size_t>(place)] = row;
+    }
+
+    // Pairs rows of one name and kind. Rows of a name form a chain in their order. Of a sequence the runs
+    // come by rising frames, so that a run that ends before the one looked for is passed for good.
+    void match(Name name)
+    {
+        if (m_first == m_lastAfter || m_first == m_lastBefore)
+            return;
+        std::unordered_map<std::string_view, int> chains[RowKey::Sequence + 1];
+        std::vector<int> next(static_cast<std::size_t>(m_lastBefore - m_first), None);
+        for (int row = m_lastBefore - 1; row >= m_first; --row) {
+            const RowKey& key = at(m_keysBefore, row);
+            if (placeOf(row) != None || isLeftOut(key, name))
+                continue;
+            const auto [chain, isNew] = chains[key.kind].emplace(key.*name, row);
+            if (!isNew) {
+                next[static_cast<std::size_t>(row - m_first)] = chain->second;
+                chain->second = row;
+            }
+        }
+        for (int place = m_first; place < m_lastAfter; ++place) {
+            const RowKey& key = at(m_keysAfter, place);
+            if (!isNew(place) || isLeftOut(key, name))
+                continue;
+            const auto chain = chains[key.kind].find(key.*name);
+            if (chain == chains[key.kind].end())
+                continue;
+            int& row = chain->second;
+            while (row != None && at(m_keysBefore, row).lastFrame < key.firstFrame)
+                row = next[static_cast<std::size_t>(row - m_first)];
+            if (row == None || !haveCommonFrames(at(m_keysBefore, row), key))
+                continue;
+            pair(row, place);
+            row = next[static_cast<std::size_t>(row - m_first)];
+        }
+    }
+
+    static bool isLeftOut(const RowKey& key, Name name)
+    {
+        return name == &RowKey::firstFile && key.firstFile.empty();
+    }
+
+    const Keys& m_keysBefore;
+    const Keys& m_keysAfter;
+    std::vector<int> m_placeOf;
+    std::vector<int> m_rowAt;
+    // Rows before and after these are the same in both states.
+    int m_first = 0;
+    int m_lastBefore = 0;
+    int m_lastAfter = 0;
+};
+
+void extend(std::vector<RowChanges::Range>& ranges, int row)
+{
+    if (!ranges.empty() && ranges.back().first + ranges.back().count == row)
+        ++ranges.back().count;
+    else
+        ranges.push_back({row, 1});
+}
+
+} // namespace
+
+RowChanges::RowChanges(const Keys& before, const Keys& after)
+    : m_before(static_cast<int>(before.size()))
+    , m_after(static_cast<int>(after.size()))
+{
+    const Matching matching(before, after);
+    int end = m_after;
+    for (int row = 0; row < m_before; ++row)
+        m_places.push_back(matching.placeOf(row) == None ? end++ : matching.placeOf(row));
+    for (int row = 0; row < m_after; ++row) {
+        if (matching.isNew(row))
+            m_places.push_back(row);
+    }
+}
+
+bool RowChanges::keepsOrder() const
+{
+    int last = None;
+    for (int row = 0; row < m_before; ++row) {
+        const int place = m_places[static_cast<std::size_t>(row)];
+        if (place >= m_after)
+            continue;
+        if (place < last)
+            return false;
+        last = place;
+    }
+    return true;
+}
+
+bool RowChanges::isNone() const
+{
+    return m_places.size() == static_cast<std::size_t>(m_before) && m_before == m_after && keepsOrder();
+}
+
+std::vector<RowChanges::Range> RowChanges::vanishing() const
+{
+    std::vector<Range> ranges;
+    for (int row = 0; row < m_before; ++row) {
+        if (vanishes(row))
+            extend(ranges, row);
+    }
+    return ranges;
+}
+
+std::vector<RowChanges::Range> RowChanges::added() const
+{
+    std::vector<Range> ranges;
+    for (auto place = m_places.begin() + m_before; place != m_places.end(); ++place)
+        extend(ranges, *place);
+    return ranges;
+}
+
+} // namespace Halvern::UI

@@ -1,0 +1,101 @@
+#include "browser/RowChanges.h"
+#include "support/Test.h"
+
+#include <algorithm>
+#include <iterator>
+#include <random>
+
+using namespace Halvern::UI;
+
+namespace {
+
+std::vector<RowKey> files(const std::vector<std::string>& names)
+{
+    std::vector<RowKey> keys;
+    std::transform(names.begin(), names.end(), std::back_inserter(keys), [](const std::string& name) {
+        return RowKey{RowKey::File, name};
+    });
+    return keys;
+}
+
+RowKey run(const char* name, int first, int last, const char* firstFile = "")
+{
+    return {RowKey::Sequence, name, first, last, firstFile};
+}
+
+} // namespace
+
+/// Which rows of a directory are those of a later state.
+class RowChangesTest : public Test
+{
+    Q_OBJECT
+
+private slots:
+    void findsRowsAgain()
+    {
+        using Keys = std::vector<RowKey>;
+        const RowKey folder{RowKey::Folder, "a"};
+        // Rows before, rows after, places.
+        const std::tuple<Keys, Keys, std::vector<int>> table[] = {
+            {{}, {}, {}},
+            {files({"a", "b"}), files({"b", "c"}), {2, 0, 1}},
+            {files({"a", "b", "c"}), files({"c", "a", "b"}), {1, 2, 0}},
+            {files({"a", "c"}), files({"a", "b", "c"}), {0, 2, 1}},
+            {files({"a", "a", "b"}), files({"b", "a", "a"}), {1, 2, 0}},
+            {files({"a"}), {folder}, {1, 0}},
+            {{RowKey(), folder}, {folder, RowKey()}, {1, 0}},
+            // A sequence that grows, one that is split, runs that join, and one that another took the place
+            // of.
+            {{{RowKey::Sequence, "s"}}, {folder, {RowKey::Sequence, "s"}}, {1, 0}},
+            {{run("s", 1, 9)}, {run("s", 1, 3), run("s", 5, 9)}, {0, 1}},
+            {{run("s", 1, 3), run("s", 5, 9)}, {run("s", 1, 9)}, {0, 1}},
+            {{folder, run("s", 5, 9)}, {run("s", 1, 2), run("s", 4, 9)}, {2, 1, 0}},
+            {{run("s", 1, 3), folder}, {folder, run("s", 5, 9)}, {2, 0, 1}},
+            // An evaluator's names may change with each file.
+            {{run("2 files", 1, 2, "f"), run("x", 1, 2, "g")},
+             {run("x", 1, 3, "g"), run("3 files", 1, 3, "f")},
+             {1, 0}}};
+        for (const auto& [before, after, places] : table)
+            QCOMPARE(RowChanges(before, after).places(), places);
+    }
+
+    // The steps that the changes give lead to the rows after.
+    void stepsLeadToTheNewRows()
+    {
+        std::mt19937 random(7);
+        for (int round = 0; round < 300; ++round) {
+            std::vector<std::string> before;
+            std::vector<std::string> after;
+            for (char name = 'a'; name < 'p'; ++name) {
+                if (random() % 3 != 0)
+                    before.emplace_back(1, name);
+                if (random() % 3 != 0)
+                    after.emplace_back(1, name);
+            }
+            const bool shuffles = round % 3 == 0;
+            if (shuffles)
+                std::shuffle(after.begin(), after.end(), random);
+            const RowChanges changes(files(before), files(after));
+            std::vector<std::string> rows = before;
+            const auto vanishing = changes.vanishing();
+            for (auto range = vanishing.rbegin(); range != vanishing.rend(); ++range)
+                rows.erase(rows.begin() + range->first, rows.begin() + range->first + range->count);
+            const std::vector<std::string> staying = rows;
+            for (const auto& range : changes.added())
+                rows.insert(rows.begin() + range.first, after.begin() + range.first,
+                            after.begin() + range.first + range.count);
+            QCOMPARE(rows == after, changes.keepsOrder());
+            QVERIFY(shuffles || changes.keepsOrder());
+            QCOMPARE(changes.isNone(), before == after);
+            for (std::size_t row = 0; row < before.size(); ++row) {
+                const auto place = static_cast<std::size_t>(changes.places()[row]);
+                const bool stays = std::count(staying.begin(), staying.end(), before[row]) == 1;
+                QCOMPARE(place < after.size(), stays);
+                QVERIFY(!stays || after[place] == before[row]);
+            }
+        }
+    }
+};
+
+QTEST_APPLESS_MAIN(RowChangesTest)
+#include "RowChangesTest.moc"

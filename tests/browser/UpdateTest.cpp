@@ -1,0 +1,457 @@
+#include "browser/BrowserWindow.h"
+#include "catalogue/FileSequenceEvaluator.h"
+#include "support/SampleFiles.h"
+#include "support/Test.h"
+#include "widgets/AppSettings.h"
+
+#include <QAbstractItemModelTester>
+#include <QLabel>
+#include <QScrollBar>
+#include <functional>
+#include <map>
+#include <numeric>
+#include <random>
+
+using namespace Halvern::UI;
+
+namespace {
+
+// Makes a row of the files of each first letter, all rows its own, and has the list painted meanwhile.
+class ByLetter : public FileSequenceEvaluator
+{
+public:
+    std::vector<FileInfo*> evaluateFiles(std::vector<FileInfo*> files) override
+    {
+        ++asked;
+        rows.clear();
+        const std::function<void()> work = interrupt; // which may replace it
+        work();
+        std::map<char, std::vector<FileInfo*>> groups;
+        for (FileInfo* file : files) {
+            if (!file->isDirectory())
+                groups[*file->fileName()].push_back(file);
+        }
+        std::vector<FileInfo*> answer;
+        for (const auto& [letter, members] : groups) {
+            const std::string name = letter + (" " + std::to_string(members.size()));
+            if (makesOwnRows)
+                rows.push_back(std::make_unique<FileInfo>(name.c_str(), false));
+            std::vector<int> frames(members.size());
+            std::iota(frames.begin(), frames.end(), 1);
+            answer.push_back(makesOwnRows ? rows.back().get() : buildFileSequence(name, frames, members));
+        }
+        return answer;
+    }
+    std::vector<std::unique_ptr<FileInfo>> rows;
+    std::function<void()> interrupt = [] {};
+    bool makesOwnRows = false;
+    int asked = 0;
+};
+
+// Counts paints of the list, and those in which a row had an empty cell.
+class PaintWatch : public QObject
+{
+public:
+    explicit PaintWatch(const BrowserParts& parts)
+        : m_parts(parts)
+    {
+        parts.list()->viewport()->installEventFilter(this);
+    }
+    bool eventFilter(QObject* /*watched*/, QEvent* event) override
+    {
+        if (event->type() != QEvent::Paint)
+            return false;
+        ++paints;
+        for (int row = 0; row < m_parts.proxy()->rowCount(); ++row) {
+            for (int column = 0; column < 3; ++column)
+                blank += m_parts.proxy()->index(row, column).data().isValid() ? 0 : 1;
+        }
+        return false;
+    }
+    int paints = 0;
+    int blank = 0;
+
+private:
+    const BrowserParts& m_parts;
+};
+
+// Whether the update succeeded.
+bool update(const BrowserParts& parts)
+{
+    QSignalSpy ends(parts.model(), &FileBrowser::DirectoryModel::updated);
+    return parts.model()->update() && (!ends.isEmpty() || ends.wait()) && ends.first().at(1).toBool();
+}
+
+bool isRead(const BrowserParts& parts)
+{
+    return parts.model()->isListReady() && !parts.model()->isReading() && parts.model()->hasAllAttributes();
+}
+
+// The texts of all cells.
+QStringList cells(const BrowserParts& parts)
+{
+    QStringList texts;
+    for (int row = 0; row < parts.proxy()->rowCount(); ++row) {
+        for (int column = 0; column < 3; ++column)
+            texts.append(parts.proxy()->index(row, column).data().toString());
+    }
+    return texts;
+}
+
+QStringList selectedNames(const BrowserParts& parts)
+{
+    QStringList names;
+    for (const QModelIndex& row : parts.list()->selectionModel()->selectedRows())
+        names.append(row.data().toString().section(' ', 0, 0));
+    names.sort();
+    return names;
+}
+
+} // namespace
+
+/// Rows that change in place when the folder was read again.
+class UpdateTest : public Test
+{
+    Q_OBJECT
+
+private slots:
+    void init()
+    {
+        AppSettings().clear();
+        m_folder = std::make_unique<QTemporaryDir>();
+    }
+
+    void followsRandomEdits_data()
+    {
+        QTest::addColumn<QString>("mode");
+        QTest::addColumn<int>("column");
+        QTest::addColumn<bool>("descending");
+        for (const char* mode : {"expanded", "collapsed", "split", "evaluated", "typed"}) {
+            for (const int column : {0, 1, 2})
+                QTest::addRow("%s %d", mode, column) << mode << column << (column == 1);
+        }
+        QTest::addRow("expanded descending") << "expanded" << 0 << true;
+    }
+
+    // In the end rows are those of a new listing, in its order. Rows that stay keep their selection.
+    void followsRandomEdits()
+    {
+        QFETCH(const QString, mode);
+        ByLetter evaluators[2];
+        std::mt19937 random(static_cast<unsigned>(qHash(mode)));
+        edit(random, 60);
+        BrowserWindow windows[2]{BrowserWindow(m_folder->path()), BrowserWindow(m_folder->path())};
+        for (BrowserWindow& window : windows) {
+            window.browser.setMultipleSelections(true);
+            if (mode == "evaluated")
+                window.browser.setFileSequenceEvaluator(&evaluators[&window - windows]);
+            if (mode == "expanded")
+                window.control<QCheckBox>("sequencesCheck")->click();
+            if (mode == "split")
+                window.control<QCheckBox>("splitCheck")->click();
+            if (mode == "typed")
+                window.type(m_folder->filePath("a"));
+            window.list()->sortByColumn(column(), order());
+            window.model()->refreshList();
+        }
+        const BrowserWindow& window = windows[0];
+        const BrowserWindow& fresh = windows[1];
+        for (const BrowserWindow& each : windows)
+            QTRY_VERIFY(isRead(each));
+        const auto reporting = QAbstractItemModelTester::FailureReportingMode::Warning;
+        const QAbstractItemModelTester model(window.model(), reporting);
+        const QAbstractItemModelTester proxy(window.proxy(), reporting);
+        const QSignalSpy resets(window.model(), &QAbstractItemModel::modelReset);
+        const PaintWatch paints(window);
+        for (int round = 0; round < 12; ++round) {
+            edit(random, round % 5 == 0 ? 60 : 4);
+            window.list()->clearSelection();
+            for (int row = 0; row < window.proxy()->rowCount(); row += 1 + static_cast<int>(random() % 3))
+                window.list()->selectionModel()->select(
+                    window.proxy()->index(row, 0), QItemSelectionModel::Select | QItemSelectionModel::Rows);
+            const QStringList selected = selectedNames(window);
+            QVERIFY(update(window));
+            fresh.model()->refreshList();
+            QTRY_VERIFY(isRead(fresh));
+            QTRY_COMPARE(cells(window), cells(fresh));
+            QStringList expected;
+            for (const QString& row : window.rows()) {
+                if (selected.contains(row.section(' ', 0, 0)))
+                    expected.append(row.section(' ', 0, 0));
+            }
+            expected.sort();
+            if (mode == "expanded" || mode == "collapsed")
+                QCOMPARE(selectedNames(window), expected);
+        }
+        QCOMPARE(resets.size(), 0);
+        QVERIFY(paints.paints > 0);
+        QCOMPARE(paints.blank, 0);
+    }
+
+    // What a person looks at, points at and has chosen stays in its place.
+    void keepsThePlace()
+    {
+        QVERIFY(SampleFiles::makeFrames(m_folder->path(), "f%03d.txt", 100, 400));
+        BrowserWindow window(m_folder->path());
+        window.browser.setMultipleSelections(true);
+        QTRY_COMPARE(window.rows().size(), 301);
+        QTRY_VERIFY(isRead(window));
+        for (const int column : {0, 1}) {
+            window.list()->sortByColumn(column, Qt::AscendingOrder);
+            window.list()->scrollTo(window.row(column == 0 ? "f200.txt" : "f201.txt"),
+                                    QAbstractItemView::PositionAtTop);
+            window.clickRow("f203.txt");
+            window.clickRow("f205.txt", Qt::ShiftModifier);
+            const bool opensMenu = column == 1; // which takes the mouse away
+            if (opensMenu)
+                window.clickRow("f204.txt", Qt::NoModifier, Qt::RightButton);
+            else
+                window.hover("f207.txt");
+            const QPoint place = window.place("f201.txt");
+            // Rows come above, in the selection and below, and the first that is seen goes.
+            const QByteArray suffix = QByteArray::number(column);
+            for (const char* name : {"a", "f1000.txt", "f203b.txt", "z"})
+                QVERIFY(SampleFiles::make(m_folder->path(), name + suffix, 5));
+            for (const char* name : {"f200.txt", "f150.txt", "f300.txt"})
+                QCOMPARE(QFile::remove(m_folder->filePath(name)), column == 0);
+            const PaintWatch paints(window);
+            QVERIFY(update(window));
+            QTRY_VERIFY(paints.paints > 0);
+            QCOMPARE(paints.blank, 0);
+            QCOMPARE(window.place("f201.txt"), place);
+            QCOMPARE(selectedNames(window), (QStringList{"f203.txt", "f204.txt", "f205.txt"}));
+            QCOMPARE(window.list()->currentIndex().data(), QVariant("f205.txt"));
+            const int hovered = window.model()->hoveredRow();
+            QVERIFY(opensMenu ||
+                    (hovered >= 0 && window.model()->displayName(hovered) == QString("f207.txt")));
+            QCOMPARE(window.menu()->items().size(), opensMenu ? 3 : 0);
+            window.menu()->close();
+            window.clickRow("f206.txt", Qt::ShiftModifier);
+            QCOMPARE(selectedNames(window).size(), column == 0 ? 5 : 4);
+        }
+    }
+
+    // Nothing else is chosen in place of what vanished.
+    void whatVanishesIsNotChosen()
+    {
+        QVERIFY(SampleFiles::make(m_folder->path(), {"a", "b", "c"}));
+        const BrowserWindow window(m_folder->path());
+        QTRY_VERIFY(isRead(window));
+        window.clickRow("b");
+        QCOMPARE(window.browser.acceptance(), FileBrowser::Acceptance::Open);
+        QSignalSpy choices(&window.browser, &FileBrowser::choiceChanged);
+        int files = 0;
+        connect(&window.browser, &FileBrowser::fileSelected, this, [&] { ++files; });
+        QVERIFY(update(window));
+        QCOMPARE(choices.size(), 0);
+        QVERIFY(QFile::remove(m_folder->filePath("b")));
+        QVERIFY(update(window));
+        QCOMPARE(window.rows(), (QStringList{"a", "c"}));
+        QVERIFY(!window.list()->selectionModel()->hasSelection());
+        QCOMPARE(window.list()->currentIndex().data(), QVariant("c"));
+        QCOMPARE(choices.size(), 1);
+        QCOMPARE(files, 0);
+        QCOMPARE(window.browser.acceptance(), FileBrowser::Acceptance::None);
+        QCOMPARE(window.edit()->text(), m_folder->filePath("b"));
+    }
+
+    void sequenceGrowsInItsRow()
+    {
+        QVERIFY(SampleFiles::makeFrames(m_folder->path(), "s.%02d.exr", 1, 5));
+        const BrowserWindow window(m_folder->path());
+        QTRY_VERIFY(isRead(window));
+        const auto toolTip = [&] { return window.proxy()->index(0, 0).data(Qt::ToolTipRole).toString(); };
+        QCOMPARE(toolTip(), "5 frames are empty: 1, 2, 3, 4, 5");
+        window.clickRow("s.##.exr 1-5");
+        int files = 0;
+        connect(&window.browser, &FileBrowser::fileSelected, this, [&] { ++files; });
+        window.edit()->setCursorPosition(4);
+        for (const char* name : {"s.02.exr", "s.07.exr", "s.10.exr", "s.11.exr"})
+            QVERIFY(SampleFiles::make(m_folder->path(), name, 7));
+        QVERIFY(update(window));
+        QCOMPARE(window.rows(), QStringList("s.##.exr 1-11 ( 1-5 7 10-11 )"));
+        QCOMPARE(selectedNames(window), QStringList("s.##.exr"));
+        QCOMPARE(toolTip(), "4 frames are empty: 1, 3, 4, 5\nMissing: 6, 8-9");
+        QCOMPARE(window.edit()->text(), m_folder->filePath("s.##.exr 1-11"));
+        QCOMPARE(window.edit()->cursorPosition(), 4);
+        QCOMPARE(files, 1);
+        QCOMPARE(window.browser.acceptance(), FileBrowser::Acceptance::Open);
+
+        // Typed in full, it stays when the range grows beyond what is typed. What is half typed stays too.
+        window.type(m_folder->filePath("s.##.exr 1-11"));
+        QTRY_COMPARE(selectedNames(window), QStringList("s.##.exr"));
+        QTRY_VERIFY(isRead(window));
+        QVERIFY(SampleFiles::makeFrames(m_folder->path(), "s.%02d.exr", 12, 30));
+        QVERIFY(update(window));
+        QCOMPARE(selectedNames(window), QStringList("s.##.exr"));
+        QVERIFY(toolTip().startsWith("23 frames are empty: 1, 3, 4, 5, 12, 13, 14, 15, \u2026\n"));
+        window.type(m_folder->filePath("s.##"));
+        QTRY_VERIFY(isRead(window));
+        QVERIFY(SampleFiles::make(m_folder->path(), {"s.31.exr", "t"}));
+        QVERIFY(update(window));
+        QCOMPARE(window.rows().size(), 1);
+        QVERIFY(window.rows().first().startsWith("s.##.exr 1-31"));
+        QCOMPARE(window.edit()->text(), m_folder->filePath("s.##"));
+    }
+
+    // Rows stay while the folder is gone, and change when it is there again, or another of its name.
+    void folderGoesAndReturns()
+    {
+        const QString folder = m_folder->filePath("renders");
+        const QString away = m_folder->filePath("away");
+        QVERIFY(QDir().mkdir(folder) && QDir().mkdir(away));
+        QVERIFY(SampleFiles::make(folder, {"a", "b"}) && SampleFiles::make(away, {"b", "c"}));
+        BrowserWindow window(folder);
+        QTRY_VERIFY(isRead(window));
+        const auto* problem = window.control<QLabel>("problemLabel");
+        window.clickRow("b");
+        for (const bool returns : {true, false}) {
+            QVERIFY(QDir().rename(folder, folder + "2"));
+            QVERIFY(!update(window));
+            QCOMPARE(window.rows(), (QStringList{"a", "b"}));
+            QVERIFY(problem->isVisible() && problem->text().startsWith("This folder can't be read: no such"));
+            QVERIFY(QDir().rename(returns ? folder + "2" : away, folder));
+            QVERIFY(update(window));
+            QVERIFY(!problem->isVisible());
+            QCOMPARE(selectedNames(window), QStringList("b"));
+        }
+        QCOMPARE(window.rows(), (QStringList{"b", "c"}));
+        // A folder that could not be read at first fills when it can.
+        QVERIFY(QDir(folder).removeRecursively());
+        window.model()->setDirectory(QDir(away), FileBrowser::SequenceMode::Collapsed, true);
+        QVERIFY(window.rows().isEmpty() && !update(window));
+        QVERIFY(QDir().mkdir(away) && SampleFiles::make(away, {"d"}));
+        QVERIFY(update(window));
+        QCOMPARE(window.rows(), QStringList("d"));
+    }
+
+    void evaluatorIsAskedOnceForEachState()
+    {
+        ByLetter evaluator;
+        QVERIFY(SampleFiles::make(m_folder->path(), {"a1", "b1", "b2"}));
+        BrowserWindow window(m_folder->path());
+        for (const bool makesOwnRows : {false, true}) {
+            evaluator.makesOwnRows = makesOwnRows;
+            window.browser.setFileSequenceEvaluator(&evaluator);
+            QTRY_VERIFY(isRead(window));
+            window.list()->setCurrentIndex(window.proxy()->index(0, 0));
+            PaintWatch paints(window);
+            evaluator.interrupt = [&] { window.browser.grab(); };
+            evaluator.asked = 0;
+            QVERIFY(update(window));
+            QCOMPARE(evaluator.asked, 0);
+            QVERIFY(SampleFiles::make(m_folder->path(), makesOwnRows ? "b4" : "b3"));
+            QVERIFY(update(window));
+            QCOMPARE(evaluator.asked, 1);
+            QCOMPARE(window.rows(), (QStringList{"a 1", makesOwnRows ? "b 4" : "b 3"}));
+            QCOMPARE(selectedNames(window), QStringList("a"));
+            QVERIFY(update(window));
+            QCOMPARE(evaluator.asked, 1);
+            QVERIFY(paints.paints > 0 && paints.blank == 0);
+        }
+        // Asked, it goes to another folder, or wants to be asked again.
+        const QTemporaryDir other;
+        QVERIFY(SampleFiles::make(other.path(), {"x"}) && SampleFiles::make(m_folder->path(), {"c"}));
+        evaluator.interrupt = [&] {
+            evaluator.interrupt = [] {};
+            window.browser.setSequencesEnabled(true);
+        };
+        QVERIFY(update(window));
+        QCOMPARE(window.rows().size(), 3);
+        evaluator.interrupt = [&] {
+            evaluator.interrupt = [] {};
+            window.browser.setDirectory(QDir(other.path()), false, true);
+        };
+        QVERIFY(SampleFiles::make(m_folder->path(), {"d"}));
+        QVERIFY(!update(window));
+        QTRY_COMPARE(window.rows(), QStringList("x 1"));
+    }
+
+    // Whatever else reads or builds the rows ends an update.
+    void updateGivesWay()
+    {
+        const QTemporaryDir other;
+        QVERIFY(SampleFiles::make(other.path(), {"x"}) && SampleFiles::make(m_folder->path(), {"a", "b"}));
+        BrowserWindow window(m_folder->path());
+        QTRY_VERIFY(isRead(window));
+        const std::function<void()> ways[] = {
+            [&] { window.model()->refreshList(); }, [&] { window.browser.setSequencesEnabled(true); },
+            [&] { window.browser.setDirectory(QDir(other.path()), false, true); }};
+        for (const auto& way : ways) {
+            QSignalSpy ends(window.model(), &FileBrowser::DirectoryModel::updated);
+            QVERIFY(window.model()->update() && !window.model()->update());
+            way();
+            QCOMPARE(ends.size(), 1);
+            QVERIFY(!ends.first().at(1).toBool());
+            QTRY_VERIFY(isRead(window));
+            QVERIFY(update(window));
+            QCOMPARE(ends.size(), 2);
+        }
+        QCOMPARE(window.rows(), QStringList("x"));
+        QVERIFY(window.model()->update());
+    }
+
+    // Those that vanish are scattered over many ranges.
+    void manyVanishAtOnce()
+    {
+        QVERIFY(SampleFiles::makeFrames(m_folder->path(), "f%04d.txt", 1, 3000));
+        BrowserWindow window(m_folder->path());
+        window.browser.setMultipleSelections(true);
+        QTRY_COMPARE(window.rows().size(), 3000);
+        QTRY_VERIFY(isRead(window));
+        window.list()->selectAll();
+        for (int frame = 1; frame <= 3000; frame += 2)
+            QVERIFY(QFile::remove(m_folder->filePath(QString::asprintf("f%04d.txt", frame))));
+        QSignalSpy removals(window.proxy(), &QAbstractItemModel::rowsRemoved);
+        QVERIFY(update(window));
+        QCOMPARE(removals.size(), 1);
+        QCOMPARE(window.rows().size(), 1500);
+        QCOMPARE(window.list()->selectionModel()->selectedRows().size(), 1500);
+    }
+
+private:
+    static int column()
+    {
+        QFETCH(const int, column);
+        return column;
+    }
+    static Qt::SortOrder order()
+    {
+        QFETCH(const bool, descending);
+        return descending ? Qt::DescendingOrder : Qt::AscendingOrder;
+    }
+
+    // Makes, resizes, removes and replaces files, frames and folders.
+    void edit(std::mt19937& random, int edits) const
+    {
+        for (int i = 0; i < edits; ++i) {
+            const auto number = static_cast<int>(random() % 20);
+            const char* const patterns[] = {"a.%04d.exr", "b%d.dpx", "B%d.dpx",
+                                            "c.%d.txt",   "a%d",     "d%03d.exr"};
+            const QString name = QString::asprintf(patterns[random() % std::size(patterns)], number);
+            const QString path = m_folder->filePath(name);
+            switch (random() % 8) {
+            case 0:
+                QDir(path).removeRecursively();
+                QFile::remove(path);
+                QVERIFY(QDir(m_folder->path()).mkdir(name));
+                break;
+            case 1:
+            case 2:
+            case 3:
+                QDir(path).removeRecursively();
+                QFile::remove(path);
+                break;
+            default:
+                QDir(path).removeRecursively();
+                QVERIFY(
+                    SampleFiles::make(m_folder->path(), name.toUtf8(), static_cast<int>(random() % 3000)));
+            }
+        }
+    }
+
+    std::unique_ptr<QTemporaryDir> m_folder;
+};
+
+QTEST_MAIN(UpdateTest)
+#include "UpdateTest.moc"
