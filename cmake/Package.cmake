@@ -50,7 +50,10 @@ timeline and disclosure buttons.
 
 This package has the library.")
 set(CPACK_DEBIAN_LIBRARY_PACKAGE_RECOMMENDS ${COREUI_PICTURES_PACKAGE})
-set(CPACK_DEBIAN_LIBRARY_PACKAGE_CONTROL_EXTRA ${PROJECT_SOURCE_DIR}/cmake/debian/triggers)
+# Only the library for Qt 5 has a link where the linker looks.
+if(COREUI_QT EQUAL 5)
+    set(CPACK_DEBIAN_LIBRARY_PACKAGE_CONTROL_EXTRA ${PROJECT_SOURCE_DIR}/cmake/debian/triggers)
+endif()
 
 coreui_package(development libdevel "file browser for image sequences with Qt ${COREUI_QT} - development"
 "Headers, CMake package, documents and examples of the CoreUI components.")
