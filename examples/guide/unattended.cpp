@@ -14,8 +14,19 @@ namespace {
 
 constexpr int ListingTime = 400; // milliseconds
 
+bool isListing(const QWidget* window)
+{
+    const auto* list = window->findChild<QTreeView*>(QStringLiteral("filesList"));
+    return list && !list->model()->index(0, 0).data().isValid();
+}
+
 void act()
 {
+    const QWidgetList windows = QApplication::topLevelWidgets();
+    if (std::any_of(windows.begin(), windows.end(), isListing)) {
+        QTimer::singleShot(ListingTime, act);
+        return;
+    }
     for (QWidget* window : QApplication::topLevelWidgets()) {
         auto* list = window->findChild<QTreeView*>(QStringLiteral("filesList"));
         const auto rows =

@@ -13,6 +13,9 @@ def act():
     for window in QtWidgets.QApplication.topLevelWidgets():
         view = window.findChild(QtWidgets.QTreeView, "filesList")
         if view:
+            if view.model().index(0, 0).data() is None:  # it is listing
+                QtCore.QTimer.singleShot(LISTING_TIME, act)
+                return
             rows = view.model().match(view.model().index(0, 0), QtCore.Qt.ItemDataRole.DisplayRole, "shot.")
             if rows:
                 view.setCurrentIndex(rows[0])
