@@ -18,10 +18,6 @@ FileBrowser::FilesList::FilesList(DirectoryModel* model, ProxyModel* proxy)
 {
     constexpr int SmallestSide = 250;
     setItemDelegate(new LegibleDelegate(this));
-    // Kerning and ligatures would take a third of each paint. Names that need shaping to be read get it.
-    QFont font;
-    font.setStyleStrategy(QFont::PreferNoShaping);
-    setFont(font);
     setUniformRowHeights(true);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
     setSelectionBehavior(SelectRows);

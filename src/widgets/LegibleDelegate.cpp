@@ -1,5 +1,6 @@
 #include "widgets/LegibleDelegate.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace Halvern::UI {
@@ -33,12 +34,23 @@ QColor softened(const QColor& colour, const QColor& base)
                             mixed(colour.blueF(), base.blueF()));
 }
 
+// Latin text does not: without shaping it lacks kerning and ligatures only.
+bool needsShaping(const QString& text)
+{
+    constexpr ushort FirstMark = 0x300; // combining marks, and other scripts after them
+    return std::any_of(text.begin(), text.end(), [](QChar c) { return c.unicode() >= FirstMark; });
+}
+
 } // namespace
 
 void LegibleDelegate::initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const
 {
     constexpr double LeastContrast = 4.5;
     QStyledItemDelegate::initStyleOption(option, index);
+    // Shaping takes a third of each paint.
+    if (!needsShaping(option->text))
+        option->font.setStyleStrategy(
+            QFont::StyleStrategy(option->font.styleStrategy() | QFont::PreferNoShaping));
     if (option->backgroundBrush.style() == Qt::NoBrush)
         return;
     const QColor background =

@@ -39,16 +39,16 @@ private slots:
     // Before the others, which leave a namespace to all browsers.
     void nonsenseGivesDefaults()
     {
-        // No value, a list of 2^31 elements, and lists in lists.
+        // Lists in lists, a list of 2^31 elements, and no value.
         const QByteArray nested = QByteArray("\\0\\0\\0\\t\\0\\0\\0\\0\\x1").repeated(200000);
         for (const QByteArray& value :
-             {QByteArray("@Invalid()"), QByteArray("@Variant(\\0\\0\\0\\t\\x7f\\xff\\xff\\xff)"),
-              QByteArray("@Variant(" + nested + ')')}) {
+             {"@Variant(" + nested + ')', QByteArray("@Variant(\\0\\0\\0\\t\\x7f\\xff\\xff\\xff)"),
+              QByteArray("@Invalid()")}) {
             QFile settings(AppSettings::FilePath());
             QVERIFY(settings.open(QIODevice::WriteOnly));
             settings.write("[FileBrowser]\norderlogicalindex=" + value + "\ndirectory=" + value +
                            "\npreview=" + value +
-                           "\nsortorder=z\nsequences=maybe\nsplitsequences=\nsize=@Size(30000 30000)\n"
+                           "\nsortorder=99\nsequences=maybe\nsplitsequences=\nsize=@Size(30000 30000)\n"
                            "noise\n\xff\xfe=\nodd\\orderlogicalindex=-7\nodd\\directory=/nowhere/at/all\n"
                            "resources\\directory=:\n[Other]\nkey=" +
                            value + '\n');
