@@ -199,7 +199,7 @@ int main(int argc, char** argv)
         list.sortBy(byName ? 0 : 2, byName ? Qt::AscendingOrder : Qt::DescendingOrder);
         std::vector<double> added;
         for (int round = 0; round < rounds; ++round) {
-            QFile file(folder.filePath(QStringLiteral("new_%1_%2").arg(byName).arg(round)));
+            QFile file(folder.filePath(QStringLiteral("new_%1_%2.exr").arg(byName).arg(round)));
             if (!file.open(QIODevice::WriteOnly))
                 return 2;
             added.push_back(list.timeUpdate());

@@ -69,8 +69,8 @@ public:
     /// Why the last update failed: an error number of the system, 0 if it succeeded or the directory was read
     /// since. The rows are those of the last state that could be read.
     int updateError() const { return m_update.error(); }
-    /// Whether rows are shown in the order of the model, and all of them (default: yes). Then update() can
-    /// bring a few ranges of rows one by one, which is the fastest.
+    /// Whether rows are shown in the order of the model (default: yes). Then update() can bring a few ranges
+    /// of rows one by one, which is the fastest.
     void setShownAsOrdered(bool shown) { m_shownAsOrdered = shown; }
     void resetModel();
     /// Announces the cells from @p topLeft to @p bottomRight as changed.

@@ -274,7 +274,8 @@ QModelIndex FileBrowser::FilesList::nextStaying(QModelIndex index, const RowChan
 void FileBrowser::FilesList::beginUpdate(const RowChanges& changes)
 {
     m_held = nextStaying(indexAt(viewport()->rect().topLeft()), changes);
-    m_heldTop = std::min(visualRect(m_held).top(), viewport()->height());
+    const QRect held = visualRect(m_held);
+    m_heldTop = held.intersects(viewport()->rect()) ? held.top() : 0;
     const QModelIndex current = currentIndex();
     const QModelIndex next = nextStaying(current, changes);
     if (next == current)

@@ -35,7 +35,7 @@ FileBrowser::ProxyModel::ProxyModel(DirectoryModel* source, QObject* parent)
     connect(m_model, SIGNAL(layoutChanged()), this, SLOT(arrange()));
     connect(m_model, &DirectoryModel::rowsAboutToBeUpdated, this, &ProxyModel::beginUpdate);
     connect(m_model, &DirectoryModel::rowsUpdated, this, &ProxyModel::endUpdate);
-    connect(m_model, &DirectoryModel::entriesReplaced, this, &ProxyModel::noteAttributes);
+    connect(m_model, &DirectoryModel::entriesReplaced, this, &ProxyModel::noteEntries);
     connect(this, SIGNAL(layoutAboutToBeChanged()), this, SLOT(readNewKeys()));
     setSourceModel(m_model);
 }
@@ -86,12 +86,11 @@ void FileBrowser::ProxyModel::sortAgain()
 // Rows that come and go one by one are put where the source has them. Keys of other rows must not decide.
 void FileBrowser::ProxyModel::beginUpdate()
 {
-    const bool isFiltered = !m_nameFilter.text().isEmpty() || !m_namePrefix.empty();
     const bool byName = sortColumn() == DirectoryModel::NameColumn && sortOrder() == Qt::AscendingOrder;
-    m_model->setShownAsOrdered(!isFiltered && (byName || sortColumn() < 0));
+    m_model->setShownAsOrdered(byName || sortColumn() < 0);
     m_keys.clear();
     m_keysAreOld = false; // arrange() reads them, or the end of the update tells that they are old
-    m_isArranged = false;
+    m_isArranged = m_namesChanged = false;
 }
 
 void FileBrowser::ProxyModel::arrange()
@@ -100,13 +99,24 @@ void FileBrowser::ProxyModel::arrange()
     m_isArranged = true;
 }
 
-// Without a layout change of the source: rows may have other names, which decide about filter and order, and
-// other attributes.
+// A sequence that has other frames may begin with what is typed from now on, or not any more.
+void FileBrowser::ProxyModel::noteEntries(const std::vector<FileInfo*>& before,
+                                          const std::vector<FileInfo*>& after)
+{
+    noteAttributes();
+    const bool isFiltered = !m_nameFilter.text().isEmpty() || !m_namePrefix.empty();
+    const bool mayPassOtherwise = isFiltered && !m_isArranged;
+    for (std::size_t row = 0; mayPassOtherwise && !m_namesChanged && row < before.size(); ++row)
+        m_namesChanged = before[row] && after[row] && before[row]->isSequence() &&
+                         std::strcmp(before[row]->displayName(), after[row]->displayName()) != 0;
+}
+
+// Without a layout change of the source, names and attributes may yet decide otherwise.
 void FileBrowser::ProxyModel::endUpdate()
 {
     if (m_isArranged)
         return;
-    if (!m_namePrefix.empty() || !m_nameFilter.text().isEmpty())
+    if (m_namesChanged)
         invalidate();
     else if (isSortedByAttribute() || !m_model->isInNameOrder())
         sortAgain();

@@ -51,6 +51,7 @@ private slots:
     void readNewKeys();
     void beginUpdate();
     void arrange();
+    void noteEntries(const std::vector<FileInfo*>& before, const std::vector<FileInfo*>& after);
     void endUpdate();
 
 private:
@@ -78,7 +79,9 @@ private:
     std::vector<RowKey> m_keys; // of the source rows, none during a read
     bool m_keysAreOld = false;
     bool m_fromSourceOrder = false; // sorting gives what it gives if rows stand as in the source before
-    bool m_isArranged = false;      // in this update of the model
+    // In this update of the model:
+    bool m_isArranged = false;   // by a layout change
+    bool m_namesChanged = false; // those of rows that stay, while rows are filtered
 };
 
 } // namespace Halvern::UI

@@ -126,7 +126,7 @@ private slots:
         QTest::addColumn<QString>("mode");
         QTest::addColumn<int>("column");
         QTest::addColumn<bool>("descending");
-        for (const char* mode : {"expanded", "collapsed", "split", "evaluated", "typed"}) {
+        for (const char* mode : {"expanded", "collapsed", "split", "evaluated", "typed", "filtered"}) {
             for (const int column : {0, 1, 2})
                 QTest::addRow("%s %d", mode, column) << mode << column << (column == 1);
         }
@@ -151,6 +151,8 @@ private slots:
                 window.control<QCheckBox>("splitCheck")->click();
             if (mode == "typed")
                 window.type(m_folder->filePath("a"));
+            if (mode == "filtered")
+                window.control<QComboBox>("filterCombo")->setEditText("*.exr *.txt");
             window.list()->sortByColumn(column(), order());
             window.model()->refreshList();
         }
