@@ -9,10 +9,11 @@ using namespace Halvern::UI;
 
 namespace {
 
-std::vector<RowKey> files(const std::vector<std::string>& names)
+// The names are borrowed.
+std::vector<RowKey> files(const std::vector<std::string_view>& names)
 {
     std::vector<RowKey> keys;
-    std::transform(names.begin(), names.end(), std::back_inserter(keys), [](const std::string& name) {
+    std::transform(names.begin(), names.end(), std::back_inserter(keys), [](std::string_view name) {
         return RowKey{RowKey::File, name};
     });
     return keys;
@@ -64,23 +65,24 @@ private slots:
     {
         std::mt19937 random(7);
         for (int round = 0; round < 300; ++round) {
-            std::vector<std::string> before;
-            std::vector<std::string> after;
-            for (char name = 'a'; name < 'p'; ++name) {
+            std::vector<std::string_view> before;
+            std::vector<std::string_view> after;
+            const std::string_view letters = "abcdefghijklmno";
+            for (std::size_t i = 0; i < letters.size(); ++i) {
                 if (random() % 3 != 0)
-                    before.emplace_back(1, name);
+                    before.push_back(letters.substr(i, 1));
                 if (random() % 3 != 0)
-                    after.emplace_back(1, name);
+                    after.push_back(letters.substr(i, 1));
             }
             const bool shuffles = round % 3 == 0;
             if (shuffles)
                 std::shuffle(after.begin(), after.end(), random);
             const RowChanges changes(files(before), files(after));
-            std::vector<std::string> rows = before;
+            std::vector<std::string_view> rows = before;
             const auto vanishing = changes.vanishing();
             for (auto range = vanishing.rbegin(); range != vanishing.rend(); ++range)
                 rows.erase(rows.begin() + range->first, rows.begin() + range->first + range->count);
-            const std::vector<std::string> staying = rows;
+            const std::vector<std::string_view> staying = rows;
             for (const auto& range : changes.added())
                 rows.insert(rows.begin() + range.first, after.begin() + range.first,
                             after.begin() + range.first + range.count);
