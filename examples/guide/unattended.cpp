@@ -1,6 +1,7 @@
-// Linked into the programs of the guide, so that the tests can run them. If GUIDE_UNATTENDED is in the
-// environment, it acts as a user: it chooses a sequence or presses a key on a slider, and ends the program.
-// The value is the time until then in milliseconds, if the program needs more than a listing takes.
+// Linked into the programs of the guide, so that the tests can run them, or loaded before them. If
+// GUIDE_UNATTENDED is in the environment, it acts as a user: it chooses a sequence or presses a key on a
+// slider, and ends the program. The value is the time until then in milliseconds, if the program needs more
+// than a listing takes.
 
 #include <QApplication>
 #include <QDialog>
@@ -8,7 +9,6 @@
 #include <QTimer>
 #include <QTreeView>
 #include <algorithm>
-#include <widgets/FrameSlider.h>
 
 namespace {
 
@@ -35,7 +35,8 @@ void act()
         if (!rows.isEmpty())
             list->setCurrentIndex(rows.first());
     }
-    if (auto* slider = qobject_cast<FrameSlider*>(QApplication::topLevelWidgets().value(0))) {
+    QWidget* slider = QApplication::topLevelWidgets().value(0);
+    if (slider && slider->inherits("FrameSlider")) {
         for (const Qt::Key key : {Qt::Key_Right, Qt::Key_I}) {
             QKeyEvent press(QEvent::KeyPress, key, Qt::NoModifier);
             QCoreApplication::sendEvent(slider, &press);
