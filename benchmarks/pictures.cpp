@@ -1,13 +1,11 @@
 // Times the preview pane beside OpenImageIO that reads and resizes the same files in this program.
-// Usage: pictures-benchmark [PICTURES], of which as many are read to watch the memory, 10,000 by default.
+// Usage: pictures-benchmark [selection | scrubbing | memory]..., all of them by default.
 // Exit status: 0 if every row holds, 1 if not, 2 if the files can't be written.
 
 #include "Measuring.h"
 #include "MemoryWatch.h"
 #include "dialog/FilePreview.h"
 #include "dialog/Preview.h"
-#include "pictures/PictureCache.h"
-#include "pictures/PictureReader.h"
 #include "widgets/FrameSlider.h"
 
 #include <OpenImageIO/imagebufalgo.h>
@@ -16,6 +14,7 @@
 #include <QFile>
 #include <QLabel>
 #include <QTemporaryDir>
+#include <QThread>
 #include <atomic>
 #include <cstdio>
 #include <cstdlib>
@@ -30,6 +29,7 @@ namespace {
 
 constexpr int Rounds = 7;
 constexpr int ScrubbedFrames = 100;
+constexpr int WatchedPictures = 10000;
 constexpr double MostOfOiio = 1.25;
 constexpr double MostFromCache = 2;          // milliseconds
 constexpr double MostOfAllCores = 1 / 0.9;   // times as long for a picture
@@ -62,7 +62,7 @@ bool write(const QString& file, const Kind& kind, int width, int height)
     return output && output->open(file.toStdString(), spec) && picture.write(output.get());
 }
 
-// What an application without the pane would do.
+// What an application without the pane would do, with the filter that is used for the pane.
 bool readAndResize(const std::string& file, const QSize& room, int threads)
 {
     OIIO::ImageBuf picture(file);
@@ -70,25 +70,26 @@ bool readAndResize(const std::string& file, const QSize& room, int threads)
         return false;
     const QSize size = QSize(picture.spec().width, picture.spec().height).scaled(room, Qt::KeepAspectRatio);
     const OIIO::ROI roi(0, size.width(), 0, size.height(), 0, 1, 0, picture.nchannels());
-    const OIIO::ImageBuf small = OIIO::ImageBufAlgo::resize(picture, "", 0, roi, threads);
+    const OIIO::ImageBuf small = OIIO::ImageBufAlgo::resize(picture, "box", 0, roi, threads);
     std::vector<unsigned char> pixels(size_t(roi.npixels()) * size_t(roi.nchannels()));
     return small.get_pixels(roi, OIIO::TypeDesc::UINT8, pixels.data());
 }
 
 /// A visible pane.
-class Pane
+class Pane : public QObject
 {
 public:
     Pane()
         : m_pane(nullptr, 0)
         , m_label(*m_pane.findChild<QLabel*>(QStringLiteral("label")))
         , m_surface(*m_pane.findChild<FilePreview::Preview*>())
+        , m_slider(*m_pane.findChild<FrameSlider*>())
     {
+        m_surface.installEventFilter(this);
         m_pane.resize(960, 600);
         m_pane.show();
-        auto* dispatcher = QAbstractEventDispatcher::instance();
-        QObject::connect(dispatcher, &QAbstractEventDispatcher::awake, &m_pane, [this] { m_turn.start(); });
-        QObject::connect(dispatcher, &QAbstractEventDispatcher::aboutToBlock, &m_pane, [this] { endTurn(); });
+        while (QCoreApplication::eventDispatcher()->processEvents(QEventLoop::AllEvents)) {
+        }
     }
 
     QSize room() const { return m_surface.room(); }
@@ -108,38 +109,47 @@ public:
     double scrub(const QString& sequence)
     {
         show(sequence);
-        auto& slider = *m_pane.findChild<FrameSlider*>();
         m_longest = 0;
         QElapsedTimer timer;
         timer.start();
         for (int frame = 1; frame <= ScrubbedFrames; ++frame) {
-            slider.setValue(frame);
+            m_slider.setValue(frame);
             m_pane.gotoFrame(frame);
             waitFor(QStringLiteral("frame %1 of").arg(frame));
         }
         return milliseconds(timer) / ScrubbedFrames;
     }
 
-private:
-    void waitFor(const QString& words)
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override
     {
-        while (!m_label.text().contains(words))
-            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
-        endTurn();
-        m_surface.repaint();
+        if (watched == &m_surface && event->type() == QEvent::Paint)
+            m_isPainted = m_label.text().contains(m_words);
+        return false;
     }
 
-    void endTurn()
+private:
+    // Waits until the label says these words and the surface was painted after it.
+    void waitFor(const QString& words)
     {
-        if (m_turn.isValid())
-            m_longest = std::max(m_longest, milliseconds(m_turn));
-        m_turn.invalidate();
+        m_words = words;
+        m_isPainted = false;
+        while (!m_isPainted) {
+            QElapsedTimer turn;
+            turn.start();
+            const bool wasBusy = QCoreApplication::eventDispatcher()->processEvents(QEventLoop::AllEvents);
+            m_longest = std::max(m_longest, milliseconds(turn));
+            if (!wasBusy)
+                QThread::usleep(50);
+        }
     }
 
     FilePreview m_pane;
     QLabel& m_label;
     FilePreview::Preview& m_surface;
-    QElapsedTimer m_turn;
+    FrameSlider& m_slider;
+    QString m_words;
+    bool m_isPainted = false;
     double m_longest = 0;
 };
 
@@ -152,8 +162,9 @@ QString anotherName(const QString& file, const QString& name)
     return link;
 }
 
-bool compareSelection(Pane& pane, const QString& file, const char* name)
+bool compareSelection(Pane& pane, const QString& file)
 {
+    const QString name = QFileInfo(file).completeBaseName();
     std::vector<double> ours;
     std::vector<double> theirs;
     std::vector<double> cached;
@@ -172,7 +183,7 @@ bool compareSelection(Pane& pane, const QString& file, const char* name)
     }
     for (auto* times : {&ours, &theirs, &cached})
         times->erase(times->begin()); // not warm
-    std::printf("%s: %.1f ms, OpenImageIO %.1f ms\n", name, median(ours), median(theirs));
+    std::printf("%s: %.1f ms, OpenImageIO %.1f ms\n", qPrintable(name), median(ours), median(theirs));
     const bool fast = Measuring::printVerdict("  to OpenImageIO", median(ours) / median(theirs), MostOfOiio);
     return Measuring::printVerdict("  from the cache, ms", median(cached), MostFromCache) && fast;
 }
@@ -219,23 +230,17 @@ bool compareScrubbing(Pane& pane, const QString& file)
            fast;
 }
 
-bool watchMemory(const QString& file, int pictures)
+// Scrubs through more frames than the cache holds, so that each picture is read.
+bool watchMemory(Pane& pane, const QString& file)
 {
-    constexpr int PicturesARound = 100;
-    PictureReader reader;
-    PictureCache cache(16);
-    int answers = 0;
-    QObject::connect(&reader, &PictureReader::pictureRead, [&](const Picture& picture) {
-        cache.insert(picture);
-        ++answers;
-    });
-    MemoryWatch watch("rounds of 100 pictures", pictures / PicturesARound, AllowedGrowth);
-    for (int i = 1; i <= pictures; ++i) {
-        reader.read(file, QSize(160 + i % 7, 90));
-        while (answers < i)
-            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
-        if (i % PicturesARound == 0)
-            watch.finishRound(i / PicturesARound);
+    for (int frame = 1; frame <= 2 * ScrubbedFrames; ++frame)
+        anotherName(file, QString::asprintf("memory%d.%04d.png", frame % 2, (frame + 1) / 2));
+    constexpr int rounds = WatchedPictures / ScrubbedFrames;
+    MemoryWatch watch("rounds of 100 pictures", rounds, AllowedGrowth);
+    for (int round = 1; round <= rounds; ++round) {
+        pane.scrub(QFileInfo(file).path() +
+                   QStringLiteral("/memory%1.####.png 1-%2").arg(round % 2).arg(ScrubbedFrames));
+        watch.finishRound(round);
     }
     return watch.isSteady();
 }
@@ -246,29 +251,38 @@ int main(int argc, char** argv)
 {
     const QApplication application(argc, argv);
     const QTemporaryDir folder;
-    const int pictures = argc > 1 ? std::atoi(argv[1]) : 10000;
+    const QStringList parts = QCoreApplication::arguments().mid(1);
+    const auto isWanted = [&](const char* part) {
+        return parts.isEmpty() || parts.contains(QLatin1String(part));
+    };
     const Kind kinds[] = {{"EXR half zip", "exr", OIIO::TypeDesc::HALF, "zip", 4},
                           {"EXR half piz", "exr", OIIO::TypeDesc::HALF, "piz", 4},
                           {"DPX 10 bit", "dpx", OIIO::TypeDesc::UINT16, "", 3},
                           {"PNG", "png", OIIO::TypeDesc::UINT8, "", 4},
                           {"JPEG", "jpg", OIIO::TypeDesc::UINT8, "", 3}};
+    const auto written = [&](const Kind& kind, const QSize& size) {
+        QString file = folder.filePath(QStringLiteral("%1 %2 x %3.%4")
+                                           .arg(kind.name)
+                                           .arg(size.width())
+                                           .arg(size.height())
+                                           .arg(kind.extension));
+        if (!write(file, kind, size.width(), size.height())) {
+            std::fprintf(stderr, "pictures-benchmark: %s can't be written\n", qPrintable(file));
+            std::exit(2);
+        }
+        return file;
+    };
     Pane pane;
-    QCoreApplication::processEvents();
     bool holds = true;
     for (const QSize size : {QSize(1920, 1080), QSize(4096, 2160)}) {
         for (const Kind& kind : kinds) {
-            const QString name =
-                QStringLiteral("%1 %2 x %3").arg(kind.name).arg(size.width()).arg(size.height());
-            const QString file = folder.filePath(name + QLatin1Char('.') + QLatin1String(kind.extension));
-            if (!write(file, kind, size.width(), size.height())) {
-                std::fprintf(stderr, "pictures-benchmark: %s can't be written\n", qPrintable(file));
-                return 2;
-            }
-            holds = compareSelection(pane, file, qPrintable(name)) && holds;
+            if (isWanted("selection"))
+                holds = compareSelection(pane, written(kind, size)) && holds;
         }
     }
-    holds = compareScrubbing(pane, folder.filePath(QStringLiteral("EXR half zip 1920 x 1080.exr"))) && holds;
-    const QString small = folder.filePath(QStringLiteral("small.png"));
-    holds = write(small, kinds[3], 320, 180) && watchMemory(small, pictures) && holds;
+    if (isWanted("scrubbing"))
+        holds = compareScrubbing(pane, written(kinds[0], {1920, 1080})) && holds;
+    if (isWanted("memory"))
+        holds = watchMemory(pane, written(kinds[3], {960, 540})) && holds;
     return holds ? 0 : 1;
 }
