@@ -1,11 +1,12 @@
 #include "pictures/program/OiioColour.h"
 
 #include <OpenColorIO/OpenColorIO.h>
-#include <OpenImageIO/imagebufalgo.h>
-#include <OpenImageIO/imagebufalgo_util.h>
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <cstdlib>
+#include <cstring>
+#include <vector>
 
 namespace Halvern::UI {
 
@@ -43,6 +44,7 @@ OiioColour configuredColour(const std::string& path)
     const char* view = display ? config.getDefaultViewName(display) : nullptr;
     if (display && view)
         colour.processor = config.createDisplayTransform(display, view, colour.space);
+    colour.transfer = OiioColour::Configured;
     if (!colour.processor)
         colour.error =
             "The OCIO configuration does not show \"" + colour.space + "\" on its default display.";
@@ -58,18 +60,82 @@ bool isFilm(const ImageSpec& spec, const std::string& space)
            (spec.find_attribute("dpx:Version") || spec.find_attribute("cineon:Version"));
 }
 
-// Calls change(first float of a pixel) for every pixel, on several threads.
-template <class Change>
-void forEachPixel(ImageBuf& picture, Change change)
+float srgbOfLight(float light)
 {
-    const int channels = picture.nchannels();
-    ImageBufAlgo::parallel_image(picture.roi(), [&](ROI roi) {
-        for (int y = roi.ybegin; y < roi.yend; ++y) {
-            auto* pixel = static_cast<float*>(picture.pixeladdr(roi.xbegin, y));
-            for (int x = roi.xbegin; x < roi.xend; ++x, pixel += channels)
-                change(pixel);
+    return light <= 0.0031308F ? 12.92F * light : 1.055F * std::pow(light, 1 / 2.4F) - 0.055F;
+}
+
+std::uint32_t bitsOf(float number)
+{
+    std::uint32_t bits = 0;
+    std::memcpy(&bits, &number, sizeof bits);
+    return bits;
+}
+
+// The sRGB of light, from a table with an entry for each half float between 1/8192 and 1.
+class LightTable
+{
+public:
+    LightTable()
+        : m_entries(((bitsOf(1) - bitsOf(Least)) >> Dropped) + 1)
+    {
+        for (std::uint32_t i = 0; i < m_entries.size(); ++i) {
+            const std::uint32_t bits = bitsOf(Least) + (i << Dropped) + (1U << Dropped) / 2;
+            float light = 0;
+            std::memcpy(&light, &bits, sizeof light);
+            m_entries[i] = srgbOfLight(light);
         }
-    });
+    }
+
+    float operator()(float light) const
+    {
+        if (light < Least)
+            return std::max(0.0F, srgbOfLight(light));
+        return light < 1 ? m_entries[(bitsOf(light) - bitsOf(Least)) >> Dropped] : 1;
+    }
+
+private:
+    static constexpr float Least = 1.0F / 8192;
+    static constexpr int Dropped = 13; // bits of a float's mantissa that a half float does not have
+    std::vector<float> m_entries;
+};
+
+// The sRGB of a film's printing density, which is a 10-bit code value divided by 1023. Code value 95 is black
+// and 685 is white. From a table with an entry for each eighth of a code value.
+class FilmTable
+{
+public:
+    FilmTable()
+        : m_entries(Last + 1)
+    {
+        constexpr float black = 95;
+        constexpr float white = 685;
+        constexpr float exponentOfACode = 0.002F / 0.6F; // density of a code value / gamma of the film
+        const auto lightOf = [](float code) { return std::pow(10.0F, (code - white) * exponentOfACode); };
+        const float darkest = lightOf(black);
+        for (int i = 0; i <= Last; ++i) {
+            const float light = (lightOf(float(i) / 8) - darkest) / (1 - darkest);
+            m_entries[size_t(i)] = srgbOfLight(std::clamp(light, 0.0F, 1.0F));
+        }
+    }
+
+    float operator()(float density) const
+    {
+        return m_entries[size_t(std::clamp(density, 0.0F, 1.0F) * Last + Rounding)];
+    }
+
+private:
+    static constexpr int Last = 1023 * 8;
+    static constexpr float Rounding = 0.5F;
+    std::vector<float> m_entries;
+};
+
+template <class Table>
+void applyTable(float* rgba, int count)
+{
+    static const Table table;
+    for (const float* end = rgba + std::ptrdiff_t(count) * 4; rgba < end; rgba += 4)
+        std::transform(rgba, rgba + 3, rgba, [](float value) { return table(value); });
 }
 
 } // namespace
@@ -81,53 +147,45 @@ OiioColour findColour(const std::string& path, const ImageSpec& spec)
         return configuredColour(path);
     OiioColour colour;
     const std::string space = spec.get_string_attribute("oiio:ColorSpace");
-    colour.isCineon = isFilm(spec, space);
     const bool isLinear = space.empty() ? spec.format.is_floating_point()
                                         : iequals(space, "Linear") || iequals(space, "scene_linear");
-    if (isLinear || colour.isCineon)
-        colour.processor = configuration().createColorProcessor("linear", "sRGB");
-    if (colour.isCineon)
+    if (isFilm(spec, space)) {
+        colour.transfer = OiioColour::Film;
         colour.space = "Cineon log";
-    else if (isLinear)
+    } else if (isLinear) {
+        colour.transfer = OiioColour::Light;
         colour.space = "linear";
-    else
+    } else {
         colour.space = space;
+    }
     return colour;
 }
 
-float lightOfCineon(float density)
+void applyColour(float* rgba, int count, const OiioColour& colour, bool hasAlpha)
 {
-    constexpr float black = 95;
-    constexpr float white = 685;
-    constexpr float exponentOfACode = 0.002F / 0.6F; // density of a code value / gamma of the film
-    const auto light = [](float code) { return std::pow(10.0F, (code - white) * exponentOfACode); };
-    static const float darkest = light(black);
-    return std::max(0.0F, (light(density * 1023) - darkest) / (1 - darkest));
-}
-
-bool applyColour(ImageBuf& picture, const OiioColour& colour, bool hasAlpha)
-{
-    forEachPixel(picture, [](float* pixel) {
-        for (int i = 0; i < 4; ++i)
-            pixel[i] = std::isnan(pixel[i]) ? 0 : std::clamp(pixel[i], -LargestHalf, LargestHalf);
+    float* end = rgba + std::ptrdiff_t(count) * 4;
+    std::transform(rgba, end, rgba, [](float value) {
+        return std::isnan(value) ? 0 : std::clamp(value, -LargestHalf, LargestHalf);
     });
-    if (!colour.processor)
-        return true;
-    if (hasAlpha && !ImageBufAlgo::unpremult(picture, picture))
-        return false;
-    if (colour.isCineon) {
-        forEachPixel(picture, [](float* pixel) { std::transform(pixel, pixel + 3, pixel, lightOfCineon); });
-    }
-    if (!ImageBufAlgo::colorconvert(picture, picture, colour.processor.get(), false))
-        return false;
-    if (!hasAlpha)
-        return true;
-    forEachPixel(picture, [](float* pixel) {
-        for (int i = 0; i < 4; ++i)
-            pixel[i] = std::clamp(pixel[i], 0.0F, 1.0F);
-    });
+    if (colour.transfer == OiioColour::None)
+        return;
     // Light without alpha, a glow or a sky, stays.
-    return ImageBufAlgo::repremult(picture, picture);
+    for (float* pixel = rgba; hasAlpha && pixel < end; pixel += 4) {
+        if (pixel[3] != 0)
+            std::for_each(pixel, pixel + 3, [pixel](float& value) { value /= pixel[3]; });
+    }
+    if (colour.transfer == OiioColour::Film)
+        applyTable<FilmTable>(rgba, count);
+    else if (colour.transfer == OiioColour::Light)
+        applyTable<LightTable>(rgba, count);
+    else
+        colour.processor->apply(rgba, count, 1, 4, sizeof(float), 4 * sizeof(float),
+                                stride_t(count) * 4 * stride_t(sizeof(float)));
+    for (float* pixel = rgba; hasAlpha && pixel < end; pixel += 4) {
+        std::transform(pixel, pixel + 4, pixel, [](float value) { return std::clamp(value, 0.0F, 1.0F); });
+        if (pixel[3] != 0)
+            std::for_each(pixel, pixel + 3, [pixel](float& value) { value *= pixel[3]; });
+    }
 }
 
 } // namespace Halvern::UI

@@ -33,24 +33,28 @@ bool isReadable(const ImageSpec& spec)
            spec.nchannels > 0 && spec.tile_depth <= 1;
 }
 
-// The four channels of a display, of those that were read.
-ImageBuf displayChannels(const ImageBuf& scaled, const OiioPart& part)
+// A byte for each channel, and an alpha that is never below a colour.
+void copyRow(const float* rgba, uchar* to, int count)
 {
-    const float opaque[] = {0, 0, 0, 1};
-    ImageBuf picture = ImageBufAlgo::channels(scaled, 4, part.channels, opaque);
-    picture.specmod().alpha_channel = part.hasAlpha() ? 3 : -1;
-    return picture;
+    constexpr float Rounding = 0.5F;
+    for (int i = 0; i < count; ++i, rgba += 4, to += 4) {
+        std::transform(rgba, rgba + 4, to,
+                       [](float value) { return uchar(std::clamp(value, 0.0F, 1.0F) * 255 + Rounding); });
+        to[3] = *std::max_element(to, to + 4);
+    }
 }
 
-// Bytes that are multiplied by alpha and never above it.
-void setPixels(Answer& answer, const ImageBuf& picture)
+// The pixels of a file that is to be turned before it is shown, as the Orientation of Exif says.
+void turn(Answer& answer, int orientation)
 {
-    answer.size = {picture.spec().width, picture.spec().height};
-    answer.pixels.resize(answer.size.width() * answer.size.height() * 4);
-    picture.get_pixels(picture.roi(), TypeDesc::UINT8, answer.pixels.data());
-    auto* bytes = reinterpret_cast<uchar*>(answer.pixels.data());
-    for (auto alpha = answer.pixels.size() - 1; alpha > 0; alpha -= 4)
-        bytes[alpha] = std::max({bytes[alpha - 3], bytes[alpha - 2], bytes[alpha - 1], bytes[alpha]});
+    ImageBuf picture(ImageSpec(answer.size.width(), answer.size.height(), 4, TypeDesc::UINT8),
+                     answer.pixels.data());
+    picture.specmod().attribute("Orientation", orientation);
+    const ImageBuf turned = ImageBufAlgo::reorient(picture);
+    answer.size = {turned.spec().width, turned.spec().height};
+    QByteArray pixels(answer.pixels.size(), Qt::Uninitialized);
+    turned.get_pixels(turned.roi(), TypeDesc::UINT8, pixels.data());
+    answer.pixels = pixels;
 }
 
 // Adds the pixels to a description, or the reason why there are none.
@@ -62,22 +66,22 @@ void readPixels(Answer& answer, ImageInput& input, OiioPart part, const Request&
     if (orientation > 4) // lying on its side
         std::swap(room.width, room.height);
     const QSize size = fittingSize(answer.fullSize, answer.pixelAspect, room);
-    chooseLevel(input, part, size.width(), size.height());
-    const ImageBuf scaled = readScaled(input, part, size.width(), size.height());
-    if (scaled.has_error()) {
-        answer.reason = firstLine(scaled.geterror());
+    const int width = size.width();
+    chooseLevel(input, part, width, size.height());
+    QByteArray pixels(width * size.height() * 4, Qt::Uninitialized);
+    auto* bytes = reinterpret_cast<uchar*>(pixels.data());
+    const std::string error = readScaled(input, part, width, size.height(), [&](int y, float* rgba) {
+        applyColour(rgba, width, colour, part.hasAlpha());
+        copyRow(rgba, bytes + std::ptrdiff_t(y) * width * 4, width);
+    });
+    if (!error.empty()) {
+        answer.reason = firstLine(error);
         return;
     }
-    ImageBuf picture = displayChannels(scaled, part);
-    if (!applyColour(picture, colour, part.hasAlpha())) {
-        answer.reason = firstLine(picture.geterror());
-        return;
-    }
-    if (orientation > 1) {
-        picture.specmod().attribute("Orientation", orientation);
-        picture = ImageBufAlgo::reorient(picture);
-    }
-    setPixels(answer, picture);
+    answer.size = size;
+    answer.pixels = pixels;
+    if (orientation > 1)
+        turn(answer, orientation);
 }
 
 } // namespace

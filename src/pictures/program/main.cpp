@@ -60,6 +60,8 @@ int main(int argc, char** argv)
     if (output < 0 || dup2(STDERR_FILENO, STDOUT_FILENO) < 0)
         return 1;
     signal(SIGPIPE, SIG_IGN);
+    // A picture goes through in two or three pieces. The system may refuse it, which only takes longer.
+    fcntl(output, F_SETPIPE_SZ, 1 << 20);
     limitMemory();
     limitThreads();
     // The application that started this program may have plugins of another Qt, and a display. Fonts need
