@@ -8,19 +8,7 @@ namespace Halvern::UI {
 
 namespace {
 
-constexpr int CheckerSide = 8; // pixels of both fields in a row
-constexpr int TextMargin = 6;  // pixels
-
-QBrush checker()
-{
-    QImage fields(CheckerSide * 2, CheckerSide * 2, QImage::Format_RGB32);
-    fields.fill(QColor(40, 40, 40));
-    QPainter painter(&fields);
-    for (const int corner : {0, CheckerSide})
-        painter.fillRect(corner, corner, CheckerSide, CheckerSide, QColor(56, 56, 56));
-    painter.end();
-    return QBrush(fields);
-}
+constexpr int TextMargin = 6; // pixels
 
 QSizeF wholeSizeOf(const Picture& picture)
 {
@@ -79,16 +67,15 @@ void FilePreview::Preview::paintGL()
     if (!isValid())
         return;
     QPainter painter(this);
-    painter.fillRect(rect(), Qt::black);
-    if (!m_image.isNull()) {
-        painter.save();
-        painter.scale(1 / devicePixelRatioF(), 1 / devicePixelRatioF());
-        const QRect target = pictureRect();
-        painter.fillRect(target, checker());
-        painter.setRenderHint(QPainter::SmoothPixmapTransform, target.size() != m_image.size());
+    const QRect target = m_image.isNull() ? QRect() : pictureRect();
+    painter.save();
+    painter.scale(1 / devicePixelRatioF(), 1 / devicePixelRatioF());
+    for (const QRect& margin : QRegion(QRect(QPoint(), room())) - target)
+        painter.fillRect(margin, Qt::black);
+    painter.setRenderHint(QPainter::SmoothPixmapTransform, target.size() != m_image.size());
+    if (!m_image.isNull())
         painter.drawImage(target, m_image);
-        painter.restore();
-    }
+    painter.restore();
 
     painter.setPen(QColor(170, 170, 170));
     painter.drawText(rect(), Qt::AlignCenter | Qt::TextWordWrap, m_text);

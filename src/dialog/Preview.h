@@ -8,8 +8,8 @@
 
 namespace Halvern::UI {
 
-/// The drawing surface of a preview pane. It shows a picture over a dark checker, fitted and never larger
-/// than its pixels, or a sentence, or nothing, which is black.
+/// The drawing surface of a preview pane. It shows an opaque picture, fitted and never larger than its
+/// pixels, or a sentence, or nothing, which is black.
 class FilePreview::Preview : public Base::DrawingSurface
 {
     Q_OBJECT

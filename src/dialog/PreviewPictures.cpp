@@ -1,6 +1,35 @@
 #include "dialog/PreviewPictures.h"
 
+#include <QPainter>
+
 namespace Halvern::UI {
+
+namespace {
+
+constexpr int CheckerSide = 8; // pixels of both fields in a row
+
+QBrush checker()
+{
+    QImage fields(CheckerSide * 2, CheckerSide * 2, QImage::Format_RGB32);
+    fields.fill(QColor(40, 40, 40));
+    QPainter painter(&fields);
+    for (const int corner : {0, CheckerSide})
+        painter.fillRect(corner, corner, CheckerSide, CheckerSide, QColor(56, 56, 56));
+    painter.end();
+    return QBrush(fields);
+}
+
+// Opaque, and in the format that is drawn fastest.
+QImage overChecker(const QImage& image)
+{
+    QImage opaque(image.size(), QImage::Format_RGB32);
+    QPainter painter(&opaque);
+    painter.fillRect(opaque.rect(), checker());
+    painter.drawImage(0, 0, image);
+    return opaque;
+}
+
+} // namespace
 
 PreviewPictures::PreviewPictures(QObject* parent)
     : QObject(parent)
@@ -43,8 +72,9 @@ void PreviewPictures::clear()
     m_cache.clear();
 }
 
-void PreviewPictures::receive(const Picture& picture)
+void PreviewPictures::receive(Picture picture)
 {
+    picture.image = overChecker(picture.image);
     m_cache.insert(picture);
     emit cacheChanged();
     const auto place = m_awaited.indexOf(picture.path);

@@ -7,7 +7,8 @@
 
 namespace Halvern::UI {
 
-/// The pictures of a preview pane: those in the cache at once, the others as soon as they are read.
+/// The pictures of a preview pane, over a dark checker: those in the cache at once, the others as soon as
+/// they are read.
 class PreviewPictures : public QObject
 {
     Q_OBJECT
@@ -34,7 +35,7 @@ signals:
     void cacheChanged();
 
 private:
-    void receive(const Picture& picture);
+    void receive(Picture picture);
     void fail(const QString& path, const QString& reason);
 
     PictureReader m_reader;
