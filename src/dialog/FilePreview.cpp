@@ -12,8 +12,10 @@
 #include <QFileInfo>
 #include <QKeyEvent>
 #include <QLabel>
+#include <QTimer>
 #include <QVBoxLayout>
 #include <algorithm>
+#include <optional>
 
 namespace Halvern::UI {
 
@@ -26,42 +28,79 @@ constexpr int LongestStep = 16; // of frames, from one that is shown to the next
 
 } // namespace
 
+struct FilePreview::Private
+{
+    int hostValue = 0; // only kept
+    Preview* preview = nullptr;
+    FrameSlider* slider = nullptr;
+    QLabel* label = nullptr;
+    PreviewPictures* pictures = nullptr;
+    Playback* playback = nullptr;
+    QTimer reading; // until the label and the surface say that a picture is being read
+    QTimer request; // reads when the events at hand, perhaps a change of size, are handled
+    QString path;
+    Base::FrameRanges present; // the frames of a sequence with gaps
+    int frame = 0;
+    QString file;
+    std::optional<int> lastFrame; // was read before, of the same selection
+    qint64 step = 0;              // from the frame before it, in the direction in which it is scrubbed
+    double rate = 0;              // of the picture that is shown, 0 if its file does not say
+};
+
 FilePreview::FilePreview(QWidget* parent, int hostValue)
     : QWidget(parent)
-    , m_hostValue(hostValue)
-    , m_preview(new Preview(this))
-    , m_slider(new FrameSlider(false, nullptr))
-    , m_label(new QLabel)
-    , m_pictures(new PreviewPictures(this))
-    , m_playback(new Playback(this))
+    , d(std::make_unique<Private>())
 {
-    m_preview->setObjectName(QStringLiteral("preview"));
-    m_slider->setObjectName(QStringLiteral("slider"));
-    m_label->setObjectName(QStringLiteral("label"));
-    m_slider->setHideInOut(true);
-    m_slider->installEventFilter(this);
+    d->hostValue = hostValue;
+    d->preview = new Preview(this);
+    d->slider = new FrameSlider(false, nullptr);
+    d->label = new QLabel;
+    d->pictures = new PreviewPictures(this);
+    d->playback = new Playback(this);
+    d->preview->setObjectName(QStringLiteral("preview"));
+    d->slider->setObjectName(QStringLiteral("slider"));
+    d->label->setObjectName(QStringLiteral("label"));
+    d->slider->setHideInOut(true);
+    d->slider->installEventFilter(this);
     // A long text shall not widen the window.
-    m_label->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
-    m_label->setTextFormat(Qt::PlainText);
-    m_reading.setSingleShot(true);
-    m_request.setSingleShot(true);
-    connect(m_slider, SIGNAL(sliderMoved(int)), this, SLOT(gotoFrame(int)));
-    connect(m_slider, &FrameSlider::sliderMoved, m_playback, &Playback::stop);
-    connect(m_playback, &Playback::frameReached, this, &FilePreview::playFrame);
-    connect(m_preview, &Preview::resized, this, [this] { m_request.start(0); });
-    connect(&m_request, &QTimer::timeout, this, &FilePreview::readPicture);
-    connect(&m_reading, &QTimer::timeout, this, [this] {
-        m_preview->setReading(true);
-        m_label->setUpdatesEnabled(true);
+    d->label->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    d->label->setTextFormat(Qt::PlainText);
+    d->reading.setSingleShot(true);
+    d->request.setSingleShot(true);
+    connect(d->slider, SIGNAL(sliderMoved(int)), this, SLOT(gotoFrame(int)));
+    connect(d->slider, &FrameSlider::sliderMoved, d->playback, &Playback::stop);
+    connect(d->playback, &Playback::frameReached, this, &FilePreview::playFrame);
+    connect(d->preview, &Preview::resized, this, [this] { d->request.start(0); });
+    connect(&d->request, &QTimer::timeout, this, &FilePreview::readPicture);
+    connect(&d->reading, &QTimer::timeout, this, [this] {
+        d->preview->setReading(true);
+        d->label->setUpdatesEnabled(true);
     });
-    connect(m_pictures, &PreviewPictures::pictureReady, this, &FilePreview::showPicture);
-    connect(m_pictures, &PreviewPictures::pictureFailed, this, &FilePreview::showReason);
-    connect(m_pictures, &PreviewPictures::cacheChanged, this, &FilePreview::markCachedFrames);
+    connect(d->pictures, &PreviewPictures::pictureReady, this, &FilePreview::showPicture);
+    connect(d->pictures, &PreviewPictures::pictureFailed, this, &FilePreview::showReason);
+    connect(d->pictures, &PreviewPictures::cacheChanged, this, &FilePreview::markCachedFrames);
     auto* layout = new QVBoxLayout(this);
-    layout->addWidget(m_preview);
-    layout->addWidget(m_label);
-    layout->addWidget(m_slider);
+    layout->addWidget(d->preview);
+    layout->addWidget(d->label);
+    layout->addWidget(d->slider);
     hide();
+}
+
+FilePreview::~FilePreview() = default;
+
+const QString& FilePreview::path() const
+{
+    return d->path;
+}
+
+int FilePreview::frame() const
+{
+    return d->frame;
+}
+
+const QString& FilePreview::file() const
+{
+    return d->file;
 }
 
 void FilePreview::previewFile(const char* path)
@@ -72,12 +111,12 @@ void FilePreview::previewFile(const char* path)
 
 void FilePreview::updateRange(int first, int last)
 {
-    m_slider->range(first, last);
+    d->slider->range(first, last);
 }
 
 void FilePreview::fileSelected(const Halvern::UI::FileInfo& info, QDir dir)
 {
-    m_frame = 0;
+    d->frame = 0;
     if (info.isDirectory())
         return select(QString(), {});
     const auto present = Base::FrameRanges::unite(info.frameRanges());
@@ -88,16 +127,16 @@ void FilePreview::fileSelected(const Halvern::UI::FileInfo& info, QDir dir)
 // A sequence that is selected again leaves the view where the user zoomed it.
 void FilePreview::select(const QString& path, const Base::FrameRanges& present)
 {
-    const FCPreviewInfo before(m_path, 0);
+    const FCPreviewInfo before(d->path, 0);
     const FCPreviewInfo now(path, 0);
-    m_path = path;
-    m_present = present;
-    m_lastFrame.reset();
-    m_step = 0;
-    m_playback->stop();
-    m_pictures->forget();
+    d->path = path;
+    d->present = present;
+    d->lastFrame.reset();
+    d->step = 0;
+    d->playback->stop();
+    d->pictures->forget();
     if (now.isSequence && (now.path != before.path || now.first != before.first || now.last != before.last))
-        m_slider->range(now.first, now.last);
+        d->slider->range(now.first, now.last);
     markCachedFrames();
     if (isVisible())
         showSelection();
@@ -105,7 +144,7 @@ void FilePreview::select(const QString& path, const Base::FrameRanges& present)
 
 void FilePreview::gotoFrame(int frame)
 {
-    m_frame = frame;
+    d->frame = frame;
     if (isVisible())
         showSelection();
 }
@@ -114,8 +153,8 @@ void FilePreview::showEvent(QShowEvent* event)
 {
     QWidget::showEvent(event);
     // An empty label is less high, and the surface would change its size with every frame.
-    m_label->setText(tr("No preview available."));
-    m_label->setMinimumHeight(m_label->sizeHint().height());
+    d->label->setText(tr("No preview available."));
+    d->label->setMinimumHeight(d->label->sizeHint().height());
     showSelection();
 }
 
@@ -124,17 +163,17 @@ void FilePreview::hideEvent(QHideEvent* event)
     QWidget::hideEvent(event);
     if (event->spontaneous()) // the window is minimised
         return;
-    m_playback->stop();
-    m_request.stop();
-    m_reading.stop();
-    m_pictures->clear();
-    m_preview->showText(QString());
+    d->playback->stop();
+    d->request.stop();
+    d->reading.stop();
+    d->pictures->clear();
+    d->preview->showText(QString());
     markCachedFrames();
 }
 
 bool FilePreview::eventFilter(QObject* watched, QEvent* event)
 {
-    if (watched == m_slider && event->type() == QEvent::KeyPress) {
+    if (watched == d->slider && event->type() == QEvent::KeyPress) {
         const auto* key = static_cast<QKeyEvent*>(event);
         if (key->key() == Qt::Key_Space && key->modifiers() == Qt::NoModifier) {
             if (!key->isAutoRepeat())
@@ -147,113 +186,113 @@ bool FilePreview::eventFilter(QObject* watched, QEvent* event)
 
 void FilePreview::showSelection()
 {
-    m_file.clear();
-    if (m_path.isEmpty()) {
-        m_preview->showText(QString());
+    d->file.clear();
+    if (d->path.isEmpty()) {
+        d->preview->showText(QString());
         say(QString());
         return;
     }
-    m_frame = m_slider->value();
-    const FCPreviewInfo info(m_path, m_frame);
+    d->frame = d->slider->value();
+    const FCPreviewInfo info(d->path, d->frame);
     if (info.isSequence)
-        m_frame = info.frame;
+        d->frame = info.frame;
     const QFileInfo file(info.path);
     if (!file.exists()) {
         noPreview(false);
         if (info.isSequence)
-            m_preview->showText(tr("Frame %1 is missing.").arg(m_frame));
+            d->preview->showText(tr("Frame %1 is missing.").arg(d->frame));
         return;
     }
     if (!PreviewText::isPreviewable(file.suffix().toLower())) {
         noPreview(true);
         return;
     }
-    m_file = info.path;
-    m_label->clear();
-    m_label->setToolTip(QString());
+    d->file = info.path;
+    d->label->clear();
+    d->label->setToolTip(QString());
     // An empty label would flicker while frames are shown one after the other.
-    m_label->setUpdatesEnabled(false);
-    m_reading.start(ReadingTime);
-    m_request.start(0);
+    d->label->setUpdatesEnabled(false);
+    d->reading.start(ReadingTime);
+    d->request.start(0);
 }
 
 void FilePreview::noPreview(bool resetSlider)
 {
-    m_pictures->forget();
+    d->pictures->forget();
     say(tr("No preview available."));
     if (resetSlider) {
-        m_slider->range(0, 0);
-        m_slider->setValue(0);
+        d->slider->range(0, 0);
+        d->slider->setValue(0);
     }
-    m_preview->showText(QString());
+    d->preview->showText(QString());
 }
 
 void FilePreview::readPicture()
 {
-    if (m_file.isEmpty() || !isVisible())
+    if (d->file.isEmpty() || !isVisible())
         return;
-    if (m_lastFrame && *m_lastFrame != m_frame)
-        m_step = qint64(m_frame) - *m_lastFrame;
-    m_lastFrame = m_frame;
+    if (d->lastFrame && *d->lastFrame != d->frame)
+        d->step = qint64(d->frame) - *d->lastFrame;
+    d->lastFrame = d->frame;
     QStringList ahead;
-    const FCPreviewInfo info(m_path, m_frame);
-    if (info.isSequence && m_step != 0 && qAbs(m_step) <= LongestStep) {
-        const QString pattern = Placeholder::splitRange(m_path)->name;
+    const FCPreviewInfo info(d->path, d->frame);
+    if (info.isSequence && d->step != 0 && qAbs(d->step) <= LongestStep) {
+        const QString pattern = Placeholder::splitRange(d->path)->name;
         for (int i = 1; i <= FramesAhead; ++i) {
-            const qint64 frame = m_frame + i * m_step;
+            const qint64 frame = d->frame + i * d->step;
             if (frame >= info.first && frame <= info.last)
                 ahead << Placeholder::withFrame(pattern, int(frame));
         }
     }
-    m_pictures->show(m_file, m_preview->room(), ahead);
+    d->pictures->show(d->file, d->preview->room(), ahead);
 }
 
 void FilePreview::showPicture(const Picture& picture)
 {
-    m_rate = picture.frameRate;
-    m_preview->showPicture(picture);
-    if (picture.path == m_file)
-        say(PreviewText::describe(picture, m_path, m_present));
+    d->rate = picture.frameRate;
+    d->preview->showPicture(picture);
+    if (picture.path == d->file)
+        say(PreviewText::describe(picture, d->path, d->present));
 }
 
 void FilePreview::showReason(const QString& reason)
 {
-    m_preview->showText(QString());
+    d->preview->showText(QString());
     say(reason);
 }
 
 // Ends the wait for what is to be said.
 void FilePreview::say(const QString& text)
 {
-    m_reading.stop();
-    m_preview->setReading(false);
-    m_label->setText(text);
-    m_label->setToolTip(text);
-    m_label->setUpdatesEnabled(true);
+    d->reading.stop();
+    d->preview->setReading(false);
+    d->label->setText(text);
+    d->label->setToolTip(text);
+    d->label->setUpdatesEnabled(true);
 }
 
 void FilePreview::markCachedFrames()
 {
-    const auto sequence = Placeholder::splitRange(m_path);
-    m_slider->setCacheFrames(sequence ? PreviewText::framesAmong(m_pictures->cache().paths(), sequence->name)
-                                      : std::set<int>());
+    const auto sequence = Placeholder::splitRange(d->path);
+    d->slider->setCacheFrames(
+        sequence ? PreviewText::framesAmong(d->pictures->cache().paths(), sequence->name) : std::set<int>());
 }
 
 void FilePreview::togglePlayback()
 {
-    const FCPreviewInfo info(m_path, m_slider->value());
-    if (m_playback->isPlaying() || !info.isSequence)
-        return m_playback->stop();
-    const int first = std::clamp(m_slider->viewStart(), info.first, info.last);
-    const int last = std::clamp(m_slider->viewEnd(), first, info.last);
-    m_playback->start(first, last, info.frame, m_rate > 0 ? m_rate : UsualRate);
+    const FCPreviewInfo info(d->path, d->slider->value());
+    if (d->playback->isPlaying() || !info.isSequence)
+        return d->playback->stop();
+    const int first = std::clamp(d->slider->viewStart(), info.first, info.last);
+    const int last = std::clamp(d->slider->viewEnd(), first, info.last);
+    d->playback->start(first, last, info.frame, d->rate > 0 ? d->rate : UsualRate);
 }
 
 // A frame that is missing leaves the picture before it.
 void FilePreview::playFrame(int frame)
 {
-    m_slider->setValue(frame);
-    if (m_present.isEmpty() || m_present.contains(frame))
+    d->slider->setValue(frame);
+    if (d->present.isEmpty() || d->present.contains(frame))
         gotoFrame(frame);
 }
 

@@ -5,18 +5,12 @@
 
 #include <QDir>
 #include <QString>
-#include <QTimer>
 #include <QWidget>
-#include <optional>
-
-class FrameSlider;
-class QLabel;
+#include <memory>
 
 namespace Halvern::UI {
 
 class FileInfo;
-class Playback;
-class PreviewPictures;
 struct Picture;
 
 /// A pane that stands below a file browser and shows the picture of what is selected: that of a file, or of
@@ -45,15 +39,15 @@ public:
 
     /// @p parent owns the pane. @p hostValue is kept for the host and has no effect.
     FilePreview(QWidget* parent, int hostValue);
+    ~FilePreview() override;
 
-    int hostValue() const { return m_hostValue; }
     /// What is selected: a path, or a sequence's pattern with its range; empty for a directory.
-    const QString& path() const { return m_path; }
+    const QString& path() const;
     /// The frame that is shown, within the range of a sequence.
-    int frame() const { return m_frame; }
+    int frame() const;
     /// The file of that frame, of @p path "/shots/img.####.exr 1-100" perhaps "/shots/img.0007.exr"; empty
     /// while there is no preview.
-    const QString& file() const { return m_file; }
+    const QString& file() const;
 
 public slots:
     /// Shows the file or the sequence of a UTF-8 path, nothing for null or an empty one.
@@ -84,21 +78,8 @@ private:
     void togglePlayback();
     void playFrame(int frame);
 
-    int m_hostValue;
-    Preview* m_preview;
-    FrameSlider* m_slider;
-    QLabel* m_label;
-    PreviewPictures* m_pictures;
-    Playback* m_playback;
-    QTimer m_reading; // until the label and the surface say that a picture is being read
-    QTimer m_request; // reads when the events at hand, perhaps a change of size, are handled
-    QString m_path;
-    Base::FrameRanges m_present; // the frames of a sequence with gaps
-    int m_frame = 0;
-    QString m_file;
-    std::optional<int> m_lastFrame; // was read before, of the same selection
-    qint64 m_step = 0;              // from the frame before it, in the direction in which it is scrubbed
-    double m_rate = 0;              // of the picture that is shown, 0 if its file does not say
+    struct Private;
+    std::unique_ptr<Private> d;
 };
 
 } // namespace Halvern::UI
