@@ -117,11 +117,12 @@ void FilePreview::updateRange(int first, int last)
 void FilePreview::fileSelected(const Halvern::UI::FileInfo& info, QDir dir)
 {
     d->frame = 0;
-    if (info.isDirectory())
+    const QString name = QString::fromUtf8(info.displayName());
+    // A browser that enters a folder sends its path, without looking at the disk.
+    if (info.isDirectory() || QDir::cleanPath(dir.absoluteFilePath(name)) == dir.absolutePath())
         return select(QString(), {});
     const auto present = Base::FrameRanges::unite(info.frameRanges());
-    select(dir.absolutePath() + QLatin1Char('/') + QString::fromUtf8(info.displayName()),
-           present.value_or(Base::FrameRanges()));
+    select(dir.absolutePath() + QLatin1Char('/') + name, present.value_or(Base::FrameRanges()));
 }
 
 // A sequence that is selected again leaves the view where the user zoomed it.

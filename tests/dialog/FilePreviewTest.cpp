@@ -55,6 +55,7 @@ private slots:
         pane.show();
         QCOMPARE(show("txt"), QStringLiteral("txt  50"));
         QCOMPARE(show("notes.TXT"), QStringLiteral(" No preview available. 0"));
+        QCOMPARE(show(folder.path().toUtf8().constData()), QStringLiteral("  50")); // it is entered
         QCOMPARE(show("FONT.TTF"), QStringLiteral("FONT.TTF  50"));
         pane.previewFile(nullptr);
         QCOMPARE(state(pane), QStringLiteral("  50"));
