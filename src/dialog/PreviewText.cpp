@@ -94,6 +94,8 @@ Base::FrameRanges runsOf(const QString& selected)
 
 QString describe(const Picture& picture, const QString& selected, const Base::FrameRanges& present)
 {
+    if (!picture.font.isEmpty())
+        return picture.font;
     QStringList parts;
     parts << tr("%1 x %2").arg(picture.fullSize.width()).arg(picture.fullSize.height());
     if (picture.pixelAspect != 1)

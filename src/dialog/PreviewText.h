@@ -20,7 +20,8 @@ std::set<int> framesAmong(const QStringList& paths, const QString& pattern);
 Base::FrameRanges runsOf(const QString& selected);
 
 /// Says what @p picture shows of the selected name: "1920 x 1080, half float RGBA, ACEScg, frame 42 of 1-100,
-/// 2 frames missing". @p present are the frames of a sequence with gaps; none stand for all of them.
+/// 2 frames missing", or the name of a font. @p present are the frames of a sequence with gaps; none stand
+/// for all of them.
 QString describe(const Picture& picture, const QString& selected, const Base::FrameRanges& present);
 
 } // namespace Halvern::UI::PreviewText

@@ -130,6 +130,8 @@ private slots:
             QCOMPARE(PreviewText::describe(picture, selected, PreviewText::runsOf(selected)),
                      QString(wanted));
         }
+        picture.font = QStringLiteral("DejaVu Sans Book");
+        QCOMPARE(PreviewText::describe(picture, QStringLiteral("/a/a.ttf"), {}), picture.font);
         const std::set<int> frames = {-3, 7, 123};
         QCOMPARE(PreviewText::framesAmong({"/a1/f2.07.x", "/a1/f2.0-3.x", "/a1/f2.123.x", "/a1/f2.7.x", "",
                                            "/a1/f2..x", "/a1/f3.07.x"},
