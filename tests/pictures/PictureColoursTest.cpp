@@ -162,6 +162,10 @@ private slots:
         const Pixels bright = [](int x, int) { return Pixel{float(x) / 16, float(x) / 64, 0, 1}; };
         const Pixels brightShown = [](int x, int) { return shown(float(x) / 16, float(x) / 64, 0); };
         row("half floats beyond 1", "a.exr", specOf(64, 1, rgb, TypeDesc::HALF), bright, brightShown);
+        row(
+            "radiance", "a.hdr", specOf(64, 1, rgb, TypeDesc::FLOAT),
+            [](int x, int) { return grey(float(x) / 16); },
+            [](int x, int) { return grey(srgb(float(x) / 16)); });
         row("floats of tiff", "a.tif", specOf(64, 1, rgb, TypeDesc::FLOAT), bright, brightShown);
         row(
             "alpha of exr, and light without alpha", "a.exr", specOf(65, 1, rgba, TypeDesc::FLOAT),
@@ -241,6 +245,19 @@ private slots:
         const QString path = m_folder.filePath(name);
         QVERIFY(make(path, spec, written));
         compare(m_program.ask(path, quint32(room.width()), quint32(room.height())), size, wanted);
+    }
+
+    void readsPhotoshop()
+    {
+        QFile psd(file("a.psd"));
+        QVERIFY(psd.open(QIODevice::WriteOnly));
+        // Three channels of 2 by 1 bytes, then a colour table, resources and layers of no length.
+        psd.write(QByteArray::fromHex("384250530001000000000000000300000001000000020008000300000000"
+                                      "00000000000000000000102030405060"));
+        psd.close();
+        compare(m_program.ask(psd.fileName()), {2, 1}, [](int x, int) {
+            return Pixel{float(16 + 16 * x) / 255, float(48 + 16 * x) / 255, float(80 + 16 * x) / 255, 1};
+        });
     }
 
     void readsASmallerLevel()
