@@ -6,9 +6,9 @@
 #include <QDateTime>
 #include <QSocketNotifier>
 #include <algorithm>
+#include <exception>
 #include <mutex>
 #include <sys/inotify.h>
-#include <system_error>
 #include <thread>
 #include <unistd.h>
 #include <utility>
@@ -56,35 +56,25 @@ private:
     int m_followed = -1; // of one question at a time
 };
 
-/// What tells one state of a directory from another.
-struct DirectoryWatch::State
+DirectoryWatch::State::State(const std::optional<struct stat>& status)
+    : exists(status && S_ISDIR(status->st_mode))
 {
-    explicit State(const std::optional<struct stat>& status)
-        : exists(status && S_ISDIR(status->st_mode))
-    {
-        if (!exists)
-            return;
-        device = status->st_dev;
-        inode = status->st_ino;
-        // Some programs set the time of modification back, as it was on another machine.
-        modified = status->st_mtim;
-        attributesChanged = status->st_ctim;
-    }
-    bool operator==(const State& other) const
-    {
-        const auto same = [](const timespec& one, const timespec& two) {
-            return one.tv_sec == two.tv_sec && one.tv_nsec == two.tv_nsec;
-        };
-        return exists == other.exists && device == other.device && inode == other.inode &&
-               same(modified, other.modified) && same(attributesChanged, other.attributesChanged);
-    }
+    if (!exists)
+        return;
+    device = status->st_dev;
+    inode = status->st_ino;
+    modified = status->st_mtim;
+    attributesChanged = status->st_ctim;
+}
 
-    bool exists;
-    dev_t device = 0;
-    ino_t inode = 0;
-    timespec modified{};
-    timespec attributesChanged{};
-};
+bool DirectoryWatch::State::operator==(const State& other) const
+{
+    const auto same = [](const timespec& one, const timespec& two) {
+        return one.tv_sec == two.tv_sec && one.tv_nsec == two.tv_nsec;
+    };
+    return exists == other.exists && device == other.device && inode == other.inode &&
+           same(modified, other.modified) && same(attributesChanged, other.attributesChanged);
+}
 
 /// Asked once, on a thread of its own. Who asked may be gone before the answer comes.
 struct DirectoryWatch::Question
@@ -96,9 +86,9 @@ struct DirectoryWatch::Question
         // Changes after the answer are noticed, so notices come first.
         if (notices)
             notices->follow(path);
-        auto found = std::make_unique<const State>(Base::fileStatus(path.c_str()));
+        const State state(Base::fileStatus(path.c_str()));
         const std::lock_guard<std::mutex> lock(mutex);
-        answer = std::move(found);
+        answer = state;
         took = timer.elapsed();
         if (asker)
             QMetaObject::invokeMethod(asker, "takeAnswer", Qt::QueuedConnection);
@@ -108,7 +98,7 @@ struct DirectoryWatch::Question
     const std::shared_ptr<Notices> notices;
     std::mutex mutex; // guards what follows
     DirectoryWatch* asker;
-    std::unique_ptr<const State> answer = nullptr;
+    std::optional<State> answer = std::nullopt;
     qint64 took = 0; // milliseconds
 };
 
@@ -182,23 +172,29 @@ void DirectoryWatch::schedule()
 
 void DirectoryWatch::ask()
 {
-    if (!m_notices) {
-        m_notices = std::make_shared<Notices>();
-        if (m_notices->descriptor() < 0)
-            m_notices.reset();
-    }
-    if (m_notices && !m_notifier) {
-        m_notifier = std::make_unique<QSocketNotifier>(m_notices->descriptor(), QSocketNotifier::Read);
-        connect(m_notifier.get(), &QSocketNotifier::activated, this, [this] { takeNotices(); });
-    }
-    m_question.reset(new Question{m_path, m_notices, {}, this});
     try {
+        makeNotices();
+        m_question.reset(new Question{m_path, m_notices, {}, this});
         std::thread([question = m_question] { question->ask(); }).detach();
-    } catch (const std::system_error&) {
+    } catch (const std::exception&) {
+        // The system has no thread, or no memory for it.
         m_question.reset();
         m_interval = m_pace.shortest;
         m_timer.start(m_interval);
     }
+}
+
+void DirectoryWatch::makeNotices()
+{
+    if (m_notices)
+        return;
+    m_notices = std::make_shared<Notices>();
+    if (m_notices->descriptor() < 0) {
+        m_notices.reset();
+        return;
+    }
+    m_notifier = std::make_unique<QSocketNotifier>(m_notices->descriptor(), QSocketNotifier::Read);
+    connect(m_notifier.get(), &QSocketNotifier::activated, this, [this] { takeNotices(); });
 }
 
 // One notice is enough, so the others are not waited for. They are discarded when the change is told.
@@ -212,20 +208,20 @@ void DirectoryWatch::takeNotices()
 void DirectoryWatch::takeAnswer()
 {
     constexpr int SlowAnswerFactor = 10; // questions take a tenth of the time at most
-    std::unique_ptr<const State> known;
+    std::optional<State> answer;
     qint64 took = 0;
     if (m_question) {
         const std::lock_guard<std::mutex> lock(m_question->mutex);
-        known = std::move(m_question->answer);
+        answer = m_question->answer;
         took = m_question->took;
     }
-    if (!known) // of a question that was forgotten
+    if (!answer) // of a question that was forgotten
         return;
     m_question.reset();
-    m_known.swap(known);
+    const std::optional<State> before = std::exchange(m_known, answer);
     // What is not there is read again when it is back.
-    m_looksAgain = m_known->exists && (known ? m_looksAgain : mayHaveChangedSinceRead(*m_known));
-    const bool differs = m_noticed || (known && !(*known == *m_known));
+    m_looksAgain = m_known->exists && (before ? m_looksAgain : mayHaveChangedSinceRead(*m_known));
+    const bool differs = m_noticed || (before && !(*before == *m_known));
     const qint64 longer = differs ? 0 : m_interval + m_interval / 2;
     m_interval = static_cast<int>(std::min<qint64>(
         std::max({longer, qint64(m_pace.shortest), SlowAnswerFactor * took}), m_pace.longest));
@@ -251,7 +247,7 @@ void DirectoryWatch::tell(bool differs)
     m_noticed = false;
     m_reading = true;
     m_sinceRead.start();
-    if (m_notices) {
+    if (m_notifier) {
         m_notices->discard();
         m_notifier->setEnabled(true);
     }

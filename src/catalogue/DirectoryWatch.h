@@ -7,6 +7,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <sys/stat.h>
 
 class QSocketNotifier;
 
@@ -63,10 +64,23 @@ private slots:
 private:
     class Notices;
     struct Question;
-    struct State;
+
+    /// What tells one state of a directory from another.
+    struct State
+    {
+        explicit State(const std::optional<struct stat>& status);
+        bool operator==(const State& other) const;
+
+        bool exists;
+        dev_t device = 0;
+        ino_t inode = 0;
+        timespec modified{};
+        timespec attributesChanged{}; // some programs set the other one back
+    };
 
     void schedule();
     void ask();
+    void makeNotices();
     void takeNotices();
     void forgetNotices();
     void forgetQuestion();
@@ -79,7 +93,7 @@ private:
     bool m_reading = false;
     bool m_noticed = false;               // a change that was not told yet
     bool m_looksAgain = false;            // after the settling time
-    std::unique_ptr<const State> m_known; // the last answer; null before the first one
+    std::optional<State> m_known;         // the last answer
     int m_interval = 0;                   // to the next question, in milliseconds
     QTimer m_timer;                       // for that question
     QElapsedTimer m_sinceRead;            // since it began

@@ -123,14 +123,14 @@ private slots:
         folder.watch.endRead(0, true);
         QElapsedTimer sinceTold;
         QElapsedTimer sinceRead;
-        for (const int reading : {0, 0, 100, 100}) {
+        for (const qint64 reading : {0, 0, 100, 100}) {
             QTRY_VERIFY(write(folder.file("c")) && !folder.changes.isEmpty());
             if (sinceTold.isValid())
                 QVERIFY(sinceTold.elapsed() >= 100);
             sinceTold.start();
             QVERIFY(write(folder.file("c")));
             QVERIFY(!folder.changes.wait(150) && folder.changes.size() == 1);
-            QVERIFY(folder.tells(reading));
+            QVERIFY(folder.tells(static_cast<int>(reading)));
             sinceRead.start();
             QVERIFY(folder.changes.wait());
             QVERIFY(sinceRead.elapsed() >= 4 * reading);
