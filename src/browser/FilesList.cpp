@@ -295,6 +295,26 @@ void FileBrowser::FilesList::endUpdate()
         bar.setValue(bar.value() +
                      (verticalScrollMode() == ScrollPerItem ? shift / rowHeight(m_held) : shift));
     m_held = QModelIndex();
+    resumeRange();
+}
+
+// Qt ends a Shift selection when rows come or go: the next click with Shift would add to it. It is to take
+// the place of the range that the current row is in.
+void FileBrowser::FilesList::resumeRange()
+{
+    QItemSelection others = selectionModel()->selection();
+    const auto isCurrent = [this](const QItemSelectionRange& range) {
+        return range.contains(currentIndex());
+    };
+    const auto found = std::find_if(others.begin(), others.end(), isCurrent);
+    if (found == others.end())
+        return;
+    QItemSelection last;
+    last.append(*found);
+    others.erase(found);
+    const QSignalBlocker blocker(selectionModel());
+    selectionModel()->select(others, QItemSelectionModel::ClearAndSelect);
+    selectionModel()->select(last, QItemSelectionModel::Select);
 }
 
 } // namespace Halvern::UI

@@ -79,6 +79,7 @@ private slots:
     void endUpdate();
 
 private:
+    void resumeRange();
     bool navigates(const QKeyEvent& event);
     bool sorts(const QKeyEvent& event);
     QModelIndex nextStaying(QModelIndex index, const RowChanges& changes) const;
