@@ -146,6 +146,7 @@ void configure(FileDialog& dialog, const Options& options)
                                                 : FileBrowser::SelectionType::Files);
     dialog.setMultipleSelections(options.multiple);
     dialog.setSequencesEnabled(true);
+    dialog.setWatched(true);
     if (options.expanded)
         dialog.findChild<QCheckBox*>(QStringLiteral("sequencesCheck"))->setChecked(false);
     if (!options.filter.isEmpty()) {

@@ -68,6 +68,7 @@ FileBrowser::FileBrowser(QWidget* parent)
     connect(d->m_filesList, SIGNAL(backRequested()), d->m_controls.backButton, SLOT(click()));
     connect(d->m_filesList, SIGNAL(upRequested()), d->m_controls.upButton, SLOT(click()));
     connect(d->m_filesList, SIGNAL(forwardRequested()), d->m_controls.forwardButton, SLOT(click()));
+    d->initWatch();
     setSelectionType(SelectionType::Files);
     setMayNotExist(false);
     setMultipleSelections(false);

@@ -81,8 +81,7 @@ public:
     const QStringList& pickedFiles() const;
     /// Which buttons a FileDialog enables: both, if what is selected, or without a selection the typed
     /// folder, is of the selection type; Open alone for a single choice, or if setMayNotExist() or the pick
-    /// list allow it; none while selected rows are read again. Asks the disk for typed folders and unknown
-    /// rows only.
+    /// list allow it; none while selected rows are read again. Asks the disk for unknown names only.
     enum class Acceptance
     {
         None,
@@ -116,6 +115,10 @@ public:
     /// Lets @p evaluator decide what a sequence is, null for the built-in rules, and rebuilds the list. The
     /// caller keeps ownership; a browser notices when the evaluator is destroyed.
     void setFileSequenceEvaluator(FileSequenceEvaluator* evaluator);
+    /// Whether changes in the folder appear by themselves while the browser can be seen (default: no). Rows
+    /// change in place. Local changes appear within a second or two, those on a file server within 2 to 30.
+    void setWatched(bool watched);
+    bool isWatched() const;
 
     /// Puts a child below the browser, shown and hidden with the preview button, that must have a slot
     /// fileSelected(const Halvern::UI::FileInfo&, QDir).
@@ -142,8 +145,7 @@ public:
     /// replaceHashes() if the default sequence mode is Expanded, else @p name.
     static QString normalizeFile(const QString& name);
 
-    /// The colour behind the row under the mouse; black by default. Any thread may set it and the next one,
-    /// but not while a browser paints.
+    /// The colour behind the row under the mouse; black by default. Not to be set while a browser paints.
     static void SetHighlightColor(const QColor& colour);
     static const QColor& GetHightlightColor();
     /// The colour behind rows that are in the pick list; red by default.
@@ -181,9 +183,8 @@ public:
     /// Adds what the favourites file holds to the list. Errors are printed to standard error.
     static void LoadFavorites();
     /// Writes the favourites file. If it was read before, what other programs added and removed since stays;
-    /// the list does not change. If it was never read, it is replaced by the list as it is. What fails, a
-    /// full disk included, is printed to standard error and leaves the old file; so does a file that cannot
-    /// be read. The next browser that closes tries again. Other programs that save wait for each other, five
+    /// if not, it is replaced. The list does not change. Failures are printed to standard error and leave the
+    /// old file, and the next browser that closes tries again. Programs that save wait for each other, five
     /// seconds at most.
     static void SaveFavorites();
     /// Adds a favourite; all texts are UTF-8. @p flags are FaveType bits, a negative number stands for its
@@ -206,8 +207,7 @@ public slots:
     void refresh();
 
 signals:
-    /// A directory was entered, a single row selected, or a path typed. @p info lives until the signal
-    /// returns.
+    /// A directory was entered, a row selected, or a path typed. @p info lives until the signal returns.
     void fileSelected(const Halvern::UI::FileInfo& info, QDir dir);
     /// A row was double-clicked; this signal comes first. @p info lives until the signal returns.
     void fileDoubleClick(const Halvern::UI::FileInfo& info);

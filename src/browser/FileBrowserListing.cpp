@@ -48,6 +48,7 @@ void FileBrowser::refresh()
     // Rows that the filter takes away leave the selection without announcing it.
     if (anyChosen)
         emit choiceChanged();
+    d->noteReading();
 }
 
 // The row that the filename field names becomes the current row. A row that is the only one may differ from
@@ -82,6 +83,7 @@ void FileBrowser::refreshDirectory()
 {
     d->awaitChoice();
     d->m_model->refreshList();
+    d->noteReading();
     if (!d->m_model->isReading() && d->m_model->readError() == 0)
         d->m_awaited = {};
 }
@@ -196,6 +198,7 @@ void FileBrowser::managerRefreshList()
     d->updateSplitSequencesButton(); // the evaluator may be gone
     const FileInfo folder{QFileInfo(d->m_directory.path())};
     d->m_controls.newFolderButton->setEnabled(folder.isWritable());
+    d->noteReading();
 }
 
 void FileBrowser::managerFilesUpdated(int /*start*/, int /*end*/)
@@ -205,6 +208,7 @@ void FileBrowser::managerFilesUpdated(int /*start*/, int /*end*/)
         d->m_attributesTimer.setInterval(0);
     if (!d->m_attributesTimer.isActive())
         d->m_attributesTimer.start();
+    d->noteReading();
 }
 
 void FileBrowser::Private::showArrivedAttributes()

@@ -5,6 +5,8 @@
 #include "browser/FilesList.h"
 #include "browser/History.h"
 #include "browser/PickList.h"
+#include "browser/ShownState.h"
+#include "catalogue/DirectoryWatch.h"
 
 #include <QPointer>
 #include <QTimer>
@@ -86,6 +88,11 @@ public:
     // FileBrowserSettings.cpp
     void loadSortOrder();
 
+    // FileBrowserWatching.cpp
+    void initWatch();
+    void watchIfShown();
+    void noteReading();
+
     FileBrowser* const q;
 
     SelectionType m_selectionType = SelectionType::Files;
@@ -124,6 +131,10 @@ public:
     ListNotice* m_notice = nullptr;
     Controls m_controls;
     QPointer<QWidget> m_previewWidget;
+
+    DirectoryWatch m_watch; // of the model's directory
+    ShownState m_shownState{q};
+    bool m_watched = false;
 };
 
 } // namespace Halvern::UI

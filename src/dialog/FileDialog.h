@@ -41,6 +41,8 @@ public:
     void setSequencesEnabled(bool enabled) { m_browser->setSequencesEnabled(enabled); }
     /// Whether Open may be pressed for a name that does not exist.
     void setMayNotExist(bool may) { m_browser->setMayNotExist(may); }
+    void setWatched(bool watched) { m_browser->setWatched(watched); }
+    bool isWatched() const { return m_browser->isWatched(); }
     void setMultipleSelections(bool multiple) { m_browser->setMultipleSelections(multiple); }
     void buildSettingsNamespace(const QString& ns) { m_browser->buildSettingsNamespace(ns); }
     QDir directory() const { return m_browser->directory(); }

@@ -117,6 +117,10 @@ def test_widgets_reach_what_the_library_overrides(frames):
     choose(dialog, "sh010_a.#.exr 1-2")
     preview.setVisible(True)
     assert preview.file() == str(frames / "sh010_a.1.exr"), "FilePreview has its showEvent()"
+    assert not dialog.isWatched()
+    dialog.setWatched(True)
+    until(lambda: (frames / "new.txt").touch() or "new.txt" in rows(browser))
+    assert browser.isWatched()
     moved = []
     slider.sliderMoved.connect(moved.append)
     slider.set_frame_range(1001, 1010)

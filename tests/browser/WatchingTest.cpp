@@ -1,0 +1,237 @@
+#include "dialog/DialogWindow.h"
+#include "support/Faults.h"
+#include "support/SampleFiles.h"
+#include "support/Test.h"
+#include "widgets/AppSettings.h"
+
+#include <QLabel>
+#include <QScrollBar>
+#include <thread>
+
+using namespace Halvern::UI;
+
+namespace {
+
+/// Counts the paints of a list, and those with an empty cell.
+class PaintWatch : public QObject
+{
+public:
+    explicit PaintWatch(const BrowserParts& parts)
+        : m_list(*parts.list())
+    {
+        m_list.viewport()->installEventFilter(this);
+    }
+    bool eventFilter(QObject* /*watched*/, QEvent* event) override
+    {
+        if (event->type() != QEvent::Paint)
+            return false;
+        ++paints;
+        for (QModelIndex row = m_list.indexAt(QPoint(1, 1)); row.isValid(); row = m_list.indexBelow(row)) {
+            for (int column = 0; column < 3; ++column)
+                blank += row.sibling(row.row(), column).data().isValid() ? 0 : 1;
+        }
+        return false;
+    }
+    int paints = 0;
+    int blank = 0;
+
+private:
+    const QTreeView& m_list;
+};
+
+} // namespace
+
+/// A folder that changes while a person looks.
+class WatchingTest : public Test
+{
+    Q_OBJECT
+
+private slots:
+    void init()
+    {
+        endFaults();
+        AppSettings().clear();
+        m_parent = std::make_unique<QTemporaryDir>();
+        m_folder = m_parent->filePath("folder");
+        QVERIFY(QDir().mkdir(m_folder));
+    }
+
+    void asksTheDiskOnlyIfItCanBeSeen()
+    {
+        QVERIFY(SampleFiles::make(m_folder, {"a"}));
+        DialogWindow window(m_folder, false);
+        QTRY_COMPARE(window.rows(), QStringList("a"));
+        QTRY_VERIFY(window.model()->hasAllAttributes());
+        QVERIFY(!window.dialog.isWatched());
+        // Whether the disk is asked, and the list follows.
+        const auto follows = [&](const char* name) {
+            const int calls = faults[Calls];
+            SampleFiles::make(m_folder, {name});
+            return QTest::qWaitFor([&] { return window.rows().contains(name); }, 1500) &&
+                   faults[Calls] > calls;
+        };
+        const auto asksNothing = [&](const char* name) {
+            const int calls = faults[Calls];
+            SampleFiles::make(m_folder, {name});
+            return !QTest::qWaitFor([&] { return faults[Calls] != calls; }, 300);
+        };
+        QVERIFY(asksNothing("b"));
+        watch(window);
+        QVERIFY(window.dialog.isWatched() && follows("c"));
+        takeCalls();
+        std::thread([this] { SampleFiles::make(m_folder, "d"); }).join();
+        QTRY_VERIFY(window.rows().contains("d"));
+        QCOMPARE(takeCalls(), QStringList()); // of this thread
+
+        window.dialog.setWindowState(Qt::WindowMinimized);
+        QVERIFY(asksNothing("e"));
+        window.dialog.setWindowState(Qt::WindowNoState);
+        QTRY_VERIFY(window.rows().contains("e"));
+        QVERIFY(follows("f"));
+        window.dialog.hide();
+        QVERIFY(asksNothing("g"));
+        window.dialog.show();
+        QTRY_VERIFY(window.rows().contains("g"));
+        window.dialog.setWatched(false);
+        QVERIFY(asksNothing("h"));
+    }
+
+    void rowsFollowTheFolder()
+    {
+        QVERIFY(SampleFiles::make(m_folder, {"gone", "old", "replaced", "shot.1.exr", "shot.2.exr"}));
+        DialogWindow window(m_folder, true);
+        watch(window);
+        QTRY_COMPARE(window.rows().size(), 4);
+        const QSignalSpy resets(window.proxy(), SIGNAL(modelReset()));
+        QVERIFY(QFile::remove(path("gone")) && QFile::rename(path("old"), path("new")));
+        QVERIFY(QFile::remove(path("replaced")) && QDir().mkdir(path("replaced")));
+        QVERIFY(SampleFiles::make(m_folder, {"shot.3.exr"}));
+        const QStringList rows{"new", "replaced/", "shot.#.exr 1-3"};
+        QTRY_COMPARE(window.rows(), rows);
+
+        // Rows stay while the folder is away.
+        const auto& problem = *window.control<QLabel>("problemLabel");
+        const QString away = m_parent->filePath("away");
+        QVERIFY(QFile::rename(m_folder, away));
+        QTRY_VERIFY(problem.isVisible());
+        QCOMPARE(window.rows(), rows);
+        QVERIFY(SampleFiles::make(away, {"shot.4.exr"}) && QFile::rename(away, m_folder));
+        QTRY_COMPARE(window.rows().last(), QString("shot.#.exr 1-4"));
+        QTRY_VERIFY(!problem.isVisible());
+        QVERIFY(QFile::rename(m_folder, away) && QDir().mkdir(m_folder));
+        QTRY_COMPARE(window.rows(), QStringList());
+        QVERIFY(SampleFiles::make(m_folder, {"first"}));
+        QTRY_COMPARE(window.rows(), QStringList("first"));
+        QVERIFY(resets.isEmpty());
+    }
+
+    void filesVanishAtOnce()
+    {
+        QVERIFY(SampleFiles::makeFrames(m_folder, "f%05d.txt", 1, 10000));
+        QVERIFY(SampleFiles::make(m_folder, {"stays"}));
+        DialogWindow window(m_folder, true);
+        watch(window);
+        window.dialog.setSequencesEnabled(false);
+        QTRY_COMPARE(window.rows().size(), 10001);
+        QTRY_VERIFY(window.model()->hasAllAttributes());
+        window.select({"f00042.txt", "stays"});
+        for (int frame = 1; frame <= 10000; ++frame)
+            QVERIFY(QFile::remove(QString::asprintf("%s/f%05d.txt", qPrintable(m_folder), frame)));
+        QTRY_COMPARE_WITH_TIMEOUT(window.rows(), QStringList("stays"), 20000);
+        QTRY_COMPARE(window.dialog.selectedFiles(), QStringList(path("stays")));
+    }
+
+    // What a person does goes on while frames arrive.
+    void nothingIsLostWhileFramesArrive()
+    {
+        for (int shot = 10; shot < 90; ++shot)
+            QVERIFY(SampleFiles::makeFrames(
+                m_folder, ("s" + QByteArray::number(shot) + ".%04d.exr").constData(), 1, 3));
+        for (const bool types : {false, true}) {
+            DialogWindow window(m_folder, true);
+            watch(window);
+            QTRY_VERIFY(window.model()->hasAllAttributes() && window.rows().size() >= 80);
+            window.list()->scrollTo(window.row("s40.####.exr 1-3"), QAbstractItemView::PositionAtTop);
+            QStringList chosen;
+            if (types) {
+                window.edit()->setText(path(""));
+                QTest::keyClick(window.edit(), Qt::Key_S);
+                window.list()->scrollTo(window.row("s40.####.exr 1-3"), QAbstractItemView::PositionAtTop);
+            } else {
+                window.clickRow("s42.####.exr 1-3");
+                window.clickRow("s45.####.exr 1-3", Qt::ShiftModifier);
+                chosen = window.dialog.selectedFiles();
+                QCOMPARE(chosen.size(), 4);
+            }
+            const QString top = window.list()->indexAt(QPoint(1, 1)).data().toString();
+            const PaintWatch paints(window);
+            // Above what is seen: a sequence that grows, and others that begin.
+            const int first = types ? 40 : 10;
+            for (int frame = first; frame < first + 30; ++frame) {
+                QVERIFY(SampleFiles::makeFrames(m_folder, "s20.%04d.exr", frame, frame));
+                QVERIFY(SampleFiles::makeFrames(m_folder, "s0%d.exr", frame, frame));
+                QTest::qWait(50);
+            }
+            const QString last = QString::number(first + 29);
+            QTRY_VERIFY(window.rows().filter("s20.").join(' ').contains(last));
+            QVERIFY(paints.paints > 0);
+            QCOMPARE(paints.blank, 0);
+            QCOMPARE(window.list()->indexAt(QPoint(1, 1)).data().toString(), top);
+            if (types) {
+                QCOMPARE(window.edit()->text(), path("s"));
+                QCOMPARE(window.edit()->cursorPosition(), path("s").size());
+            } else {
+                QCOMPARE(window.dialog.selectedFiles(), chosen);
+                window.clickRow("s44.####.exr 1-3", Qt::ShiftModifier);
+                QCOMPARE(window.dialog.selectedFiles(), chosen.mid(0, 3)); // the anchor stayed
+            }
+        }
+    }
+
+    // Only the question of the watch is about the path of the folder.
+    void slowAnswersHoldNobodyUp()
+    {
+        QVERIFY(SampleFiles::make(m_folder, {"a", "b"}));
+        const QString other = m_parent->filePath("other");
+        QVERIFY(QDir().mkdir(other) && SampleFiles::make(other, {"c"}));
+        const QByteArray slow = QFile::encodeName(m_folder);
+        faultyFolder = slow.constData();
+        faultyCall = "fstatat";
+        faults[CallDelay] = 30000000;
+        QElapsedTimer timer;
+        timer.start();
+        {
+            DialogWindow window(m_folder, true);
+            window.dialog.setWatched(true);
+            QTRY_COMPARE(window.rows(), (QStringList{"a", "b"}));
+            QTRY_VERIFY(faults[DelayedCalls] > 0);
+            window.clickRow("a");
+            QCOMPARE(window.dialog.selectedFiles(), QStringList(path("a")));
+            window.dialog.setDirectory(QDir(other), false, true);
+            QTRY_COMPARE(window.rows(), QStringList("c"));
+            QTest::qWait(20);
+            QVERIFY(SampleFiles::make(other, {"d"}));
+            QTRY_COMPARE(window.rows(), (QStringList{"c", "d"}));
+            window.dialog.setDirectory(QDir(m_folder), false, true);
+        }
+        QVERIFY(timer.elapsed() < 15000);
+    }
+
+private:
+    // Returns when the system tells of changes.
+    static void watch(const DialogWindow& window)
+    {
+        faultyCall = "inotify_add_watch";
+        faults[CallDelay] = 1;
+        faults[DelayedCalls] = 0;
+        window.dialog.setWatched(true);
+        QTRY_VERIFY(faults[DelayedCalls] > 0);
+    }
+    QString path(const char* name) const { return m_folder + '/' + name; }
+
+    std::unique_ptr<QTemporaryDir> m_parent;
+    QString m_folder;
+};
+
+QTEST_MAIN(WatchingTest)
+#include "WatchingTest.moc"
