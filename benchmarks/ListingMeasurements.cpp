@@ -108,6 +108,7 @@ public:
         : m_expanded(expanded)
     {
         m_browser.setSequencesEnabled(!expanded);
+        m_browser.setWatched(qEnvironmentVariableIsSet("LISTING_WATCHED"));
         m_browser.setDirectory(QDir(m_empty.path()), false, true);
         m_browser.resize(1000, 700);
         m_browser.show();

@@ -1,10 +1,12 @@
-// Goes from directory to directory as often as a user in a day or more. Makes and destroys browsers during
-// reads and while their boxes are open, and dialogs with settings and favourites files of random bytes.
-// Prints the memory in use. Exit status: 1 if memory grows, rows are wrong or a favourite is lost. Usage:
-// endurance-benchmark [CHANGES [BROWSERS]]
+// Goes from directory to directory as often as a user in a day or more, and changes a watched one as often.
+// Makes and destroys browsers during reads and while their boxes are open, and dialogs with settings and
+// favourites files of random bytes. Prints the memory in use. Exit status: 1 if memory grows, rows are wrong
+// or a favourite is lost. Usage: endurance-benchmark [CHANGES [BROWSERS]]
 
 #include "Measuring.h"
 #include "MemoryWatch.h"
+#include "browser/DirectoryModel.h"
+#include "catalogue/DirectoryWatch.h"
 #include "dialog/FileDialog.h"
 #include "favorites/FavoritesFile.h"
 #include "widgets/AppSettings.h"
@@ -25,9 +27,11 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <functional>
 #include <malloc.h>
 #include <random>
 #include <set>
+#include <utility>
 
 using namespace Halvern::UI;
 using Measuring::milliseconds;
@@ -55,6 +59,12 @@ QString folderName(const QString& tree, int index)
 int fileCount(int index)
 {
     return 100 + 45 * index;
+}
+
+bool writeFile(const QString& path, const QByteArray& bytes)
+{
+    QFile file(path);
+    return file.open(QFile::WriteOnly) && file.write(bytes) == bytes.size();
 }
 
 bool makeFolders(const QString& tree)
@@ -99,6 +109,59 @@ bool changeDirectories(const QString& tree, int changes)
         watch.finishRound(change);
     }
     return watch.isSteady();
+}
+
+// Changes a folder that is watched, as often as a render farm does in a day, and reads it again each time.
+bool followChanges(const QString& folder, int changes)
+{
+    FileBrowser browser;
+    browser.setSequencesEnabled(true);
+    browser.setDirectory(QDir(folder), false, true);
+    browser.show();
+    auto& model = *browser.findChild<FileBrowser::DirectoryModel*>();
+    DirectoryWatch watch({1, 1, 1, 1000000});
+    bool wanted = false;
+    int updates = 0;
+    QObject::connect(&watch, &DirectoryWatch::changed, &browser, [&] { wanted = true; });
+    QObject::connect(&model, &FileBrowser::DirectoryModel::updated, &browser,
+                     [&](int /*milliseconds*/, bool succeeded) {
+                         updates += succeeded ? 1 : 0;
+                         watch.endRead(0, true);
+                     });
+    const auto waitUntil = [](const std::function<bool()>& condition) {
+        QElapsedTimer timer;
+        timer.start();
+        bool holds = condition();
+        while (!holds && timer.elapsed() < 10000) {
+            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 10);
+            holds = condition();
+        }
+        return holds;
+    };
+    watch.beginRead(folder.toStdString());
+    watch.endRead(0, true);
+    watch.setActive(true);
+    // Until the watch has begun.
+    waitUntil([&] {
+        writeFile(folder + QStringLiteral("/new.0.exr"), "x");
+        return wanted;
+    });
+    MemoryWatch memory("watched", changes, changes < DefaultChanges ? AllowedInFewChanges : AllowedInChanges);
+    for (int change = 1; change <= changes; ++change) {
+        const int before = updates;
+        // A frame comes, is replaced by another, and goes.
+        const QString frame = QStringLiteral("%1/new.%2.exr").arg(folder).arg(change / 3 % 100);
+        if (change % 3 == 2 ? !QFile::remove(frame) : !writeFile(frame, QByteArray(change % 3 + 1, 'x')))
+            return false;
+        if (!waitUntil([&] { return std::exchange(wanted, false); }) ||
+            !waitUntil([&] { return model.update() || updates > before; }) ||
+            !waitUntil([&] { return updates > before; })) {
+            std::printf("watched: change %d is not shown\n", change);
+            return false;
+        }
+        memory.finishRound(change);
+    }
+    return memory.isSteady();
 }
 
 // Destroys a browser with a selected favourite while the box of a button is open, or the box that follows it.
@@ -215,12 +278,6 @@ QByteArray anything(std::mt19937& random)
     return bytes;
 }
 
-bool writeFile(const QString& path, const QByteArray& bytes)
-{
-    QFile file(path);
-    return file.open(QFile::WriteOnly) && file.write(bytes) == bytes.size();
-}
-
 /// A pane without a drawing surface, which would need the display driver.
 class Pane : public QWidget
 {
@@ -331,10 +388,11 @@ int main(int argc, char** argv)
         return 1;
     }
     const bool changesSteady = changeDirectories(tree.path(), changes);
+    const bool watchedSteady = followChanges(folderName(tree.path(), Folders - 1), changes);
     const bool browsersSteady = destroyInMidRead(large, browsers);
     const bool boxesSteady = destroyBehindBoxes(std::max(browsers / 2, 1));
     const bool filesRead = readAnything(tree.path(), browsers);
-    return changesSteady && browsersSteady && boxesSteady && filesRead ? 0 : 1;
+    return changesSteady && watchedSteady && browsersSteady && boxesSteady && filesRead ? 0 : 1;
 }
 
 #include "endurance.moc"

@@ -4,6 +4,8 @@
 //     listing-benchmark [ROUNDS [FILES]]                makes its trees in the working directory
 //     listing-benchmark --measure KIND FOLDER FILES     one measurement of an existing tree
 //
+// If the environment has LISTING_WATCHED, the browsers watch their folder.
+//
 // The first form runs the second one for every value. Use the second form with a profiler.
 
 #include "ListingMeasurements.h"
