@@ -207,7 +207,8 @@ public slots:
     void refresh();
 
 signals:
-    /// A directory was entered, a row selected, or a path typed. @p info lives until the signal returns.
+    /// A directory was entered, a row selected or a path typed, or the selected sequence has another range.
+    /// @p info lives until the signal returns.
     void fileSelected(const Halvern::UI::FileInfo& info, QDir dir);
     /// A row was double-clicked; this signal comes first. @p info lives until the signal returns.
     void fileDoubleClick(const Halvern::UI::FileInfo& info);

@@ -106,7 +106,9 @@ const QString& FilePreview::file() const
 void FilePreview::previewFile(const char* path)
 {
     const QString selected = QString::fromUtf8(path);
-    select(selected, PreviewText::runsOf(selected));
+    const Base::FrameRanges present = PreviewText::runsOf(selected);
+    if (!grow(selected, present))
+        select(selected, present);
 }
 
 void FilePreview::updateRange(int first, int last)
@@ -116,13 +118,41 @@ void FilePreview::updateRange(int first, int last)
 
 void FilePreview::fileSelected(const Halvern::UI::FileInfo& info, QDir dir)
 {
-    d->frame = 0;
     const QString name = QString::fromUtf8(info.displayName());
     // A browser that enters a folder sends its path, without looking at the disk.
-    if (info.isDirectory() || QDir::cleanPath(dir.absoluteFilePath(name)) == dir.absolutePath())
-        return select(QString(), {});
-    const auto present = Base::FrameRanges::unite(info.frameRanges());
-    select(dir.absolutePath() + QLatin1Char('/') + name, present.value_or(Base::FrameRanges()));
+    const bool isFolder =
+        info.isDirectory() || QDir::cleanPath(dir.absoluteFilePath(name)) == dir.absolutePath();
+    const QString path = isFolder ? QString() : QString(dir.absolutePath() + QLatin1Char('/') + name);
+    const auto present = (isFolder ? std::nullopt : Base::FrameRanges::unite(info.frameRanges()))
+                             .value_or(Base::FrameRanges());
+    if (grow(path, present))
+        return;
+    d->frame = 0;
+    select(path, present);
+}
+
+// Whether @p path is what is selected, in a later state with other frames. The disk is asked only for a frame
+// that is not shown yet.
+bool FilePreview::grow(const QString& path, const Base::FrameRanges& present)
+{
+    const auto before = Placeholder::splitRange(d->path);
+    const auto now = Placeholder::splitRange(path);
+    const bool isSame = before && now && before->name == now->name && before->first <= now->last &&
+                        now->first <= before->last;
+    if (!isSame || (before->first == now->first && before->last == now->last))
+        return false;
+    d->path = path;
+    d->present = present;
+    if (d->slider->viewStart() == before->first && d->slider->viewEnd() == before->last)
+        d->slider->range(now->first, now->last);
+    if (!isVisible() || d->playback->isPlaying())
+        return true;
+    const int frame = FCPreviewInfo(path, d->slider->value()).frame;
+    if (frame == d->frame && !d->file.isEmpty())
+        d->request.start(0); // its label has the range
+    else if (frame != d->frame || present.isEmpty() || present.contains(frame))
+        showSelection();
+    return true;
 }
 
 // A sequence that is selected again leaves the view where the user zoomed it.

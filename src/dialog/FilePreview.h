@@ -23,10 +23,11 @@ struct Picture;
 /// available." if the file is missing or of a kind that is never shown.
 ///
 /// The slider has no in and out marks. It shows the range of the sequence that was selected last, until its
-/// user zooms or its host calls updateRange(); its head stays. A frame outside a sequence's range counts as
-/// the nearest inside, without moving the slider. Its row of cached frames has those that are shown at once.
-/// While the slider has the focus, Space plays the frames in view at the rate that the file says, or 24 a
-/// second, again and again, and stops it.
+/// user zooms or its host calls updateRange(); its head stays. If the sequence grows, which is selected again
+/// with another range that has frames in common, then frame, playback and zoom stay too. A frame outside a
+/// sequence's range counts as the nearest inside, without moving the slider. Its row of cached frames has
+/// those that are shown at once. While the slider has the focus, Space plays the frames in view at the rate
+/// that the file says, or 24 a second, again and again, and stops it.
 ///
 /// GUI thread only; its controls are found by objectName: "preview" is the drawing surface, "label" the
 /// status text, "slider" the slider.
@@ -68,6 +69,7 @@ protected:
 
 private:
     void select(const QString& path, const Base::FrameRanges& present);
+    bool grow(const QString& path, const Base::FrameRanges& present);
     void showSelection();
     void noPreview(bool resetSlider);
     void readPicture();

@@ -78,7 +78,10 @@ private slots:
         slider.range(3, 9); // zoomed
         QCOMPARE(view("a.#.exr 1-20"), QStringLiteral("3-9 7"));
         QCOMPARE(view("a.#.exr 1-20 ( 1-5 9-20 )"), QStringLiteral("3-9 7"));
-        QCOMPARE(view("a.#.exr 1-30"), QStringLiteral("1-30 7"));
+        QCOMPARE(view("a.#.exr 1-30"), QStringLiteral("3-9 7")); // it grows
+        slider.range(1, 30);
+        QCOMPARE(view("a.#.exr 1-40"), QStringLiteral("1-40 7"));
+        QCOMPARE(view("a.#.exr 50-60"), QStringLiteral("50-60 7")); // another run
         slider.range(3, 9);
         QCOMPARE(view("b.#.exr 1-30"), QStringLiteral("1-30 7"));
         QCOMPARE(view("still.exr"), QStringLiteral("1-30 7"));
@@ -215,12 +218,23 @@ private slots:
 
         QTest::keyClick(&slider, Qt::Key_Space);
         QTRY_VERIFY(slider.value() > 12);
+        pane.previewFile(folder.filePath(QStringLiteral("shot.####.exr 1-21")).toUtf8().constData());
+        QVERIFY(cached(6) && slider.value() > 12);
         QTRY_VERIFY(slider.value() < 8); // again from the first on
         QTest::keyClick(&slider, Qt::Key_Space);
         const int stopped = slider.value();
         QTRY_VERIFY(label.text().contains(QStringLiteral("frame %1 of").arg(stopped)));
         QTest::qWait(100);
         QCOMPARE(slider.value(), stopped);
+        // A frame arrives that was missing.
+        slider.setValue(9);
+        pane.gotoFrame(9);
+        QVERIFY(SampleFiles::make(folder.path(), "shot.0009.exr"));
+        pane.previewFile(folder.filePath(QStringLiteral("shot.####.exr 1-22")).toUtf8().constData());
+        QTRY_VERIFY(label.text().endsWith("frame 9 of 1-22"));
+        pane.previewFile(folder.filePath(QStringLiteral("shot.####.exr 1-23")).toUtf8().constData());
+        QVERIFY(!label.text().isEmpty());
+        QTRY_VERIFY(label.text().endsWith("frame 9 of 1-23"));
         pane.hide();
         QVERIFY(!cached(1));
     }
