@@ -7,6 +7,7 @@
 
 #include <QDateTime>
 #include <QFont>
+#include <QScopeGuard>
 #include <QScopedValueRollback>
 #include <algorithm>
 #include <cerrno>
@@ -184,7 +185,7 @@ void FileBrowser::DirectoryModel::setDirectory(const QDir& dir, SequenceMode /*m
         m_reading = started;
     if (started)
         m_listReady = false;
-    if (started || dir != before) {
+    if (started || entriesDied || dir != before) {
         m_update.abandon();
         m_update.forgetError();
     }
@@ -210,7 +211,13 @@ void FileBrowser::DirectoryModel::setEvaluator(FileSequenceEvaluator* evaluator)
     if (!m_evaluator)
         return;
     m_evaluatorLifetime = m_evaluator->lifetime();
-    m_evaluator->setManager(m_manager.get());
+    giveManagerToEvaluator();
+}
+
+void FileBrowser::DirectoryModel::giveManagerToEvaluator()
+{
+    if (hasEvaluator())
+        m_evaluator->setManager(m_manager.get());
 }
 
 void FileBrowser::DirectoryModel::buildRunningList()
@@ -291,6 +298,7 @@ std::vector<FileInfo*> FileBrowser::DirectoryModel::askEvaluator(FileManager& ma
     std::vector<FileInfo*> files;
     manager.buildRunningList(&files, Base::FileHandle::AllFiles);
     m_evaluator->setManager(&manager);
+    const auto restore = qScopeGuard([this] { giveManagerToEvaluator(); });
     const QScopedValueRollback<bool> guard(m_evaluating, true);
     return m_evaluator->evaluateFiles(files);
 }

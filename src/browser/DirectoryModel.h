@@ -147,6 +147,7 @@ private:
     bool isEvaluating() const { return hasEvaluator() && m_sequenceMode != SequenceMode::Expanded; }
     std::vector<FileInfo*> evaluateFiles();
     std::vector<FileInfo*> askEvaluator(FileManager& manager);
+    void giveManagerToEvaluator();
     DirectoryRows builtRows(FileManager& manager) const;
     void buildLater();
     void connectManager();
@@ -156,6 +157,8 @@ private:
     void buildNextRows();
     void keepRowsOfEvaluator(std::vector<RowKey>& keys);
     void bringRows(NextRows& next);
+    void changeRows(NextRows& next);
+    void loseRows();
     void bringByRanges(NextRows& next);
     void bringByLayout(NextRows& next);
 

@@ -4,6 +4,8 @@
 #include "catalogue/FileSequenceEvaluator.h"
 
 #include <algorithm>
+#include <cerrno>
+#include <new>
 #include <utility>
 
 namespace Halvern::UI {
@@ -51,10 +53,9 @@ void FileBrowser::DirectoryModel::buildNextRows()
     if (asks) {
         keepRowsOfEvaluator(next->keysBefore);
         m_wantedAgain = false;
+        const unsigned number = m_update.number();
         evaluatedRows = askEvaluator(m_update.manager());
-        if (hasEvaluator())
-            m_evaluator->setManager(m_manager.get());
-        if (!m_update.isRunning())
+        if (!m_update.isRunning() || number != m_update.number())
             return;
         if (asked != m_evaluator) {
             m_update.abandon();
@@ -95,10 +96,6 @@ void FileBrowser::DirectoryModel::keepRowsOfEvaluator(std::vector<RowKey>& keys)
 void FileBrowser::DirectoryModel::bringRows(NextRows& next)
 {
     const RowChanges& changes = next.changes;
-    emit rowsAboutToBeUpdated(changes, next.rows);
-    // Whoever listens to the filename field may have gone to another directory.
-    if (!m_update.isRunning())
-        return;
     const std::vector<FileInfo*> entriesBefore = m_rows.entries;
     std::vector<FileInfo*> entriesAfter(entriesBefore.size(), nullptr);
     for (int row = 0; row < changes.rowsBefore(); ++row) {
@@ -106,6 +103,31 @@ void FileBrowser::DirectoryModel::bringRows(NextRows& next)
         if (!changes.vanishes(row))
             entriesAfter[static_cast<std::size_t>(row)] = next.rows.entries[place];
     }
+    // No host is called until all rows are in their places.
+    emit rowsAboutToBeUpdated(changes, next.rows);
+    try {
+        // First: whatever fails, the rows that are shown belong to the manager or are given up.
+        m_update.exchange(m_manager);
+        connectManager();
+        giveManagerToEvaluator();
+        m_manager->setNamesOrdered(m_sequenceMode == SequenceMode::Expanded);
+        m_entriesGeneration = m_manager->generation();
+        changeRows(next);
+    } catch (const std::bad_alloc&) {
+        loseRows();
+        throw;
+    }
+    emit entriesReplaced(entriesBefore, entriesAfter);
+    m_keptRows.clear();
+    if (rowCount() > 0)
+        updateInfo(0, -1);
+    emit rowsUpdated();
+    m_update.finish();
+}
+
+void FileBrowser::DirectoryModel::changeRows(NextRows& next)
+{
+    const RowChanges& changes = next.changes;
     const int hovered = std::exchange(m_hoveredRow, -1);
     const bool isInOrder = m_rows.isInNameOrder() && next.rows.isInNameOrder() && m_shownAsOrdered;
     const bool areFew = changes.vanishing().size() + changes.added().size() <= FewRanges;
@@ -118,16 +140,19 @@ void FileBrowser::DirectoryModel::bringRows(NextRows& next)
     if (hovered >= 0 && hovered < changes.rowsBefore() && !changes.vanishes(hovered))
         m_hoveredRow = changes.places()[static_cast<std::size_t>(hovered)];
     m_buildError = 0;
-    m_update.exchange(m_manager);
-    connectManager();
-    m_manager->setNamesOrdered(m_sequenceMode == SequenceMode::Expanded);
-    m_entriesGeneration = m_manager->generation();
-    emit entriesReplaced(entriesBefore, entriesAfter);
+}
+
+// As if a list had been built without memory for its rows.
+void FileBrowser::DirectoryModel::loseRows()
+{
+    emit entriesExpire();
+    beginResetModel();
+    m_hoveredRow = -1;
+    m_buildError = ENOMEM;
+    m_rows.entries.clear();
+    m_rows.names = NameOrder();
     m_keptRows.clear();
-    if (rowCount() > 0)
-        updateInfo(0, -1);
-    emit rowsUpdated();
-    m_update.finish();
+    endResetModel();
 }
 
 // The rows that stay keep their order: those that vanish are removed, then the new ones inserted.

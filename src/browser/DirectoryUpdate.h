@@ -26,6 +26,8 @@ public:
     void begin(const std::string& path, bool namesOrdered);
     /// From begin() on until ended().
     bool isRunning() const { return m_isRunning; }
+    /// Counts the calls of begin().
+    unsigned number() const { return m_number; }
     /// Ends an update that is running without a result. Waits for the worker's present call to the file
     /// system.
     void abandon();

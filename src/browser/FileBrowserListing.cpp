@@ -21,15 +21,18 @@
 
 namespace Halvern::UI {
 
-// The part of the filename field after its last separator, which narrows the listing.
-QString FileBrowser::Private::typedNamePrefix() const
+namespace {
+
+// The part of the filename field's text after its last separator, which narrows the listing.
+QString namePrefixOf(const QString& text)
 {
-    const QString text = m_controls.filenameEdit->text();
     auto separator = text.lastIndexOf(QLatin1Char('/'));
     if (separator < 0 || text.endsWith(QLatin1Char('\\')))
         separator = text.lastIndexOf(QLatin1Char('\\'));
     return text.mid(separator + 1);
 }
+
+} // namespace
 
 void FileBrowser::refresh()
 {
@@ -38,7 +41,7 @@ void FileBrowser::refresh()
     d->m_proxy->setNamePrefix(QString());
     d->m_model->setDirectory(d->m_directory, getSequenceMode(), false);
     d->m_proxy->setFilterBlocked(d->m_filterBlock);
-    d->m_proxy->setNamePrefix(d->typedNamePrefix());
+    d->m_proxy->setNamePrefix(namePrefixOf(d->m_controls.filenameEdit->text()));
     d->m_proxy->setFilterPattern(d->m_controls.filterCombo->currentText());
     d->m_proxy->apply();
     d->m_filesList->clearSelection();
@@ -224,7 +227,7 @@ void FileBrowser::Private::showArrivedAttributes()
 }
 
 // The rows are about to change in place. If the filename field shows the path of the row that is selected, it
-// goes on to do so.
+// goes on to do so. It is set at the end, because its text is announced to the host.
 void FileBrowser::Private::beginUpdate(const RowChanges& changes, const DirectoryRows& rows)
 {
     m_rowsUpdating = true;
@@ -237,27 +240,34 @@ void FileBrowser::Private::beginUpdate(const RowChanges& changes, const Director
     const auto place = static_cast<std::size_t>(changes.places()[static_cast<std::size_t>(row)]);
     const QString before = normalizeFile(m_model->getFullFilePath(row));
     const QString after = normalizeFile(m_model->getFullFilePath(*rows.entries[place]));
-    QLineEdit& edit = *m_controls.filenameEdit;
-    if (after == before || edit.text() != before)
+    if (after == before || m_controls.filenameEdit->text() != before)
         return;
     m_choiceUpdated = true;
-    const bool narrows = m_proxy->namePrefix() == Placeholder::withHashes(typedNamePrefix()).toStdString();
-    const int cursor = edit.cursorPosition();
-    edit.setText(after);
-    edit.setCursorPosition(cursor);
-    if (narrows)
-        m_proxy->setNamePrefix(typedNamePrefix());
+    m_updatedText = after;
+    if (m_proxy->namePrefix() == Placeholder::withHashes(namePrefixOf(before)).toStdString())
+        m_proxy->setNamePrefix(namePrefixOf(after));
 }
 
+// All rows are in their places. Whoever is told of what changed may do anything, also delete the browser.
 void FileBrowser::Private::endUpdate(bool succeeded)
 {
     if (!std::exchange(m_rowsUpdating, false))
         return;
+    const QPointer<FileBrowser> alive = q;
+    const bool isChoiceUpdated = std::exchange(m_choiceUpdated, false);
+    const QString text = std::exchange(m_updatedText, {});
     if (succeeded && !m_awaited.isEmpty()) {
         awaitChoice();
         m_filesList->choose(std::exchange(m_awaited, {}));
     }
-    if (std::exchange(m_choiceUpdated, false))
+    if (alive && !text.isEmpty()) {
+        QLineEdit& edit = *m_controls.filenameEdit;
+        const int cursor = edit.cursorPosition();
+        edit.setText(text);
+        if (alive && edit.text() == text)
+            edit.setCursorPosition(cursor);
+    }
+    if (alive && isChoiceUpdated)
         q->fileSelectionChanged();
 }
 

@@ -59,7 +59,6 @@ public:
     std::optional<Favorite> editableFavorite(int row) const;
 
     // FileBrowserListing.cpp
-    QString typedNamePrefix() const;
     void selectTypedRow();
     void buildRows();
     void showArrivedAttributes();
@@ -116,6 +115,7 @@ public:
     bool m_awaitsTypedRow = false;
     bool m_rowsUpdating = false; // what is chosen is looked at when all rows are in their places
     bool m_choiceUpdated = false;
+    QString m_updatedText;   // of the filename field, when they are; empty if it stays
     bool m_rowsHeld = false; // buildRows() follows when all that decides about them is set
 
     // Brings attributes that arrived to the list, several batches at a time.

@@ -269,6 +269,11 @@ private slots:
         window.clickRow("s.##.exr 1-5");
         int files = 0;
         connect(&window.browser, &FileBrowser::fileSelected, this, [&] { ++files; });
+        // The host is told of the path when the rows stand, and may update again.
+        const auto announced = connect(window.edit(), &QLineEdit::textChanged, this, [&] {
+            QCOMPARE(window.rows(), QStringList("s.##.exr 1-11 ( 1-5 7 10-11 )"));
+            QVERIFY(update(window));
+        });
         window.edit()->setCursorPosition(4);
         for (const char* name : {"s.02.exr", "s.07.exr", "s.10.exr", "s.11.exr"})
             QVERIFY(SampleFiles::make(m_folder->path(), name, 7));
@@ -278,6 +283,7 @@ private slots:
         QCOMPARE(toolTip(), "4 frames are empty: 1, 3, 4, 5\nMissing: 6, 8-9");
         QCOMPARE(window.edit()->text(), m_folder->filePath("s.##.exr 1-11"));
         QCOMPARE(window.edit()->cursorPosition(), 4);
+        QVERIFY(disconnect(announced));
         QCOMPARE(files, 1);
         QCOMPARE(window.browser.acceptance(), FileBrowser::Acceptance::Open);
 
