@@ -111,11 +111,18 @@ void FileBrowser::FilesMenu::forgetItems()
 void FileBrowser::FilesMenu::replaceItems(const std::vector<FileInfo*>& before,
                                           const std::vector<FileInfo*>& after)
 {
+    if (!m_menuOpen)
+        m_editItems.clear(); // the next shortcut collects its items anew
     if (m_editItems.isEmpty())
         return;
     QHash<const FileInfo*, FileInfo*> successors;
-    for (std::size_t row = 0; row < before.size(); ++row)
-        successors.insert(before[row], after[row]);
+    for (const FileInfo* item : qAsConst(m_editItems))
+        successors.insert(item, nullptr);
+    for (std::size_t row = 0; row < before.size(); ++row) {
+        const auto item = successors.find(before[row]);
+        if (item != successors.end())
+            *item = after[row];
+    }
     QList<FileInfo*> items;
     for (const FileInfo* item : qAsConst(m_editItems)) {
         if (FileInfo* successor = successors.value(item))
