@@ -23,6 +23,8 @@ RowKey keyOf(const FileInfo& entry, const DirectoryRows& rows, const FileManager
         return key;
     key.kind = RowKey::Sequence;
     const auto& members = entry.sequenceFiles();
+    if (!rows.isEvaluated)
+        key.frames = &members;
     if (entry.parentSequence()) {
         key.firstFrame = entry.startFrame();
         key.lastFrame = entry.endFrame();

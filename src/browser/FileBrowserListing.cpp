@@ -5,6 +5,7 @@
 #include "browser/DirectoryModel.h"
 #include "browser/FileBrowserPrivate.h"
 #include "browser/ListNotice.h"
+#include "browser/PickListLine.h"
 #include "browser/ProxyModel.h"
 #include "frames/Placeholder.h"
 #include "paths/Path.h"
@@ -18,6 +19,7 @@
 #include <QLabel>
 #include <QPushButton>
 #include <algorithm>
+#include <cstring>
 
 namespace Halvern::UI {
 
@@ -231,6 +233,7 @@ void FileBrowser::Private::showArrivedAttributes()
 void FileBrowser::Private::beginUpdate(const RowChanges& changes, const DirectoryRows& rows)
 {
     m_rowsUpdating = true;
+    updatePickList(changes, rows);
     const QItemSelection& selection = m_filesList->selectionModel()->selection();
     if (selection.size() != 1 || selection.first().height() != 1)
         return;
@@ -248,6 +251,26 @@ void FileBrowser::Private::beginUpdate(const RowChanges& changes, const Director
         m_proxy->setNamePrefix(namePrefixOf(after));
 }
 
+// Sequences in the pick list that have other frames from now on stay in it.
+void FileBrowser::Private::updatePickList(const RowChanges& changes, const DirectoryRows& rows)
+{
+    QHash<QString, QString> successors;
+    for (int row = 0; row < changes.rowsBefore() && !m_pickList.isEmpty(); ++row) {
+        const auto place = static_cast<std::size_t>(changes.places()[static_cast<std::size_t>(row)]);
+        const FileInfo* before = m_model->entry(row);
+        const FileInfo* after = changes.vanishes(row) ? nullptr : rows.entries[place];
+        if (!before || !after || std::strcmp(before->displayName(), after->displayName()) == 0)
+            continue;
+        const QString path = normalizeFile(m_model->getFullFilePath(*before));
+        if (m_pickList.contains(path))
+            successors.insert(path, normalizeFile(m_model->getFullFilePath(*after)));
+    }
+    if (successors.isEmpty())
+        return;
+    m_pickList.replace(successors);
+    m_pickListUpdated = true;
+}
+
 // All rows are in their places. Whoever is told of what changed may do anything, also delete the browser.
 void FileBrowser::Private::endUpdate(bool succeeded)
 {
@@ -255,6 +278,10 @@ void FileBrowser::Private::endUpdate(bool succeeded)
         return;
     const QPointer<FileBrowser> alive = q;
     const bool isChoiceUpdated = std::exchange(m_choiceUpdated, false);
+    const bool isPickListUpdated = std::exchange(m_pickListUpdated, false);
+    if (isPickListUpdated)
+        m_controls.pickListLine->showPaths(m_pickList.paths());
+    m_rowsKnow = succeeded;
     const QString text = std::exchange(m_updatedText, {});
     if (succeeded && !m_awaited.isEmpty()) {
         awaitChoice();
@@ -269,6 +296,10 @@ void FileBrowser::Private::endUpdate(bool succeeded)
     }
     if (alive && isChoiceUpdated)
         q->fileSelectionChanged();
+    else if (alive && isPickListUpdated)
+        emit q->choiceChanged();
+    if (alive)
+        m_rowsKnow = false;
 }
 
 void FileBrowser::Private::showNotice()

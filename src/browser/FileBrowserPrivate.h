@@ -63,6 +63,7 @@ public:
     void buildRows();
     void showArrivedAttributes();
     void beginUpdate(const RowChanges& changes, const DirectoryRows& rows);
+    void updatePickList(const RowChanges& changes, const DirectoryRows& rows);
     void endUpdate(bool succeeded);
     void showNotice();
     void updateSplitSequencesButton();
@@ -80,6 +81,7 @@ public:
     bool awaitsSelection() const;
     void awaitChoice();
     bool isAcceptable() const;
+    bool isTypedFolder() const;
     bool isAcceptable(const FileInfo& info) const;
     bool takesFolders() const;
     void showQueue(bool changed);
@@ -115,6 +117,8 @@ public:
     bool m_awaitsTypedRow = false;
     bool m_rowsUpdating = false; // what is chosen is looked at when all rows are in their places
     bool m_choiceUpdated = false;
+    bool m_pickListUpdated = false;
+    bool m_rowsKnow = false; // while changes of an update are announced, nothing is asked of the disk
     QString m_updatedText;   // of the filename field, when they are; empty if it stays
     bool m_rowsHeld = false; // buildRows() follows when all that decides about them is set
 

@@ -7,6 +7,7 @@
 #include "browser/FilesMenu.h"
 #include "browser/PickListLine.h"
 #include "browser/ProxyModel.h"
+#include "paths/Path.h"
 #include "widgets/FilePathEdit.h"
 
 #include <QFileInfo>
@@ -66,10 +67,21 @@ bool FileBrowser::Private::isAcceptable() const
 {
     const QModelIndexList rows = m_filesList->selectedSourceRows();
     if (rows.isEmpty())
-        return takesFolders() && QFileInfo(m_controls.filenameEdit->text()).isDir();
+        return takesFolders() && isTypedFolder();
     return (rows.size() == 1 || m_multipleSelections) &&
            std::all_of(rows.begin(), rows.end(),
                        [this](const QModelIndex& row) { return isAcceptable(*m_model->fileInfo(row)); });
+}
+
+bool FileBrowser::Private::isTypedFolder() const
+{
+    const QString text = m_controls.filenameEdit->text();
+    const QString folder = Base::withSeparator(m_model->directory().absolutePath());
+    const QString name = text.startsWith(folder) ? text.mid(folder.size()) : QString();
+    if (!m_rowsKnow || name.isEmpty() || name.contains(QLatin1Char('/')))
+        return QFileInfo(text).isDir();
+    const FileInfo* const info = m_model->entry(m_model->find(name.toUtf8()).row());
+    return info && info->isDirectory();
 }
 
 bool FileBrowser::Private::isAcceptable(const FileInfo& info) const

@@ -1,7 +1,5 @@
 #include "browser/PickList.h"
 
-#include <QHash>
-
 namespace Halvern::UI {
 
 void PickList::append(const QString& path)
@@ -24,6 +22,14 @@ void PickList::remove(const QStringList& paths)
         else
             --*found;
     }
+}
+
+void PickList::replace(const QHash<QString, QString>& successors)
+{
+    const QStringList before = std::exchange(m_paths, {});
+    m_known.clear();
+    for (const QString& path : before)
+        append(successors.value(path, path));
 }
 
 } // namespace Halvern::UI

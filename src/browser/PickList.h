@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QHash>
 #include <QSet>
 #include <QStringList>
 
@@ -17,6 +18,8 @@ public:
     void append(const QString& path);
     /// Removes, for each of @p paths, the first one that is equal to it.
     void remove(const QStringList& paths);
+    /// Puts the values of @p successors in place of the paths that are their keys.
+    void replace(const QHash<QString, QString>& successors);
 
 private:
     QStringList m_paths;

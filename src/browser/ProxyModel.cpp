@@ -107,7 +107,8 @@ void FileBrowser::ProxyModel::noteEntries(const std::vector<FileInfo*>& before,
     const bool isFiltered = !m_nameFilter.text().isEmpty() || !m_namePrefix.empty();
     const bool mayPassOtherwise = isFiltered && !m_isArranged;
     for (std::size_t row = 0; mayPassOtherwise && !m_namesChanged && row < before.size(); ++row)
-        m_namesChanged = before[row] && after[row] && before[row]->isSequence() &&
+        m_namesChanged = before[row] && after[row] &&
+                         (before[row]->isSequence() || after[row]->isSequence()) &&
                          std::strcmp(before[row]->displayName(), after[row]->displayName()) != 0;
 }
 

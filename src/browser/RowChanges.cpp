@@ -1,5 +1,7 @@
 #include "browser/RowChanges.h"
 
+#include "catalogue/FileInfo.h"
+
 #include <algorithm>
 #include <unordered_map>
 
@@ -48,6 +50,10 @@ public:
         m_first = first;
         match(&RowKey::name);
         match(&RowKey::firstFile);
+        matchFrames(m_keysBefore, m_placeOf, m_keysAfter, m_rowAt,
+                    [this](int file, int sequence) { pair(file, sequence); });
+        matchFrames(m_keysAfter, m_rowAt, m_keysBefore, m_placeOf,
+                    [this](int file, int sequence) { pair(sequence, file); });
     }
 
     int placeOf(int row) const { return m_placeOf[static_cast<std::size_t>(row)]; }
@@ -67,6 +73,11 @@ private:
         if (m_first == m_lastAfter || m_first == m_lastBefore)
             return;
         std::unordered_map<std::string_view, int> chains[RowKey::Sequence + 1];
+        std::size_t counts[RowKey::Sequence + 1] = {};
+        for (int row = m_first; row < m_lastBefore; ++row)
+            ++counts[at(m_keysBefore, row).kind];
+        for (int kind = 0; kind <= RowKey::Sequence; ++kind)
+            chains[kind].reserve(counts[kind]);
         std::vector<int> next(static_cast<std::size_t>(m_lastBefore - m_first), None);
         for (int row = m_lastBefore - 1; row >= m_first; --row) {
             const RowKey& key = at(m_keysBefore, row);
@@ -92,6 +103,32 @@ private:
                 continue;
             pair(row, place);
             row = next[static_cast<std::size_t>(row - m_first)];
+        }
+    }
+
+    // Pairs files of one state that are alone in it with the sequences of the other that they are in.
+    template <class Pair>
+    void matchFrames(const Keys& files, const std::vector<int>& pairedFiles, const Keys& sequences,
+                     const std::vector<int>& pairedSequences, Pair pairRows)
+    {
+        if (m_first == m_lastAfter || m_first == m_lastBefore)
+            return;
+        std::unordered_map<std::string_view, int> left;
+        for (std::size_t row = 0; row < files.size(); ++row) {
+            if (files[row].kind == RowKey::File && pairedFiles[row] == None)
+                left.emplace(files[row].name, static_cast<int>(row));
+        }
+        for (std::size_t row = 0; row < sequences.size() && !left.empty(); ++row) {
+            if (pairedSequences[row] != None || !sequences[row].frames)
+                continue;
+            for (const auto& [frame, file] : *sequences[row].frames) {
+                const auto found = file ? left.find(file->fileName()) : left.end();
+                if (found == left.end())
+                    continue;
+                pairRows(found->second, static_cast<int>(row));
+                left.erase(found);
+                break;
+            }
         }
     }
 

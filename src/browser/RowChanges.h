@@ -2,10 +2,13 @@
 
 #include <climits>
 #include <cstddef>
+#include <map>
 #include <string_view>
 #include <vector>
 
 namespace Halvern::UI {
+
+class FileInfo;
 
 /// What a row is recognised by in a later state of its directory. The texts are borrowed.
 struct RowKey
@@ -24,6 +27,9 @@ struct RowKey
     int lastFrame = INT_MAX;
     /// Sequences of several names, which an evaluator may give, are the same if they begin with this file.
     std::string_view firstFile = {};
+    /// The frames of a sequence. A single file among them is the same row before the others come and after
+    /// they are gone. Null if files are not looked for.
+    const std::map<int, FileInfo*>* frames = nullptr;
 };
 
 /// How the rows of a directory become those of a later state: which stay, which vanish and which are new. A

@@ -1,4 +1,5 @@
 #include "browser/RowChanges.h"
+#include "catalogue/FileInfo.h"
 #include "support/Test.h"
 
 #include <algorithm>
@@ -36,6 +37,10 @@ private slots:
     {
         using Keys = std::vector<RowKey>;
         const RowKey folder{RowKey::Folder, "a"};
+        FileInfo second("s2", false);
+        const std::map<int, FileInfo*> frames = {{1, nullptr}, {2, &second}};
+        RowKey sequence{RowKey::Sequence, "s#"};
+        sequence.frames = &frames;
         // Rows before, rows after, places.
         const std::tuple<Keys, Keys, std::vector<int>> table[] = {
             {{}, {}, {}},
@@ -52,6 +57,9 @@ private slots:
             {{run("s", 1, 3), run("s", 5, 9)}, {run("s", 1, 9)}, {0, 1}},
             {{folder, run("s", 5, 9)}, {run("s", 1, 2), run("s", 4, 9)}, {2, 1, 0}},
             {{run("s", 1, 3), folder}, {folder, run("s", 5, 9)}, {2, 0, 1}},
+            // A single frame that others join, and that is left of them.
+            {files({"s1", "s2", "t"}), {folder, sequence}, {2, 1, 3, 0}},
+            {{sequence}, files({"a", "s2"}), {1, 0}},
             // An evaluator's names may change with each file.
             {{run("2 files", 1, 2, "f"), run("x", 1, 2, "g")},
              {run("x", 1, 3, "g"), run("3 files", 1, 3, "f")},
