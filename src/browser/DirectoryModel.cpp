@@ -227,7 +227,6 @@ void FileBrowser::DirectoryModel::buildRunningList()
         m_wantedAgain = true;
         return;
     }
-    m_update.abandon();
     const FileInfo* hoveredEntry = entry(m_hoveredRow);
     // The host's code runs before the model changes. If it makes the browser read another directory, its
     // answer is about entries that are gone.
@@ -235,7 +234,11 @@ void FileBrowser::DirectoryModel::buildRunningList()
     const FileSequenceEvaluator* const asked = m_evaluator;
     m_wantedAgain = false;
     const bool asks = isEvaluating();
+    // The rows that an update was to change are about to go. What it reads stays good.
+    m_update.repeatSteps();
     std::vector<FileInfo*> evaluatedRows = asks ? evaluateFiles() : std::vector<FileInfo*>();
+    if (asks)
+        m_update.repeatSteps(); // takeFiles() did nothing in the meantime
     if (generation != m_manager->generation() || asked != m_evaluator) {
         if (m_wantedAgain)
             buildLater();

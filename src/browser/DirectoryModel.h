@@ -63,7 +63,7 @@ public:
     /// if a file is another than before, or its size or time.
     ///
     /// False, and nothing happens, while the directory is being read, also for attributes or by an update. A
-    /// new read and a rebuild of the rows abandon the update.
+    /// new read abandons the update. If the rows are built anew meanwhile, it brings those to the new state.
     bool update();
     bool isUpdating() const { return m_update.isRunning(); }
     /// Why the last update failed: an error number of the system, 0 if it succeeded or the directory was read

@@ -37,6 +37,8 @@ bool FileBrowser::DirectoryModel::update()
 // Each of the steps takes a turn of its own: at 100,000 rows each takes its time.
 void FileBrowser::DirectoryModel::takeFiles()
 {
+    if (m_evaluating)
+        return;
     if (readError() == 0 && m_update.hasFilesOf(*m_manager))
         m_update.finish();
     else

@@ -51,15 +51,27 @@ void DirectoryUpdate::noteArrivals(bool areNamesComplete)
     m_namesComplete = areNamesComplete;
     if (!m_isRunning || m_isRead)
         return;
-    // Not from within the manager's signals, after which it looks at its entries.
     m_isRead = m_manager->readError() != 0 || (m_namesComplete && m_manager->isInfoComplete());
     if (m_isRead)
-        inNextTurn([this] {
-            if (m_manager->readError() != 0)
-                end(m_manager->readError());
-            else
-                emit filesRead();
-        });
+        beginSteps();
+}
+
+// Not from within the manager's signals, after which it looks at its entries.
+void DirectoryUpdate::beginSteps()
+{
+    inNextTurn([this] {
+        if (m_manager->readError() != 0)
+            end(m_manager->readError());
+        else
+            emit filesRead();
+    });
+}
+
+void DirectoryUpdate::repeatSteps()
+{
+    ++m_number;
+    if (m_isRunning && m_isRead)
+        beginSteps();
 }
 
 void DirectoryUpdate::inNextTurn(std::function<void()> step)

@@ -26,7 +26,7 @@ public:
     void begin(const std::string& path, bool namesOrdered);
     /// From begin() on until ended().
     bool isRunning() const { return m_isRunning; }
-    /// Counts the calls of begin().
+    /// Changes with each begin() and each repeatSteps().
     unsigned number() const { return m_number; }
     /// Ends an update that is running without a result. Waits for the worker's present call to the file
     /// system.
@@ -38,6 +38,8 @@ public:
     /// Calls @p step in the next turn of the event loop, unless the update ends before. If @p step throws
     /// `std::bad_alloc`, the update fails.
     void inNextTurn(std::function<void()> step);
+    /// Drops the steps that were to come, and emits filesRead() again if it was due already.
+    void repeatSteps();
     /// Makes @p manager the one that was read, without connections. The one that it was dies with finish():
     /// its entries do, the object is kept for the next update.
     void exchange(std::unique_ptr<FileManager>& manager);
@@ -49,7 +51,7 @@ public:
     void forgetError() { m_error = 0; }
 
 signals:
-    /// All names and attributes were read.
+    /// All names and attributes were read: the steps may begin.
     void filesRead();
     /// @p milliseconds after begin(); once for each update.
     void ended(int milliseconds, bool succeeded);
@@ -57,11 +59,12 @@ signals:
 private:
     void listen();
     void noteArrivals(bool areNamesComplete);
+    void beginSteps();
     void end(int error, bool isComplete = true);
 
     std::unique_ptr<FileManager> m_manager;
     QElapsedTimer m_timer;
-    unsigned m_number = 0; // of the update
+    unsigned m_number = 0; // of the update's steps
     bool m_isRunning = false;
     bool m_namesComplete = false;
     bool m_isRead = false;

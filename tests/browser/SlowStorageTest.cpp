@@ -268,6 +268,33 @@ private slots:
         }
     }
 
+    // This thread asks the disk for nothing, and waits for no call of the worker.
+    void updateLeavesTheUserAlone()
+    {
+        QVERIFY(QDir(m_folder->path()).mkdir("a") && QDir(m_folder->path()).mkdir("b"));
+        BrowserWindow window(m_folder->path());
+        window.browser.setSelectionType(FileBrowser::SelectionType::Directories);
+        QTRY_VERIFY(window.rows() == QStringList({"a/", "b/"}) && window.model()->hasAllAttributes());
+        window.list()->setCurrentIndex(window.row("b/"));
+        std::vector<FileBrowser::Acceptance> answers;
+        connect(&window.browser, &FileBrowser::choiceChanged, this,
+                [&] { answers.push_back(window.browser.acceptance()); });
+        QVERIFY(QDir(m_folder->path()).rmdir("b"));
+        takeCalls();
+        QVERIFY(window.model()->update());
+        QTRY_COMPARE(window.rows(), QStringList("a/"));
+        QCOMPARE(takeCalls(), QStringList());
+        QVERIFY(answers == std::vector{FileBrowser::Acceptance::None});
+
+        delayEach("fstatat", 500000);
+        QVERIFY(window.model()->update());
+        QTRY_COMPARE(faults[NowDelayed].load(), 1);
+        window.control<QCheckBox>("splitCheck")->click();
+        QCOMPARE(faults[NowDelayed].load(), 1);
+        QTRY_VERIFY(!window.model()->isUpdating());
+        QCOMPARE(window.model()->updateError(), 0);
+    }
+
 private:
     QString path(const char* name) const { return m_folder->path() + '/' + name; }
 

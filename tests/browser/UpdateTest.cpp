@@ -416,23 +416,24 @@ private slots:
         QTRY_COMPARE(window.rows(), QStringList("x 1"));
     }
 
-    // Whatever else reads or builds the rows ends an update.
+    // Another read ends an update. Rows that are built anew don't wait for what it reads.
     void updateGivesWay()
     {
         const QTemporaryDir other;
         QVERIFY(SampleFiles::make(other.path(), {"x"}) && SampleFiles::make(m_folder->path(), {"a", "b"}));
         BrowserWindow window(m_folder->path());
         QTRY_VERIFY(isRead(window));
-        const std::function<void()> ways[] = {
-            [&] { window.model()->refreshList(); }, [&] { window.browser.setSequencesEnabled(true); },
-            [&] { window.browser.setDirectory(QDir(other.path()), false, true); }};
-        for (const auto& way : ways) {
+        const std::pair<bool, std::function<void()>> ways[] = {
+            {true, [&] { window.model()->refreshList(); }},
+            {false, [&] { window.browser.setSequencesEnabled(true); }},
+            {true, [&] { window.browser.setDirectory(QDir(other.path()), false, true); }}};
+        for (const auto& [abandons, way] : ways) {
             QSignalSpy ends(window.model(), &FileBrowser::DirectoryModel::updated);
             QVERIFY(window.model()->update() && !window.model()->update());
             way();
-            QCOMPARE(ends.size(), 1);
-            QVERIFY(!ends.first().at(1).toBool());
-            QTRY_VERIFY(isRead(window));
+            QCOMPARE(ends.size(), abandons ? 1 : 0);
+            QTRY_VERIFY(isRead(window) && !window.model()->isUpdating());
+            QCOMPARE(ends.first().at(1).toBool(), !abandons);
             QVERIFY(update(window));
             QCOMPARE(ends.size(), 2);
         }
