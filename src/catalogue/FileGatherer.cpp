@@ -56,6 +56,7 @@ FileGatherer::~FileGatherer()
 void FileGatherer::prepare(const std::string& directory)
 {
     m_directory = directory;
+    m_mustStay = false;
     forget();
     m_endAnnounced = false;
     // Not in run(): a run that is stopped before its thread has begun must not begin after all.
@@ -71,9 +72,10 @@ void FileGatherer::forget()
     m_namesAnnounced = false;
 }
 
-void FileGatherer::startReading(const std::string& directory)
+void FileGatherer::startReading(const std::string& directory, bool mustStay)
 {
     prepare(directory);
+    m_mustStay = mustStay;
     start();
     if (isRunning() || isFinished())
         return;
@@ -154,6 +156,7 @@ void FileGatherer::read()
     const std::unique_ptr<DIR, int (*)(DIR*)> folder(opened, &::closedir);
     if (folder)
         readNames(folder.get(), file);
+    checkStay();
     finishNames();
     readAttributes(file);
 }
@@ -246,6 +249,8 @@ void FileGatherer::readAttributes(int folder)
                 if (m_keepRunning)
                     (*infos)[index] = queriedInfo(folder, (*names)[begin + index]);
             });
+            if (names == m_readNames.back() && begin + count == names->size())
+                checkStay();
             if (!m_keepRunning)
                 return;
             m_infos.put(infos);
@@ -253,6 +258,14 @@ void FileGatherer::readAttributes(int folder)
         }
         names.reset();
     }
+}
+
+// The names and attributes of a folder that goes away meanwhile are those of nothing: readdir() ends early,
+// and queries fail.
+void FileGatherer::checkStay()
+{
+    if (m_mustStay && m_keepRunning && m_error == 0 && !Base::fileStatus(m_directory.c_str()))
+        m_error = errno;
 }
 
 // A signal to another thread needs memory. Without it nobody would ever learn of the end.

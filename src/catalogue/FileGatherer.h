@@ -39,8 +39,10 @@ public:
     ~FileGatherer() override;
 
     /// Begins to read @p directory on the worker thread. No run may be under way. If the system has no
-    /// thread, the run has ended when this returns, without names and signals, and error() is EAGAIN.
-    void startReading(const std::string& directory);
+    /// thread, the run has ended when this returns, without names and signals, and error() is EAGAIN. With
+    /// @p mustStay a directory that is not there any more when its names or attributes are complete is an
+    /// error.
+    void startReading(const std::string& directory, bool mustStay = false);
     /// Reads @p directory on the calling thread and returns when all is read.
     void readNow(const std::string& directory);
     /// Ends a run: it sends no further signals, and what was not taken of it is gone. Waits, without a time
@@ -96,11 +98,14 @@ private:
     void putNames();
     void addUntyped(int folder, std::vector<Untyped>& names);
     void readAttributes(int folder);
+    void checkStay();
     void prepareWhileWaited(std::size_t mostWaiting);
     template <class Announcement>
     void announce(Announcement announcement);
 
-    std::string m_directory; // set by the GUI thread while no worker runs, read by the worker
+    // Set by the GUI thread while no worker runs, read by the worker.
+    std::string m_directory;
+    bool m_mustStay = false;
 
     // Worker only.
     const Preparation m_preparation;

@@ -49,8 +49,9 @@ public:
         return getFilesFromFolderPrivate(path, force, false);
     }
     /// Begins to read @p path again or anew on the worker thread. This thread asks the disk for nothing: if
-    /// @p path can't be opened, readError() is set when refreshList() is emitted. False if nothing begins,
-    /// for lack of memory or from within a synchronous read.
+    /// @p path can't be opened, readError() is set when refreshList() is emitted, and if it goes away later,
+    /// with the last attributes. False if nothing begins, for lack of memory or from within a synchronous
+    /// read.
     bool readInBackground(const std::string& path);
     /// Forgets every entry, and gives back their memory but for what the next small directory needs.
     void release();
@@ -147,7 +148,7 @@ private:
     struct Private;
 
     bool getFilesFromFolderPrivate(const std::string& path, bool force, bool asynchronous);
-    bool beginReading(const std::string& path, bool asynchronous);
+    bool beginReading(const std::string& path, bool asynchronous, bool mustStay = false);
     void connectWorker();
     void leaveToParentProcess();
     void leaveParentProcess();

@@ -97,7 +97,7 @@ bool FileManager::readInBackground(const std::string& path)
         return false;
     cleanData();
     d->m_readError = 0;
-    return d->attempt([&] { d->m_currentDirectory = path; }) && beginReading(path, true);
+    return d->attempt([&] { d->m_currentDirectory = path; }) && beginReading(path, true, true);
 }
 
 void FileManager::release()
@@ -108,13 +108,13 @@ void FileManager::release()
     d->trimPool();
 }
 
-bool FileManager::beginReading(const std::string& path, bool asynchronous)
+bool FileManager::beginReading(const std::string& path, bool asynchronous, bool mustStay)
 {
     d->m_readingSynchronously = !asynchronous;
     const bool begun = d->attempt([&] {
         if (asynchronous) {
             d->beginTurn();
-            d->m_gatherer.startReading(path);
+            d->m_gatherer.startReading(path, mustStay);
         } else {
             d->m_gatherer.readNow(path);
         }

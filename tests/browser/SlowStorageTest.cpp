@@ -293,6 +293,15 @@ private slots:
         QCOMPARE(faults[NowDelayed].load(), 1);
         QTRY_VERIFY(!window.model()->isUpdating());
         QCOMPARE(window.model()->updateError(), 0);
+
+        // The folder goes away while attributes are read.
+        delayEach("fstatat", 200000);
+        QVERIFY(window.model()->update());
+        QTRY_VERIFY(faults[DelayedCalls] > 1);
+        QVERIFY(m_folder->remove());
+        QTRY_VERIFY(!window.model()->isUpdating());
+        QCOMPARE(window.model()->updateError(), ENOENT);
+        QCOMPARE(window.rows(), QStringList("a/"));
     }
 
 private:
