@@ -113,13 +113,13 @@ public:
 
     // What is done when the list of the present read is there.
     FilesList::Choice m_awaited; // rows to be found again
+    QString m_updatedText;       // of the filename field when all rows are in their places; empty if it stays
     bool m_awaitsTop = false;    // a list of another folder is shown from its top
     bool m_awaitsTypedRow = false;
     bool m_rowsUpdating = false; // what is chosen is looked at when all rows are in their places
     bool m_choiceUpdated = false;
     bool m_pickListUpdated = false;
     bool m_rowsKnow = false; // while changes of an update are announced, nothing is asked of the disk
-    QString m_updatedText;   // of the filename field, when they are; empty if it stays
     bool m_rowsHeld = false; // buildRows() follows when all that decides about them is set
 
     // Brings attributes that arrived to the list, several batches at a time.
