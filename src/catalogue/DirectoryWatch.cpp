@@ -6,8 +6,10 @@
 #include <QDateTime>
 #include <QSocketNotifier>
 #include <algorithm>
+#include <chrono>
 #include <exception>
 #include <mutex>
+#include <new>
 #include <sys/inotify.h>
 #include <thread>
 #include <unistd.h>
@@ -87,11 +89,23 @@ struct DirectoryWatch::Question
         if (notices)
             notices->follow(path);
         const State state(Base::fileStatus(path.c_str()));
+        const qint64 elapsed = timer.elapsed();
+        while (!give(state, elapsed))
+            std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    }
+    // Returns false if there is no memory to pass the answer on.
+    bool give(const State& state, qint64 elapsed)
+    {
         const std::lock_guard<std::mutex> lock(mutex);
+        try {
+            if (asker)
+                QMetaObject::invokeMethod(asker, "takeAnswer", Qt::QueuedConnection);
+        } catch (const std::bad_alloc&) {
+            return false;
+        }
         answer = state;
-        took = timer.elapsed();
-        if (asker)
-            QMetaObject::invokeMethod(asker, "takeAnswer", Qt::QueuedConnection);
+        took = elapsed;
+        return true;
     }
 
     const std::string path;

@@ -230,6 +230,20 @@ private slots:
         endFaults();
         QVERIFY(folder.tells());
     }
+
+    // An answer is given later if there is no memory to pass it on.
+    void answersLaterWithoutMemory()
+    {
+        if (!failsAllocations)
+            QSKIP("Allocations do not fail here");
+        Watched folder({1, 1, 1, Never});
+        folder.watch.endRead(0, true);
+        for (int place = 1; place <= 12; ++place) {
+            faults[WorkerAllocation] = place;
+            QTRY_COMPARE(faults[WorkerAllocation].load(), 0);
+            QVERIFY(write(folder.file("c")) && folder.tells());
+        }
+    }
 };
 
 QTEST_GUILESS_MAIN(DirectoryWatchTest)

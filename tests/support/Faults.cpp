@@ -75,7 +75,7 @@ bool fails(const char* name, const char* path, int file = -1)
 }
 
 // Of this thread. This access model makes no allocation.
-__attribute__((tls_model("initial-exec"))) thread_local bool hasDirectory = false;
+__attribute__((tls_model("initial-exec"))) thread_local bool canLackMemory = false;
 
 [[maybe_unused]] bool allocationFails()
 {
@@ -83,7 +83,7 @@ __attribute__((tls_model("initial-exec"))) thread_local bool hasDirectory = fals
         return false;
     const bool onWorker = ::gettid() != ::getpid();
     auto& place = faults[onWorker ? WorkerAllocation : FirstAllocation];
-    if (place == 0 || (onWorker && !hasDirectory) || --place != 0)
+    if (place == 0 || (onWorker && !canLackMemory) || --place != 0)
         return false;
     errno = ENOMEM;
     return true;
@@ -92,7 +92,7 @@ __attribute__((tls_model("initial-exec"))) thread_local bool hasDirectory = fals
 template <class Entry>
 Entry* readName(const char* name, DIR* stream, Entry* (*next)(DIR*))
 {
-    hasDirectory = true;
+    canLackMemory = true;
     if (fails(name, Opened, ::dirfd(stream)))
         return nullptr;
     if (faults[MostNames] != 0 && --faults[MostNames] == 0) {
@@ -152,7 +152,8 @@ CALL(char*, realpath, path, (const char* path, char* to), (path, to), nullptr)
 CALL(int, rename, path, (const char* path, const char* to), (path, to), -1)
 CALL(int, mkdir, path, (const char* path, mode_t mode), (path, mode), -1)
 CALL(int, unlink, path, (const char* path), (path), -1)
-CALL(int, inotify_add_watch, path, (int queue, const char* path, unsigned events), (queue, path, events), -1)
+HOOK(int, inotify_add_watch, (int queue, const char* path, unsigned events), canLackMemory = true;
+     return fails("inotify_add_watch", path) ? -1 : next(queue, path, events);)
 #define FILE_CALL(Result, name, parameters, arguments) \
     HOOK(Result, name, parameters, return fails(#name, nullptr, file) ? -1 : next arguments;)
 FILE_CALL(ssize_t, read, (int file, void* to, size_t size), (file, to, size))
@@ -170,7 +171,7 @@ HOOK(ssize_t, write, (int file, const void* bytes, size_t size),
      return fails("write", nullptr, file) ? -1 : next(file, bytes, size);)
 HOOK(int, pthread_create, (pthread_t* thread, const pthread_attr_t* how, void* (*run)(void*), void* with),
      return fails("pthread_create", nullptr) ? errno : next(thread, how, run, with);)
-HOOK(int, closedir, (DIR* stream), hasDirectory = false; return next(stream);)
+HOOK(int, closedir, (DIR* stream), canLackMemory = false; return next(stream);)
 
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 const bool failsAllocations = false;

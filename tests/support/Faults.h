@@ -21,8 +21,8 @@ enum Fault
     NowDelayed,       ///< How many are delayed at this moment.
     MostDelayed,      ///< The most that were at the same time.
     FirstAllocation,  ///< Which allocation of the first thread fails, from 1; 0 for none.
-    WorkerAllocation, ///< The same for workers, while they have a directory open: a thread cannot start
-                      ///< without memory.
+    WorkerAllocation, ///< The same for workers, while they have a directory open or after they began to
+                      ///< watch one: a thread cannot start without memory.
     FaultCount
 };
 extern std::atomic<int> faults[FaultCount];
