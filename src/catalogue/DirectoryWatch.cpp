@@ -86,8 +86,8 @@ struct DirectoryWatch::Question
         QElapsedTimer timer;
         timer.start();
         // Changes after the answer are noticed, so notices come first.
-        if (notices)
-            notices->follow(path);
+        if (const auto followed = std::move(notices))
+            followed->follow(path);
         const State state(Base::fileStatus(path.c_str()));
         const qint64 elapsed = timer.elapsed();
         while (!give(state, elapsed))
@@ -107,10 +107,15 @@ struct DirectoryWatch::Question
         took = elapsed;
         return true;
     }
+    bool isAnswered()
+    {
+        const std::lock_guard<std::mutex> lock(mutex);
+        return answer.has_value();
+    }
 
     const std::string path;
-    const std::shared_ptr<Notices> notices;
-    std::mutex mutex; // guards what follows
+    std::shared_ptr<Notices> notices; // until they are followed, so that they are not closed by the asker
+    std::mutex mutex;                 // guards what follows
     DirectoryWatch* asker;
     std::optional<State> answer = std::nullopt;
     qint64 took = 0; // milliseconds
@@ -123,6 +128,7 @@ DirectoryWatch::DirectoryWatch()
 
 DirectoryWatch::DirectoryWatch(const Pace& pace)
     : m_pace(pace)
+    , m_settling(pace.settling)
 {
     m_timer.setSingleShot(true);
     m_timer.setTimerType(Qt::PreciseTimer);
@@ -131,7 +137,10 @@ DirectoryWatch::DirectoryWatch(const Pace& pace)
 
 DirectoryWatch::~DirectoryWatch()
 {
-    forgetQuestion();
+    for (const auto& question : m_asked) {
+        const std::lock_guard<std::mutex> lock(question->mutex);
+        question->asker = nullptr;
+    }
     forgetNotices();
 }
 
@@ -141,7 +150,7 @@ void DirectoryWatch::setActive(bool active)
         return;
     m_interval = 0;
     if (!active) {
-        forgetQuestion();
+        m_question.reset();
         forgetNotices();
     }
     schedule();
@@ -149,13 +158,15 @@ void DirectoryWatch::setActive(bool active)
 
 void DirectoryWatch::beginRead(const std::string& path)
 {
-    forgetQuestion();
+    m_question.reset();
     forgetNotices();
     m_path = path;
     m_reading = true;
     m_noticed = false;
+    m_looksAgain = false;
     m_known.reset();
     m_interval = 0;
+    m_settling = m_pace.settling;
     m_rest = QDeadlineTimer();
     m_sinceRead.start();
     schedule();
@@ -167,6 +178,8 @@ void DirectoryWatch::endRead(int milliseconds, bool succeeded)
     if (!std::exchange(m_reading, false))
         return;
     m_looksAgain = m_looksAgain || !succeeded;
+    m_settling = succeeded ? m_pace.settling
+                           : std::min(m_settling + m_settling / 2, std::max(m_pace.longest, m_pace.settling));
     m_rest.setRemainingTime(
         std::max<qint64>(m_pace.between - m_sinceRead.elapsed(), qint64(RestFactor) * milliseconds));
     schedule();
@@ -176,11 +189,11 @@ void DirectoryWatch::endRead(int milliseconds, bool succeeded)
 void DirectoryWatch::schedule()
 {
     m_timer.stop();
-    if (!m_active || m_path.empty() || m_question || (m_reading && m_known))
+    if (!m_active || m_path.empty() || isAsked() || (m_reading && m_known))
         return;
     qint64 wait = m_noticed ? 0 : m_interval;
     if (m_looksAgain)
-        wait = std::min(wait, m_pace.settling - m_sinceRead.elapsed());
+        wait = std::min(wait, m_settling - m_sinceRead.elapsed());
     m_timer.start(static_cast<int>(std::max(wait, m_rest.remainingTime())));
 }
 
@@ -188,14 +201,22 @@ void DirectoryWatch::ask()
 {
     try {
         makeNotices();
-        m_question.reset(new Question{m_path, m_notices, {}, this});
-        std::thread([question = m_question] { question->ask(); }).detach();
+        m_asked.reserve(m_asked.size() + 1);
+        const std::shared_ptr<Question> question(new Question{m_path, m_notices, {}, this});
+        std::thread([question] { question->ask(); }).detach();
+        m_asked.push_back(question);
+        m_question = question;
     } catch (const std::exception&) {
         // The system has no thread, or no memory for it.
-        m_question.reset();
         m_interval = m_pace.shortest;
         m_timer.start(m_interval);
     }
+}
+
+bool DirectoryWatch::isAsked() const
+{
+    return std::any_of(m_asked.begin(), m_asked.end(),
+                       [this](const auto& question) { return question->path == m_path; });
 }
 
 void DirectoryWatch::makeNotices()
@@ -222,25 +243,26 @@ void DirectoryWatch::takeNotices()
 void DirectoryWatch::takeAnswer()
 {
     constexpr int SlowAnswerFactor = 10; // questions take a tenth of the time at most
-    std::optional<State> answer;
-    qint64 took = 0;
-    if (m_question) {
-        const std::lock_guard<std::mutex> lock(m_question->mutex);
-        answer = m_question->answer;
-        took = m_question->took;
-    }
-    if (!answer) // of a question that was forgotten
+    m_asked.erase(std::remove_if(m_asked.begin(), m_asked.end(),
+                                 [](const auto& question) { return question->isAnswered(); }),
+                  m_asked.end());
+    if (!m_question || !m_question->isAnswered()) {
+        // The answer is from before a pause or a new read. The directory may have changed since: it is asked
+        // again.
+        schedule();
         return;
-    m_question.reset();
-    const std::optional<State> before = std::exchange(m_known, answer);
+    }
+    const auto question = std::exchange(m_question, nullptr);
+    const std::optional<State> before = std::exchange(m_known, question->answer);
     // What is not there is read again when it is back.
-    m_looksAgain = m_known->exists && (before ? m_looksAgain : mayHaveChangedSinceRead(*m_known));
+    m_looksAgain = m_known->exists && (m_looksAgain || (!before && mayHaveChangedSinceRead(*m_known)));
     const bool differs = m_noticed || (before && !(*before == *m_known));
     const qint64 longer = differs ? 0 : m_interval + m_interval / 2;
     m_interval = static_cast<int>(std::min<qint64>(
-        std::max({longer, qint64(m_pace.shortest), SlowAnswerFactor * took}), m_pace.longest));
+        std::max({longer, qint64(m_pace.shortest), SlowAnswerFactor * question->took}), m_pace.longest));
     m_noticed = differs;
-    if (!m_reading && (differs || (m_looksAgain && m_sinceRead.hasExpired(m_pace.settling))))
+    if (!m_reading && m_rest.hasExpired() &&
+        (differs || (m_looksAgain && m_sinceRead.hasExpired(m_settling))))
         tell(differs);
     else
         schedule();
@@ -274,14 +296,6 @@ void DirectoryWatch::forgetNotices()
     m_notifier.reset();
     if (m_notices)
         Base::callInBackground([notices = std::move(m_notices)] {});
-}
-
-void DirectoryWatch::forgetQuestion()
-{
-    if (const auto question = std::exchange(m_question, nullptr)) {
-        const std::lock_guard<std::mutex> lock(question->mutex);
-        question->asker = nullptr;
-    }
 }
 
 } // namespace Halvern::UI

@@ -8,6 +8,7 @@
 #include <optional>
 #include <string>
 #include <sys/stat.h>
+#include <vector>
 
 class QSocketNotifier;
 
@@ -48,7 +49,8 @@ public:
     /// read it now. Call this also while not active.
     void beginRead(const std::string& path);
     /// The reader has ended, after beginRead() or changed(). Reading took @p milliseconds; there is a pause
-    /// of four times as long before the next changed(). If the read failed it is to be tried again.
+    /// of four times as long before the next changed(). A read that failed is to be tried again: after more
+    /// than the settling time, and later each time that it fails again, up to Pace::longest.
     void endRead(int milliseconds, bool succeeded);
 
     /// The directory of beginRead(), at first empty.
@@ -83,7 +85,7 @@ private:
     void makeNotices();
     void takeNotices();
     void forgetNotices();
-    void forgetQuestion();
+    bool isAsked() const;
     bool mayHaveChangedSinceRead(const State& state) const;
     void tell(bool differs);
 
@@ -92,14 +94,16 @@ private:
     bool m_active = false;
     bool m_reading = false;
     bool m_noticed = false;               // a change that was not told yet
-    bool m_looksAgain = false;            // after the settling time
+    bool m_looksAgain = false;            // after m_settling
+    int m_settling;                       // since a read began, in milliseconds; longer after failed reads
     std::optional<State> m_known;         // the last answer
     int m_interval = 0;                   // to the next question, in milliseconds
     QTimer m_timer;                       // for that question
     QElapsedTimer m_sinceRead;            // since it began
     QDeadlineTimer m_rest;                // before the next read
-    std::shared_ptr<Question> m_question; // that has no answer yet
-    std::shared_ptr<Notices> m_notices;   // null if the system has none
+    std::shared_ptr<Question> m_question; // whose answer is waited for
+    std::vector<std::shared_ptr<Question>> m_asked; // without an answer, at most one for each path
+    std::shared_ptr<Notices> m_notices;             // null if the system has none
     std::unique_ptr<QSocketNotifier> m_notifier;
 };
 
