@@ -117,6 +117,11 @@ void FileBrowser::DirectoryModel::bringRows(NextRows& next)
         changeRows(next);
     } catch (const std::bad_alloc&) {
         loseRows();
+        // Back, with all connections, of which some may be missing.
+        m_update.exchange(m_manager);
+        connectManager();
+        giveManagerToEvaluator();
+        m_entriesGeneration = m_manager->generation();
         throw;
     }
     emit entriesReplaced(entriesBefore, entriesAfter);

@@ -268,6 +268,30 @@ private slots:
         }
     }
 
+    // The rows are those before or none, never those of entries that are gone.
+    void updateWithoutMemory()
+    {
+        if (!failsAllocations)
+            QSKIP("a sanitizer replaces the allocations");
+        BrowserWindow window(m_folder->path());
+        FileBrowser::DirectoryModel& model = *window.model();
+        int place = 1;
+        connect(&model, &FileBrowser::DirectoryModel::rowsAboutToBeUpdated, this,
+                [&] { faults[FirstAllocation] = place; });
+        for (; place < 4; ++place) {
+            QTRY_VERIFY(model.isListReady() && !model.isReading() && model.hasAllAttributes());
+            QVERIFY(SampleFiles::make(m_folder->path(), "a" + QByteArray::number(place)));
+            QVERIFY(model.update());
+            QTRY_VERIFY(!model.isUpdating());
+            QCOMPARE(faults[FirstAllocation].load(), 0);
+            QCOMPARE(model.updateError(), ENOMEM);
+            QCOMPARE(model.readError(), ENOMEM);
+            QVERIFY(window.rows().isEmpty());
+            refresh(window);
+            QTRY_COMPARE(window.rows().size(), place);
+        }
+    }
+
     // This thread asks the disk for nothing, and waits for no call of the worker.
     void updateLeavesTheUserAlone()
     {
