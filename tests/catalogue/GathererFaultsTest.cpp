@@ -200,7 +200,9 @@ private slots:
                 incomplete += complete ? 0 : 1;
                 for (const FileInfo* file : entries(manager))
                     QVERIFY2(QFile::exists(folder.filePath(file->fileName())), file->fileName());
-                QVERIFY(entries(manager, FileHandle::RegisteredSplitSequences).size() <= 6);
+                // The file system gives the names in any order, so what was read may have gaps.
+                QVERIFY(entries(manager, FileHandle::RegisteredSplitSequences).size() <=
+                        entries(manager).size());
                 QVERIFY(manager.getFilesFromFolderSynchronously(path, true));
                 QCOMPARE(entries(manager, FileHandle::RegisteredSequences).size(), std::size_t(6));
                 QVERIFY(manager.readError() == 0 && int(entries(manager).size()) == all);
