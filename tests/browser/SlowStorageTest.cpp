@@ -190,7 +190,8 @@ private slots:
         refresh(window);
         QTRY_VERIFY(says(QString("Reading ") + QChar(0x2026)));
         endFaults();
-        QTRY_COMPARE(window.rows(), (QStringList{"a.exr", "b.exr"}));
+        const QStringList names = {"a.exr", "b.exr"}; // a row that is read again has none
+        QTRY_COMPARE(window.rows(), names);
         QVERIFY(says(QString()));
 
         window.control<QComboBox>("filterCombo")->setEditText("*.dpx");
@@ -212,17 +213,17 @@ private slots:
         QCOMPARE(window.rows().size(), 2);
         QVERIFY(QDir(m_folder->path()).rename("away", "locked") && !problem().isEmpty());
         refresh(window);
-        QTRY_VERIFY(problem().isEmpty() && window.rows().size() == 2);
+        QTRY_VERIFY(problem().isEmpty() && window.rows() == names);
 
         // Half of it, and nothing of it.
-        for (const int names : {5, 1}) {
-            faults[MostNames] = names;
+        for (const int most : {5, 1}) {
+            faults[MostNames] = most;
             refresh(window);
-            QTRY_VERIFY(names > 1 ? window.rows().size() < 3 && problem().contains("input/output")
-                                  : says("This folder can't be read: input/output error"));
+            QTRY_VERIFY(most > 1 ? window.rows().size() < 3 && problem().contains("input/output")
+                                 : says("This folder can't be read: input/output error"));
             endFaults();
             refresh(window);
-            QTRY_VERIFY(problem().isEmpty() && window.rows().size() == 2);
+            QTRY_VERIFY(problem().isEmpty() && window.rows() == names);
         }
     }
 
