@@ -18,7 +18,8 @@ private slots:
     void init()
     {
         AppSettings().clear();
-        m_folder.reset(new SampleFolder{"a/", "b/", "c/", "a/in_a.1.exr", "a/in_a.2.exr"});
+        m_folder = std::make_unique<SampleFolder>(
+            std::initializer_list<const char*>{"a/", "b/", "c/", "a/in_a.1.exr", "a/in_a.2.exr"});
     }
 
     void historyDropsWhatWasAhead()

@@ -20,7 +20,7 @@ private slots:
     void init()
     {
         AppSettings().clear();
-        m_folder.reset(new SampleFolder{"sub/", "a", "b"});
+        m_folder = std::make_unique<SampleFolder>(std::initializer_list<const char*>{"sub/", "a", "b"});
     }
 
     void buttonsFollowTheSelection()
