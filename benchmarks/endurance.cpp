@@ -153,10 +153,15 @@ bool followChanges(const QString& folder, int changes)
         const QString frame = QStringLiteral("%1/new.%2.exr").arg(folder).arg(change / 3 % 100);
         if (change % 3 == 2 ? !QFile::remove(frame) : !writeFile(frame, QByteArray(change % 3 + 1, 'x')))
             return false;
-        if (!waitUntil([&] { return std::exchange(wanted, false); }) ||
-            !waitUntil([&] { return model.update() || updates > before; }) ||
-            !waitUntil([&] { return updates > before; })) {
-            std::printf("watched: change %d is not shown\n", change);
+        const char* missing = nullptr;
+        if (!waitUntil([&] { return std::exchange(wanted, false); }))
+            missing = "told";
+        else if (!waitUntil([&] { return model.update() || updates > before; }))
+            missing = "read";
+        else if (!waitUntil([&] { return updates > before; }))
+            missing = "shown";
+        if (missing) {
+            std::printf("watched: change %d is not %s\n", change, missing);
             return false;
         }
         memory.finishRound(change);

@@ -39,8 +39,9 @@ public:
     /// nothing is told.
     void follow(const std::string& path)
     {
+        // IN_MASK_ADD: without it the system loses what happens while it replaces a mask by the same one.
         constexpr unsigned Changes = IN_CREATE | IN_DELETE | IN_MOVE | IN_CLOSE_WRITE | IN_ATTRIB |
-                                     IN_DELETE_SELF | IN_MOVE_SELF | IN_ONLYDIR;
+                                     IN_DELETE_SELF | IN_MOVE_SELF | IN_ONLYDIR | IN_MASK_ADD;
         const int followed =
             std::exchange(m_followed, ::inotify_add_watch(m_descriptor, path.c_str(), Changes));
         if (followed >= 0 && followed != m_followed)
