@@ -29,7 +29,10 @@ std::size_t copyTruncated(char (&to)[Size], const char* from)
 /// The byte in lower case as the C library's locale has it; in a UTF-8 locale only ASCII letters change.
 inline char lowerCase(char byte)
 {
-    return static_cast<char>(std::tolower(static_cast<unsigned char>(byte)));
+    // No locale changes other ASCII characters, and a call for each byte of each name takes long.
+    const auto code = static_cast<unsigned char>(byte);
+    const bool mayChange = (code >= 'A' && code <= 'Z') || code > 0x7f;
+    return mayChange ? static_cast<char>(std::tolower(code)) : byte;
 }
 
 /// Whether the byte is an ASCII digit, whatever the locale.

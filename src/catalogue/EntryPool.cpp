@@ -30,7 +30,7 @@ struct EntryPool::Block
     void putInMemory() const
     {
 #ifdef MADV_POPULATE_WRITE
-        constexpr std::size_t AtOnce = 64 * PageSize;
+        constexpr std::size_t AtOnce = 8 * PageSize;
         for (std::size_t begin = 0; begin < BlockBytes; begin += AtOnce)
             ::madvise(reinterpret_cast<char*>(entries) + begin, std::min(AtOnce, BlockBytes - begin),
                       MADV_POPULATE_WRITE);

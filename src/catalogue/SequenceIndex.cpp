@@ -77,7 +77,7 @@ void SequenceIndex::group(std::size_t index, bool everyMemberSetsWidth)
     Group& found = present->second;
     if (found.waiting.empty())
         m_groups.grown.push_back(&found);
-    found.waiting.push_back({frame, static_cast<unsigned>(index), file.entry});
+    found.waiting.push_back({frame, static_cast<unsigned>(index)});
     found.inOrder = false;
     if (found.entry->isSequence())
         file.sequence = found.entry;
@@ -138,15 +138,15 @@ void SequenceIndex::addWaiting(Group& group, std::size_t most)
     if (!group.inOrder) {
         members.erase(members.begin(), members.begin() + static_cast<std::ptrdiff_t>(group.added));
         group.added = 0;
-        std::stable_sort(members.begin(), members.end(),
-                         [](const Member& a, const Member& b) { return a.frame < b.frame; });
+        std::sort(members.begin(), members.end());
         group.inOrder = true;
     }
     const std::size_t end = group.added + std::min(most, members.size() - group.added);
     for (; group.added < end; ++group.added) {
         const Member& member = members[group.added];
-        if (!addMember(group.entry, member.frame, member.file, member.index < m_known))
-            m_files[member.index].sequence = nullptr;
+        File& file = m_files[member.index];
+        if (!addMember(group.entry, member.frame, file.entry, member.index < m_known))
+            file.sequence = nullptr;
     }
     if (group.added == members.size())
         group = {group.entry, {}};

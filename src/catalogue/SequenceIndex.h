@@ -8,6 +8,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <tuple>
 #include <unordered_map>
 #include <unordered_set>
 #include <vector>
@@ -80,7 +81,11 @@ private:
     {
         int frame;
         unsigned index; // in m_files
-        FileInfo* file;
+
+        bool operator<(const Member& other) const
+        {
+            return std::tie(frame, index) < std::tie(other.frame, other.index);
+        }
     };
     struct Group
     {
