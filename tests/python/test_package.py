@@ -57,25 +57,20 @@ def test_several_threads_may_list_before_there_is_an_application(frames):
 
 
 @pytest.mark.parametrize("frames, text, missing", [
-    ("1-10x2,15", "1-9x2,15", "2-10x2,11-14"), ([3, 1, 2, 9, 2], "1-3,9", "4-8"), (range(10, 0, -3), "1-10x3", "2-3,5-6,8-9"),
-    ("-2147483648-2147483647", "-2147483648-2147483647", ""), ((), "", ""), (FrameRanges("5"), "5", "")])
+    ("1-10x2,15", "1-9x2,15", "2-10x2,11-14"), ([3, 1, 2, 9, 2], "1-3,9", "4-8"), ((), "", "")])
 def test_holds_frames(frames, text, missing):
     ranges = FrameRanges(frames)
-    assert str(ranges) == text and str(ranges.missing()) == missing and ranges == FrameRanges(text)
-    assert hash(ranges) == hash(FrameRanges(text)) and ranges != text
-    if len(ranges) < 100:
-        numbers = list(ranges)
-        assert numbers == sorted(numbers) and len(ranges) == len(numbers) and ranges[1:] == numbers[1:]
-        assert [ranges[i] for i in range(-len(numbers), len(numbers))] == 2 * numbers
-        assert all(frame in ranges for frame in numbers) and -7 not in ranges
-        pytest.raises(IndexError, lambda: ranges[len(numbers)])
+    assert str(ranges) == text and str(ranges.missing()) == missing and ranges == FrameRanges(text) and ranges != text
+    numbers = list(ranges)
+    assert hash(ranges) == hash(FrameRanges(text)) and len(ranges) == len(numbers) and ranges[1:] == numbers[1:]
+    assert [ranges[i] for i in range(-len(numbers), len(numbers))] == 2 * numbers
+    assert all(frame in ranges for frame in numbers) and -7 not in ranges
+    pytest.raises(IndexError, lambda: ranges[len(numbers)])
 
 
-@pytest.mark.parametrize("frames, error", [
-    ("1-x", ValueError), ("1-5x0", ValueError), ("1-2147483648", ValueError), ([2**31], OverflowError),
-    ([-2**31 - 1], OverflowError), (["1"], TypeError), (3, TypeError)])
-def test_refuses_other_frames(frames, error, capfd):
-    pytest.raises(error, FrameRanges, frames)
+def test_refuses_other_frames(capfd):
+    for frames, error in (("1-x", ValueError), ([2**31], OverflowError), (["1"], TypeError), (3, TypeError)):
+        pytest.raises(error, FrameRanges, frames)
     assert capfd.readouterr().out == ""
 
 
