@@ -17,13 +17,6 @@ std::vector<FileInfo*> entries(FileManager& manager, FileHandle::ListType type =
     return files;
 }
 
-void fail(const char* call, int error, int place = 0)
-{
-    faultyCall = call;
-    faults[CallError] = error;
-    faults[CallPlace] = place;
-}
-
 } // namespace
 
 /// What a failing and a slow disk do to a listing.
@@ -48,7 +41,7 @@ private slots:
         const auto count = [&, thread = QThread::currentThreadId()] {
             ++(QThread::currentThreadId() == thread ? here : elsewhere);
         };
-        fail("pthread_create", EAGAIN);
+        failCalls("pthread_create", EAGAIN);
         for (int i = 0; i < 20; ++i)
             Base::callInBackground(count);
         QCOMPARE(here.load(), 20);
@@ -68,10 +61,8 @@ private slots:
             {"readdir", true, 1},  {"open", false, 0},
         };
         for (const auto& [call, noTypes, step] : rows) {
-            endFaults();
-            faults[CallDelay] = 50000;
+            delayCalls(call, 50000);
             faults[NoTypes] = noTypes;
-            faultyCall = call;
             int least = INT_MAX;
             for (int round = 0; round < 5; ++round) {
                 FileManager manager;
@@ -138,8 +129,7 @@ private slots:
             // What failed is read again without force.
             endFaults();
             QCOMPARE(manager.getFilesFromFolderSynchronously(path, false), error != 0);
-            QCOMPARE(manager.readError(), 0);
-            QCOMPARE(int(entries(manager).size()), all);
+            QVERIFY(manager.readError() == 0 && int(entries(manager).size()) == all);
         }
     }
 
@@ -150,7 +140,7 @@ private slots:
         QVERIFY(manager.getFilesFromFolderSynchronously(path, false) && count() == all);
         // The entries of the same directory stay.
         for (const bool force : {false, true}) {
-            fail("opendir", EACCES);
+            failCalls("opendir", EACCES);
             QVERIFY(!manager.getFilesFromFolder(path, force));
             QVERIFY(manager.readError() == EACCES && count() == all);
         }
@@ -162,7 +152,7 @@ private slots:
         QVERIFY(manager.readError() == ENOENT && count() == 0);
         // An interruption is no failure.
         for (const char* call : {"opendir", "open", "fdopendir", "readdir", "fstatat"}) {
-            fail(call, EINTR, 1);
+            failCalls(call, EINTR, 1);
             QVERIFY2(manager.getFilesFromFolderSynchronously(path, true), call);
             QVERIFY2(manager.readError() == 0 && count() == all + 1 && faults[CallPlace] == -1, call);
             for (const FileInfo* file : entries(manager))
@@ -217,7 +207,7 @@ private slots:
     {
         FileManager manager;
         const QSignalSpy refreshed(&manager, SIGNAL(refreshList()));
-        fail("pthread_create", EAGAIN);
+        failCalls("pthread_create", EAGAIN);
         expectWarning(QStringLiteral("^QThread::start: Thread creation error"));
         QVERIFY(manager.getFilesFromFolder(path, false));
         QVERIFY(refreshed.isEmpty());
@@ -234,10 +224,8 @@ private slots:
         for (int frame = 1; frame <= Files; ++frame)
             QVERIFY(QFile::resize(folder.filePath(QString::asprintf("f%04d.exr", frame)), frame));
         for (const bool noTypes : {false, true}) {
-            endFaults();
+            delayCalls("fstatat", 500);
             faults[NoTypes] = noTypes;
-            faults[CallDelay] = 500;
-            faultyCall = "fstatat";
             FileManager manager;
             QVERIFY(manager.getFilesFromFolderSynchronously(path, true));
             // A synchronous read is the first thread's, which is not slow; those that help it would be.

@@ -30,6 +30,11 @@ extern std::atomic<const char*> faultyCall; ///< "write" or another call, "*" fo
 /// Only calls about files below it fail; null for any file. Descriptors are those of plain files.
 extern std::atomic<const char*> faultyFolder;
 void endFaults();
+/// Ends the other faults and lets each @p call of a worker take so long.
+void delayCalls(const char* call, int microseconds);
+/// Ends the other faults and lets each @p call fail with @p error, or only the one of the number @p place
+/// from 1.
+void failCalls(const char* call, int error, int place = 0);
 /// Whether allocations can fail: not with a sanitizer, which has its own.
 extern const bool failsAllocations;
 
