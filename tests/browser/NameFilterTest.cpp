@@ -27,14 +27,10 @@ private slots:
             }
         }
         QVERIFY(NameFilter().matches("a") && NameFilter(QString()).matches(""));
-    }
-
-    void leavesOutWhatItCannotRead()
-    {
-        const NameFilter filter("[z-a]* [ab c] *.exr (\\ [x]*");
+        const NameFilter unreadable("[z-a]* [ab c] *.exr (\\ [x]*");
         for (const char* name : {"a", "b", "c", "ab", "z", "[ab", "("})
-            QVERIFY2(!filter.matches(name), name);
-        QVERIFY(filter.matches("a.exr") && filter.matches("xyz"));
+            QVERIFY2(!unreadable.matches(name), name);
+        QVERIFY(unreadable.matches("a.exr") && unreadable.matches("xyz"));
     }
 
     // More than one expression can hold, and each pattern counts.
