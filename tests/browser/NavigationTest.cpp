@@ -22,17 +22,18 @@ private slots:
             std::initializer_list<const char*>{"a/", "b/", "c/", "a/in_a.1.exr", "a/in_a.2.exr"});
     }
 
-    void historyDropsWhatWasAhead()
+    void filtersRows()
     {
-        BrowserWindow window(path("a"));
-        for (const char* name : {"b", "missing"})
-            window.browser.setDirectory(QDir(path(name)), false, true);
-        window.control("backButton")->click();
-        QCOMPARE(window.edit()->text(), path("a/"));
-        window.browser.setDirectory(QDir(path("c")), false, true);
-        QVERIFY(!window.control("forwardButton")->isEnabled());
-        window.control("backButton")->click();
-        QCOMPARE(window.browser.directory().path(), path("a"));
+        QVERIFY(SampleFiles::make(path("b"), {"a.txt", "b.exr"}));
+        BrowserWindow window(path("b"));
+        auto* filter = window.control<QComboBox>("filterCombo");
+        QStringList filters{QString("*.txt"), QString("*.exr *.dpx")};
+        window.browser.setFilters(filters, true);
+        QTRY_COMPARE(window.rows(), QStringList("a.txt"));
+        filter->setCurrentIndex(1);
+        QCOMPARE(window.rows(), QStringList("b.exr"));
+        QTest::keyClicks(filter, QString(" *"));
+        QCOMPARE(window.rows(), (QStringList{"a.txt", "b.exr"}));
     }
 
     // Entering shows the top; coming back, the folder that was left is current, and nothing is selected.
@@ -58,15 +59,23 @@ private slots:
         }
     }
 
-    void deletedDirectoriesAreLeftOut()
+    void historyDropsWhatWasAheadAndWhatIsGone()
     {
         QVERIFY(QDir(path("c")).mkpath(QString("x/y")));
         BrowserWindow window(path("a"));
+        for (const char* name : {"b", "missing"})
+            window.browser.setDirectory(QDir(path(name)), false, true);
+        window.control("backButton")->click();
+        QCOMPARE(window.edit()->text(), path("a/"));
         window.browser.setDirectory(QDir(path("b")), false, true);
+        QVERIFY(!window.control("forwardButton")->isEnabled());
         window.browser.setDirectory(QDir(path("c/x/y")), false, true);
         QVERIFY(QDir(path("b")).removeRecursively());
-        window.control("backButton")->click();
-        QCOMPARE(window.browser.directory().path(), path("c/x/y"));
+        for (const char* wanted : {"c/x/y", "a"}) {
+            window.control("backButton")->click();
+            QCOMPARE(window.browser.directory().path(), path(wanted));
+        }
+        window.browser.setDirectory(QDir(path("c/x/y")), false, true);
         QVERIFY(QDir(path("c/x")).removeRecursively());
         window.control("upButton")->click();
         QCOMPARE(window.browser.directory().absolutePath(), path("c"));
@@ -80,12 +89,10 @@ private slots:
         window.type(QString("~/"));
         qputenv("HOME", home);
         QCOMPARE(window.edit()->text(), path("c/"));
-
-        QVERIFY(QDir(path("a")).mkdir(QString("shots")));
-        FileBrowser::SetDefaultPath(path("a"));
-        window.type(QString("./shots/"));
+        FileBrowser::SetDefaultPath(m_folder->path());
+        window.type(QString("./a/"));
         FileBrowser::SetDefaultPath(QString());
-        QCOMPARE(window.browser.directory().path(), path("a/shots"));
+        QCOMPARE(window.browser.directory().path(), path("a"));
     }
 
     void tabCompletes()
@@ -125,27 +132,24 @@ private slots:
     void makesFolders()
     {
         BrowserWindow window(path("b"));
-        const auto answer = [&](const QString& name) {
-            QTimer::singleShot(0, &window.browser, [=] {
-                auto* dialog = qobject_cast<QInputDialog*>(QApplication::activeModalWidget());
-                QVERIFY(dialog);
+        QString name = "made";
+        QString warning;
+        QTimer answers;
+        connect(&answers, &QTimer::timeout, this, [&] {
+            if (auto* dialog = qobject_cast<QInputDialog*>(QApplication::activeModalWidget())) {
                 dialog->setTextValue(name);
                 dialog->accept();
-            });
-            window.control("newFolderButton")->click();
-        };
-        answer(QString("made"));
-        QCOMPARE(window.browser.directory().path(), path("b/made"));
-
-        QString warning;
-        QTimer::singleShot(50, this, [&] {
-            auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
-            QVERIFY(box);
-            QCOMPARE(box->textFormat(), Qt::PlainText);
-            warning = box->text();
-            box->accept();
+            } else if (auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget())) {
+                QCOMPARE(box->textFormat(), Qt::PlainText);
+                warning = box->text();
+                box->accept();
+            }
         });
-        answer(QString("<b>no</b>/such/parent"));
+        answers.start(0);
+        window.control("newFolderButton")->click();
+        QCOMPARE(window.browser.directory().path(), path("b/made"));
+        name = "<b>no</b>/such/parent";
+        window.control("newFolderButton")->click();
         QCOMPARE(warning, QString("Can't create folder <b>no</b>/such/parent"));
     }
 

@@ -1,5 +1,9 @@
+#include "catalogue/FileInfoList.h"
 #include "catalogue/SequenceIndex.h"
+#include "support/SampleFiles.h"
 #include "support/Test.h"
+
+#include <cerrno>
 
 using namespace Halvern::UI;
 using Halvern::Base::FileHandle;
@@ -40,9 +44,18 @@ std::vector<FileInfoWrapper> records(std::size_t count, unsigned long long size,
     return std::vector<FileInfoWrapper>(count, {size, false, time});
 }
 
+// The entries as texts; those of sequences are marked.
+QStringList texts(const FileInfoList& list)
+{
+    QStringList texts;
+    for (const FileInfo& entry : list.entries())
+        texts += (entry.isSequence() ? QString("*") : QString()) + QString::fromUtf8(entry.fileName());
+    return texts.mid(2);
+}
+
 } // namespace
 
-/// How a list of names becomes rows.
+/// How a list of names becomes rows, and how the lister collapses them.
 class SequenceListTest : public Test
 {
     Q_OBJECT
@@ -62,35 +75,42 @@ private slots:
              FileHandle::SplitSequences,
              {"s.####.exr 1-2", "s.0005.exr", "s.####.exr 8-9"}},
             {{"a.1.exr"}, FileHandle::Sequences, {"a.1.exr"}},
+            {frames("a.%d.exr", {1, 2, 5, 6, 100}),
+             FileHandle::RegisteredSplitSequences,
+             {"a.#.exr 1-2", "a.#.exr 5-6", "a.100.exr"}},
             {{"a.1.exr", "A.2.exr"}, FileHandle::RegisteredSequences, {"A.2.exr", "a.1.exr"}},
             {{"a.#.exr", "a.1.exr", "a.2.exr"}, FileHandle::RegisteredSequences, {"a.#.exr"}}};
         for (const auto& [given, type, expected] : table) {
-            SequenceIndex index;
-            insert(index, given);
-            QCOMPARE(names(index, type), expected);
-            QCOMPARE(names(index, type), expected);
+            // Lists may be built between two batches.
+            for (int first = 0; first <= given.size(); ++first) {
+                SequenceIndex index;
+                insert(index, given.mid(0, first));
+                names(index, type);
+                insert(index, given.mid(first));
+                QCOMPARE(names(index, type), expected);
+            }
         }
     }
 
     // The second file of a frame has a row unless its kind is registered.
     void listsSecondFilesOfAFrame()
     {
-        using Lists = QVector<QStringList>; // from Sequences on
         const QStringList given{"b.1.txt", "b.01.txt", "b.2.txt", "b.9.txt", "b.09.txt", "b.009.txt", "z"};
-        const QStringList all{"b.1.txt", "b.01.txt", "b.2.txt", "b.9.txt", "b.09.txt", "b.009.txt", "z"};
-        const Lists expected{{"b.###.txt 1-9", "b.01.txt", "b.09.txt", "b.009.txt", "z"},
-                             {"b.###.txt 1-2", "b.9.txt", "b.01.txt", "b.09.txt", "b.009.txt", "z"},
-                             all,
-                             all};
-        const Lists registered{{"b.###.exr 1-9", "z"}, {"b.###.exr 1-2", "b.9.exr", "z"}};
-        for (const int type : {FileHandle::Sequences, FileHandle::SplitSequences,
-                               FileHandle::RegisteredSequences, FileHandle::RegisteredSplitSequences}) {
+        const std::pair<QStringList, QStringList> expected[] = {
+            // from Sequences on, of text and of pictures
+            {{"b.###.txt 1-9", "b.01.txt", "b.09.txt", "b.009.txt", "z"}, {"b.###.exr 1-9", "z"}},
+            {{"b.###.txt 1-2", "b.9.txt", "b.01.txt", "b.09.txt", "b.009.txt", "z"},
+             {"b.###.exr 1-2", "b.9.exr", "z"}},
+            {given, {"b.###.exr 1-9", "z"}},
+            {given, {"b.###.exr 1-2", "b.9.exr", "z"}}};
+        int type = FileHandle::Sequences;
+        for (const auto& [text, pictures] : expected) {
             SequenceIndex index;
             insert(index, given);
-            QCOMPARE(names(index, FileHandle::ListType(type)), expected.at(type - 1));
-            SequenceIndex pictures;
-            insert(pictures, QStringList(given).replaceInStrings(".txt", ".exr"));
-            QCOMPARE(names(pictures, FileHandle::ListType(type)), registered.at((type - 1) % 2));
+            QCOMPARE(names(index, FileHandle::ListType(type)), text);
+            index.clear();
+            insert(index, QStringList(given).replaceInStrings(".txt", ".exr"));
+            QCOMPARE(names(index, FileHandle::ListType(type++)), pictures);
         }
     }
 
@@ -101,10 +121,8 @@ private slots:
         for (int i = 0; i < 3000; ++i)
             numbers.append(i * 7 % 3000);
         insert(index, frames("a.%d.exr", numbers) + frames("b.%d.exr", numbers));
-        int parts = 1;
-        while (!index.settle(1000))
-            ++parts;
-        QCOMPARE(parts, 6);
+        for (int part = 1; part <= 6; ++part)
+            QCOMPARE(index.settle(1000), part == 6);
         QCOMPARE(names(index, FileHandle::Sequences), (QStringList{"a.#.exr 0-2999", "b.#.exr 0-2999"}));
     }
 
@@ -168,38 +186,89 @@ private slots:
             insert(index, frames("c.%d.exr", {3 * i, 3 * i + 1}));
         rows(index, FileHandle::SplitSequences);
         const std::size_t blocks = index.pool().blockCount();
-        for (int i = 0; i < 3; ++i) {
-            index.regroup();
-            QCOMPARE(rows(index, FileHandle::SplitSequences).size(), std::size_t(3003));
-        }
+        index.regroup();
+        QCOMPARE(rows(index, FileHandle::SplitSequences).size(), std::size_t(3003));
         QCOMPARE(index.pool().blockCount(), blocks);
-    }
-
-    void listsMayBeBuiltBetweenBatches()
-    {
-        SequenceIndex index;
-        const std::pair<QVector<int>, QStringList> batches[] = {
-            {{1, 2, 5}, {"a.#.exr 1-2", "a.5.exr"}}, {{6, 100}, {"a.#.exr 1-2", "a.#.exr 5-6", "a.100.exr"}}};
-        for (const auto& [numbers, expected] : batches) {
-            insert(index, frames("a.%d.exr", numbers));
-            QCOMPARE(names(index, FileHandle::RegisteredSplitSequences), expected);
-        }
     }
 
     void forgetsEverything()
     {
         SequenceIndex index;
-        for (int round = 0; round < 3; ++round) {
+        for (int round = 0; round < 2; ++round) {
             insert(index, frames("a.%d.exr", {1, 2}) + QStringList("b"));
             index.apply(records(2, 5, 5));
             QCOMPARE(names(index, FileHandle::Sequences), (QStringList{"a.#.exr 1-2", "b"}));
             QCOMPARE(rows(index, FileHandle::Sequences).at(0)->size(), 10ULL);
             index.clear();
-            QVERIFY(rows(index, FileHandle::Sequences).empty() && index.size() == 0 &&
-                    index.knownCount() == 0);
+            QVERIFY(rows(index, FileHandle::Sequences).empty() && index.size() + index.knownCount() == 0);
         }
+    }
+
+    void collapsesAndSplits()
+    {
+        // The files, the collapsed and the split entries.
+        const std::tuple<QStringList, QStringList, QStringList> rows[] = {
+            {{"x.01.exr", "x.02.exr", "x.05.exr", "x.08.exr", "x.09.exr"},
+             {"*x.##.exr 1-9 ( 1-2  5-5  8-9 )"},
+             {"*x.##.exr 1-2", "x.05.exr", "*x.##.exr 8-9"}},
+            {{"a1b", "a2a"}, {"a2a", "a1b"}, {"a2a", "a1b"}},
+            {{"x.1.exr", "x.2.exr", "x.4.exr"}, {"*x.#.exr 1-4 ( 1-2 )"}, {"*x.#.exr 1-2"}},
+            {{"x.000.exr", "x.003.exr", "x.005.exr"}, {"*x.###.exr 0-5 ( 0-3 )"}, {"*x.###.exr 0-3"}},
+            {{"x.1.exr", "x.3.exr", "x.7.exr", "x.9.exr"},
+             {"*x.#.exr 1-9,2 ( 1-3  7-9 )"},
+             {"*x.#.exr 1-3", "*x.#.exr 7-9"}},
+            {{"x.01.exr", "x.02.exr", "x.002.exr"},
+             {"*x.##.exr 1-2", "x.002.exr"},
+             {"*x.##.exr 1-2", "x.002.exr"}},
+            {{"x\u0661.exr", "x\u0662.exr"}, {"x\u0661.exr", "x\u0662.exr"}, {"x\u0661.exr", "x\u0662.exr"}}};
+        for (const auto& [names, collapsed, split] : rows) {
+            const QTemporaryDir folder;
+            for (const QString& name : names)
+                QVERIFY(SampleFiles::make(folder.path(), name.toUtf8()));
+            FileInfoList list;
+            list.setSequencesEnabled(true);
+            QCOMPARE(list.fill(folder.path()), names.size() + 2);
+            QCOMPARE(texts(list), collapsed);
+            list.setSplitSequences(true);
+            list.fill(folder.path());
+            QCOMPARE(texts(list), split);
+            QVERIFY(list.fill(folder.filePath("missing")) < 0);
+            QCOMPARE(errno, ENOENT);
+            QVERIFY(list.entries().empty());
+        }
+    }
+
+    // Growing the run anew from each of them would take minutes.
+    void keepsManyNumberedDirectoriesSeparate()
+    {
+        const SampleFolder folder{"take02500", "take02501"};
+        for (int i = 0; i < 2500; ++i)
+            QVERIFY(QDir(folder.path()).mkdir(QString::asprintf("take%05d", i)));
+        FileInfoList list;
+        list.setSequencesEnabled(true);
+        list.fill(folder.path());
+        QCOMPARE(texts(list).indexOf(QString("*take##### 2500-2501")), 2500);
+    }
+
+    void walksOncePerListing()
+    {
+        const QTemporaryDir folder;
+        FileInfoList list;
+        QSignalSpy ends(&list, SIGNAL(fileInfoAvailable()));
+        // The step of the first walk that is still in the queue belongs to no walk any more.
+        list.fill(folder.path());
+        list.fill(folder.path());
+        QTRY_COMPARE(ends.size(), 1);
+        QCoreApplication::processEvents();
+        QCOMPARE(ends.size(), 1);
+        // Nor does a walk that nobody could hear of keep the next one waiting.
+        list.blockSignals(true);
+        list.fill(folder.path());
+        list.blockSignals(false);
+        list.fill(folder.path());
+        QTRY_COMPARE(ends.size(), 2);
     }
 };
 
-QTEST_APPLESS_MAIN(SequenceListTest)
+QTEST_GUILESS_MAIN(SequenceListTest)
 #include "SequenceListTest.moc"

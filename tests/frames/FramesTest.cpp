@@ -1,0 +1,196 @@
+#include "catalogue/FileInfo.h"
+#include "frames/FrameName.h"
+#include "frames/FrameRanges.h"
+#include "frames/Placeholder.h"
+#include "support/Test.h"
+
+#include <QTemporaryFile>
+#include <cstdio>
+#include <unistd.h>
+
+using namespace Halvern::UI;
+using Halvern::Base::FrameRange;
+using Halvern::Base::FrameRanges;
+
+/// Frame numbers in names, what stands for them, and ranges of frames.
+class FramesTest : public Test
+{
+    Q_OBJECT
+
+private slots:
+    void readsNames()
+    {
+        const std::pair<const char*, const char*> rows[] = {{"shot_010.0042.exr", "shot_010.#.exr 42 4 1"},
+                                                            {"x.-5.exr", "x.-#.exr 5 1 0"},
+                                                            {"0001", "# 1 4 1"},
+                                                            {"a.7z", "a.#z 7 1 0"},
+                                                            {"x.2147483647.exr", "x.#.exr 2147483647 10 0"},
+                                                            {"x.2147483648.exr", ""},
+                                                            {"", ""},
+                                                            {"7", ""},
+                                                            {"1.exr", ""},
+                                                            {".hidden5", ""},
+                                                            {"photo.cr2", ""}};
+        for (const auto& [name, expected] : rows) {
+            int frame = 0;
+            int digits = 0;
+            bool padded = false;
+            char pattern[FileInfo::NameSize];
+            const bool isFrame = FrameName::read(name, frame, pattern, digits, padded);
+            QCOMPARE(isFrame ? QString::asprintf("%s %d %d %d", pattern, frame, digits, padded) : QString(),
+                     QString(expected));
+        }
+    }
+
+    void readsText()
+    {
+        // Name, pattern and frame, and the smallest padded width so far.
+        const std::tuple<QString, const char*, int> rows[] = {
+            {"shot.42.exr", "shot.##.exr 42", 4},
+            {"shot.00042.exr", "shot.#####.exr 42", 4},
+            {QStringLiteral("a\u0664\u0662.exr"), "a##.exr 42", 4},
+            {QStringLiteral("a\u06602147483647.exr"), "a###########.exr 2147483647", 4},
+            {"shot.042.exr", "shot.###.exr 42", 3}};
+        FrameName::resetSmallestPaddedWidth();
+        QString pattern;
+        int frame = 0;
+        for (const auto& [name, expected, width] : rows) {
+            QVERIFY(FrameName::read(name, pattern, frame));
+            QCOMPARE(pattern + ' ' + QString::number(frame), QString(expected));
+            QCOMPARE(FrameName::smallestPaddedWidth(), width);
+        }
+        QVERIFY(!FrameName::read(QStringLiteral("a2147483648.exr"), pattern, frame));
+
+        const char* pairs[][3] = {{"f.##.exr", "f.##.exr", "f.##.exr"},
+                                  {"f.##.exr", "g.##.exr", nullptr},
+                                  {"f.##.exr", "f.###.exr", "f.#.exr"}};
+        for (const auto& [first, second, common] : pairs) {
+            QString a = first;
+            QString b = second;
+            QCOMPARE(FrameName::reconcilePatterns(a, b), common != nullptr);
+            QVERIFY(a == (common ? common : first) && b == (common ? common : second));
+        }
+    }
+
+    void writesTokensAndHashes()
+    {
+        // Name, with a token, with hashes.
+        const char* rows[][3] = {{"img.####.exr", "img.%04d.exr", "img.####.exr"},
+                                 {"img.#.exr", "img.%d.exr", "img.#.exr"},
+                                 {"a##b#", "a%04d", "a##b#"},
+                                 {"%03d.%d", "%03d.%d", "###.###"},
+                                 {"%x %5", "%x %5", "%x %5"}};
+        for (const auto& [name, token, hashes] : rows) {
+            QCOMPARE(Placeholder::withToken(name), QString(token));
+            QCOMPARE(Placeholder::withHashes(name), QString(hashes));
+        }
+        QCOMPARE(Placeholder::withHashes("%2147483647d").size(), 1024);
+        QCOMPARE(Placeholder::widened("a.#.#", 3), std::string("a.###.#"));
+        QCOMPARE(Placeholder::widened("a", 3), std::string("a"));
+    }
+
+    void splitsRanges()
+    {
+        const std::pair<const char*, const char*> rows[] = {
+            {"/p 1-2 (x)/a b.# 1-100 ( 1-50 60-100 )", "/p 1-2 (x)/a b.#, 1 to 100"},
+            {"a -3--1", "a, -3 to -1"},
+            {"a 5-", ""},
+            {"p/ 1-2 /a", ""},
+            {"1-2", ""},
+            {" (1-2", ""}};
+        for (const auto& [path, wanted] : rows) {
+            const auto split = Placeholder::splitRange(path);
+            QCOMPARE(split
+                         ? QStringLiteral("%1, %2 to %3").arg(split->name).arg(split->first).arg(split->last)
+                         : QString(),
+                     QString(wanted));
+        }
+    }
+
+    void readsAndWritesText()
+    {
+        const std::pair<const char*, const char*> rows[] = {
+            {" 5 , 3-4 ", "3-5"},       {" ", ""},
+            {"10-2x3", "4-10x3"},       {"1,2,4,6,8", "1-2,4-8x2"},
+            {"8,5-7,3,1", "1-5x2,6-8"}, {"-2147483648,2147483647", "-2147483648,2147483647"},
+            {"1-20x2147483647", "1"}};
+        for (const auto& row : rows)
+            QCOMPARE(FrameRanges::parse(row.first)->text(), std::string(row.second));
+        const std::pair<const char*, const char*> displayNames[] = {
+            {"my shot.##.exr 8-11", "8-11"},
+            {"x.# 1-9 ( 1-2  5-5  8-9 )", "1-2,5,8-9"},
+            {"x.# 1-4 ( 1-2 )", "1-2,4"},
+            {"1-9,2 ( 1-3  7-9 )", "1,3,7,9"}};
+        for (const auto& row : displayNames)
+            QCOMPARE(FrameRanges::parseDisplayName(row.first)->text(), std::string(row.second));
+    }
+
+    void refusesWithOneLineEach()
+    {
+        const char* const texts[] = {"1-",  "1,,2", "1,",    "a",      "+1",          "1-2-3",
+                                     "5x2", "1 2",  "1-9x0", "1-9x-2", "1-2147483648"};
+        const char* const displayNames[] = {"", "x.#.exr", "x 1-9 )", "x 1-9 ( 1-3 a )", "x 1-9,0"};
+        QByteArray accepted;
+        // Failing checks stand outside: their messages would be caught too.
+        QTemporaryFile said;
+        QVERIFY(said.open());
+        std::fflush(stdout);
+        const int previous = ::dup(STDOUT_FILENO);
+        ::dup2(said.handle(), STDOUT_FILENO);
+        for (const char* text : texts)
+            accepted += FrameRanges::parse(text) ? text : "";
+        for (const char* name : displayNames)
+            accepted += FrameRanges::parseDisplayName(name) ? name : "";
+        std::fflush(stdout);
+        ::dup2(previous, STDOUT_FILENO);
+        ::close(previous);
+        QCOMPARE(accepted, QByteArray());
+        QVERIFY(said.seek(0));
+        QCOMPARE(said.readAll().count('\n'), 16);
+    }
+
+    void holdsHugeRanges()
+    {
+        const std::tuple<const char*, long long, int> rows[] = {{"1-50000000,2-60000000", 60000000, 30000001},
+                                                                {"1-50000000x2", 25000000, 25000001},
+                                                                {"-2147483648-2147483647", 4294967296, 0},
+                                                                {"-2147483648-2147483647x2147483647", 3, -1}};
+        for (const auto& [text, count, middle] : rows) {
+            const auto ranges = FrameRanges::parse(text);
+            QCOMPARE(ranges->count(), count);
+            QCOMPARE(*ranges->frame(count / 2), middle);
+        }
+        QVERIFY(!FrameRanges::parse("1-50000000x2,1-50000000x3"));
+    }
+
+    // Against a plain set, over many small unions.
+    void isWhatItsRangesAre()
+    {
+        unsigned seed = 1;
+        const auto random = [&seed](int below) {
+            seed = seed * 1103515245U + 12345U;
+            return static_cast<int>(seed >> 16) % below;
+        };
+        for (int round = 0; round < 3000; ++round) {
+            std::vector<FrameRange> ranges;
+            QMap<int, bool> expected;
+            for (int i = random(5); i >= 0; --i) {
+                const FrameRange range{random(60) - 30, random(60) - 30, random(7) + 1};
+                ranges.push_back(range);
+                const int direction = range.first <= range.last ? 1 : -1;
+                for (int frame = range.first; (range.last - frame) * direction >= 0;
+                     frame += range.step * direction)
+                    expected.insert(frame, true);
+            }
+            const auto united = FrameRanges::unite(ranges);
+            QCOMPARE(QList<int>(united->begin(), united->end()), expected.keys());
+            const std::string text = united->text();
+            const auto again = FrameRanges::parse(text);
+            QCOMPARE(QList<int>(again->begin(), again->end()), expected.keys());
+            QVERIFY(again->text() == text && again->runs().size() == united->runs().size());
+        }
+    }
+};
+
+QTEST_GUILESS_MAIN(FramesTest)
+#include "FramesTest.moc"
