@@ -36,7 +36,6 @@ private slots:
         sequence->setFrameInformation(0, 0, 4);
         sequence->constructSequenceName();
         QCOMPARE(sequence->getSequenceLongName(), QStringLiteral("x.####.exr 0-7 ( 0-1 4 6-7 )"));
-
         sequence->insertSequenceFile(2147483647, nullptr);
         sequence->invalidateSequenceName();
         sequence->constructSequenceName();
@@ -45,35 +44,29 @@ private slots:
 
     void settlesTheWidth()
     {
-        const auto hashes = [](const QByteArrayList& numbers, bool assumePadding) {
+        const std::tuple<QByteArrayList, bool, int> rows[] = {
+            {{"0009", "0010", "11"}, false, 4}, {{"10", "11"}, true, 2}, {{"10", "100", "5", "11"}, true, 1}};
+        for (const auto& [numbers, assumePadding, expected] : rows) {
             FileInfo sequence("x.#.exr", true);
             for (const QByteArray& number : numbers)
                 sequence.setNumberOfHashes(int(number.size()), number.startsWith('0'), assumePadding);
-            return sequence.numberOfHashes();
-        };
-        QCOMPARE(hashes({"0009", "0010", "11"}, false), 4);
-        QCOMPARE(hashes({"10", "11"}, true), 2);
-        QCOMPARE(hashes({"10", "100", "5", "11"}, true), 1);
+            QCOMPARE(sequence.numberOfHashes(), expected);
+        }
     }
 
+    // A run has its own size too.
     void sumsMembers()
     {
         EntryPool pool;
         FileInfo* sequence = makeSequence(pool, "x.#.exr", {1, 2, 3, 7, 8});
         sequence->insertSequenceFile(9, nullptr);
-        // The first member of a frame stays.
-        sequence->insertSequenceFile(8, nullptr);
-        sequence->synchSequenceData();
-        QCOMPARE(sequence->size(), 50ULL);
-        QCOMPARE(sequence->modificationTime(), 1008LL);
-
-        // A run has its own size too.
+        sequence->insertSequenceFile(8, nullptr); // the first member of a frame stays
         FileInfo run("x.#.exr", true);
         run.setParentSequence(sequence);
-        run.setFrameInformation(2, 7, 1);
+        run.setFrameInformation(2, 9, 1);
         run.setAdditionalInfo({5, false, 0});
         run.synchSequenceData();
-        QCOMPARE(run.size(), 35ULL);
+        QVERIFY(run.size() == 45 && run.modificationTime() == 1008);
     }
 
     void recyclesEntries()
@@ -85,20 +78,13 @@ private slots:
         entry->setBasicInformation("b.#.exr", true);
         QCOMPARE(entry->flags(), unsigned(FileInfo::Sequence));
         QVERIFY(entry->sequenceFiles().empty() && entry->frameRanges().empty() && !entry->parentSequence());
-
-        for (int round = 0; round < 3; ++round) {
-            pool.clear();
-            QCOMPARE(pool.create()->sequenceFileCount(), 0);
-            for (std::size_t i = 0; i < EntryPool::BlockSize; ++i)
-                pool.create()->insertSequenceFile(1, nullptr);
-            QCOMPARE(pool.blockCount(), std::size_t(2));
-        }
         // A block is prepared only if it would be filled.
-        constexpr std::size_t Wanted = 3 * EntryPool::BlockSize;
+        constexpr std::size_t Wanted = 2 * EntryPool::BlockSize;
         QVERIFY(!pool.prepare(Wanted - 1) && pool.prepare(Wanted) && !pool.prepare(Wanted));
-        for (std::size_t i = 0; i < EntryPool::BlockSize; ++i)
-            pool.create();
-        QCOMPARE(pool.blockCount(), std::size_t(3));
+        pool.clear();
+        for (std::size_t i = 0; i < Wanted; ++i)
+            QCOMPARE(pool.create()->sequenceFileCount(), 0);
+        QCOMPARE(pool.blockCount(), std::size_t(2));
     }
 
     // Most of the pages of a large directory are given back when a small one has been read.
@@ -114,35 +100,29 @@ private slots:
         for (int round = 0; round < 2; ++round) {
             for (std::size_t i = 0; i < Blocks * EntryPool::BlockSize; ++i)
                 pool.create()->insertSequenceFile(1, nullptr);
-            QCOMPARE(pool.blockCount(), Blocks);
-            QVERIFY(!pool.trimming());
+            QVERIFY(pool.blockCount() == Blocks && !pool.trimming());
             pool.clear();
             pool.create();
             const long long before = resident();
             pool.trimming()();
-            QVERIFY(before - resident() > 14 * BlockBytes);
-            QVERIFY(!pool.trimming());
+            QVERIFY(before - resident() > 14 * BlockBytes && !pool.trimming());
             pool.clear();
         }
         // Of what was long only the members are left, for another thread.
-        for (int frame = 0; frame < 1000; ++frame)
-            pool.create()->insertSequenceFile(frame, nullptr);
         FileInfo* sequence = pool.create();
         for (int frame = 0; frame < 1000; ++frame)
             sequence->insertSequenceFile(frame, nullptr);
         pool.clear();
-        for (int i = 0; i < 1001; ++i)
-            QVERIFY(pool.create()->sequenceFiles().empty());
+        QVERIFY(pool.create()->sequenceFiles().empty());
         const auto left = pool.takeOldMembers();
-        QCOMPARE(left.size(), std::size_t(1));
-        QCOMPARE(left.front().size(), std::size_t(1000));
+        QVERIFY(left.size() == 1 && left.front().size() == 1000);
     }
 
     void cutsWhatIsTooLong()
     {
-        const FileInfo info(QByteArray(3000, 'n').constData(), false);
-        QCOMPARE(info.getFilenameLength(), std::size_t(1023));
-        FileInfo wide("x.#", true);
+        FileInfo wide(QByteArray(3000, 'n').append(".#").constData(), true);
+        QCOMPARE(wide.getFilenameLength(), std::size_t(1023));
+        wide.setFileName("x.#");
         wide.setFrameInformation(1, 2, 5000);
         wide.constructSequenceName();
         QCOMPARE(std::strlen(wide.sequenceName()), std::size_t(1023));
