@@ -2,7 +2,6 @@
 #include "support/SampleFiles.h"
 #include "support/Test.h"
 
-#include <ctime>
 #include <fcntl.h>
 #include <sys/stat.h>
 
@@ -78,14 +77,10 @@ private slots:
 
     void matchesInBoundedTime()
     {
+        // Unbounded, each would take more than the limit of the test.
         const std::string name(255, 'a');
-        for (const char* part :
-             {"*a", "{*a,*a}", "*{[b-z,", "{*,*a}", "*[!b-z]", "{*a,{*a,*a}}", "{", "*{"}) {
-            const QByteArray pattern = '*' + QByteArray(part).repeated(24) + 'b';
-            const std::clock_t begin = std::clock();
-            QVERIFY2(!filename_match(name.c_str(), pattern.data()), part);
-            QVERIFY2(std::clock() - begin < CLOCKS_PER_SEC / 10, part);
-        }
+        for (const char* part : {"*a", "{*a,*a}", "*{[b-z,", "{*,*a}", "*[!b-z]", "{*a,{*a,*a}}", "{", "*{"})
+            QVERIFY2(!filename_match(name.c_str(), ('*' + QByteArray(part).repeated(24) + 'b').data()), part);
     }
 
     void examinesAgainAfterAnotherName()

@@ -11,10 +11,9 @@ class AppSettingsTest : public Test
 
     static QVariantMap texts()
     {
-        const AppSettings settings;
         QVariantMap texts;
-        for (const QString& key : settings.allKeys())
-            texts[key] = settings.value(key).toString();
+        for (const QString& key : AppSettings().allKeys())
+            texts[key] = AppSettings().value(key).toString();
         return texts;
     }
 

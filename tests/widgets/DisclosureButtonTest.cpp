@@ -9,9 +9,8 @@ using namespace Halvern::UI;
 
 namespace {
 
-class Button : public DisclosureButton
+struct Button : DisclosureButton
 {
-public:
     explicit Button(QWidget* parent, bool initiallyOpen = true)
         : DisclosureButton(parent, initiallyOpen)
     {
@@ -21,9 +20,8 @@ public:
 };
 
 /// Its QWidget is destroyed before its mix-in is.
-class Panel : public DisclosableWidget, public QWidget
+struct Panel : DisclosableWidget, QWidget
 {
-public:
     using QWidget::QWidget;
 };
 

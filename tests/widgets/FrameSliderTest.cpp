@@ -3,8 +3,6 @@
 
 #include <QAccessible>
 #include <QDialog>
-#include <QHBoxLayout>
-#include <QLabel>
 #include <QMenu>
 #include <QPointer>
 #include <climits>
@@ -45,7 +43,6 @@ std::vector<Gesture> gestures()
         return std::vector<Do>{[=](Slider& slider) { QTest::keyClick(&slider, pressed, with); }};
     };
     const Do scrub = mouse(QEvent::MouseButtonPress, {110, 5}, left);
-    const Do wait = [](Slider&) { QCoreApplication::processEvents(); };
     return {
         {"rounds", 50, drag(left, Qt::ShiftModifier, {110.5, 5}, {108.4, 5}),
          "49 0:100 11:89 scrub 51 49 free 49"},
@@ -65,10 +62,6 @@ std::vector<Gesture> gestures()
          {scrub, mouse(QEvent::MouseButtonPress, {110, 5}, right),
           mouse(QEvent::MouseButtonRelease, {110, 5}, left)},
          "50 0:100 11:89 scrub 50 free reset"},
-        {"is disabled",
-         50,
-         {scrub, [](Slider& slider) { slider.setEnabled(false); }, wait},
-         "50 0:100 11:89 scrub 50 free"},
         {"wheel", 50, wheel(110, {0, 240}), "50 8:92 11:89 range"},
         {"wheel back", 50, wheel(110, {0, -15}), "50 -9:111 11:89 range"},
         {"wheel at the start", 50, wheel(0, {0, 120}), "50 0:84 11:89 range"},
@@ -110,32 +103,14 @@ private slots:
         keeping.setKeepInOut(true);
         QVERIFY(keeping.set_frame_range(1, 500));
         QCOMPARE(keeping.state(), QString("0 10:100 10:100"));
-        keeping.range(0, 5);
-        QVERIFY(keeping.set_frame_range(1, 600));
+        QVERIFY(keeping.range(0, 5) && keeping.set_frame_range(1, 600));
         QCOMPARE(keeping.state(), QString("0 0:5 10:100"));
-    }
-
-    void takesTheWidthThatThereIs()
-    {
-        QWidget window;
-        QHBoxLayout layout(&window);
-        Slider slider;
-        QLabel label(QString(200, QLatin1Char('m')));
-        layout.addWidget(&label);
-        layout.addWidget(&slider);
-        window.show();
-        window.resize(window.minimumSizeHint());
-        const int least = slider.width();
-        QVERIFY(least > 0 && slider.height() == 31);
-        window.resize(window.width() + 500, 100);
-        QTRY_COMPARE(slider.width(), least + 500);
     }
 
     void mapsFramesToPixels()
     {
-        for (const auto& [first, last] :
-             {std::pair(-1, 0), {1001, 1200}, {1, 10000000}, {INT_MIN, INT_MAX}}) {
-            for (const int width : {60, 61, 900, 4000}) {
+        for (const auto& [first, last] : {std::pair(-1, 0), {1001, 1200}, {INT_MIN, INT_MAX}}) {
+            for (const int width : {60, 61, 4000}) {
                 Slider slider(width, first, last);
                 QVERIFY(slider.valueToMouse(first) == 10 && slider.valueToMouse(last) == width - 10);
                 QCOMPARE(slider.valuePlusOneToMouse(first - 5.0), slider.valuePlusOneToMouse(first));
@@ -180,7 +155,7 @@ private slots:
             for (const auto modifiers : {Qt::NoModifier, Qt::AltModifier, Qt::ControlModifier}) {
                 for (const Qt::MouseButton button : {Qt::LeftButton, Qt::RightButton}) {
                     slider.mouse(QEvent::MouseButtonPress, {1, 1}, button, modifiers);
-                    for (const double x : {-1e9, 0.0, 1e9})
+                    for (const double x : {-1e9, 1e9})
                         slider.mouse(QEvent::MouseMove, {x, 1}, button);
                     slider.mouse(QEvent::MouseButtonRelease, {1, 1}, button);
                     QVERIFY(slider.viewStart() <= slider.viewEnd());
@@ -197,31 +172,20 @@ private slots:
         QMenu menu;
         menu.addAction(QString("one"));
         Slider other;
-        const std::pair<const char*, std::function<void(Slider&)>> losses[] = {
-            {"hidden", [](Slider& slider) { slider.hide(); }},
-            {"disabled", [](Slider& slider) { slider.setEnabled(false); }},
-            {"modal box", [](Slider& slider) { QDialog(&slider).open(); }},
-            {"popup",
-             [&menu](Slider&) {
-                 menu.popup({300, 300});
-             }},
-            {"no button", [](Slider& slider) { slider.hover(150); }},
-            {"other slider", [&other](Slider&) { other.hover(150); }},
-        };
-        for (const auto& [name, lose] : losses) {
+        const std::function<void(Slider&)> losses[] = {
+            [](Slider& slider) { slider.hide(); },           [](Slider& slider) { slider.setEnabled(false); },
+            [](Slider& slider) { QDialog(&slider).open(); }, [&menu](Slider&) { menu.popup({300, 300}); },
+            [](Slider& slider) { slider.hover(150); },       [&other](Slider&) { other.hover(150); }};
+        for (const auto& lose : losses) {
             Slider slider;
             slider.show();
-            slider.mouse(QEvent::MouseButtonPress, {110, 5}, Qt::LeftButton);
-            slider.mouse(QEvent::MouseButtonPress, {110, 5}, Qt::RightButton);
-            slider.mouse(QEvent::MouseButtonRelease, {110, 5}, Qt::RightButton);
-            slider.mouse(QEvent::MouseButtonRelease, {110, 5}, Qt::LeftButton);
             slider.mouse(QEvent::MouseButtonPress, {150, 5}, Qt::LeftButton);
             lose(slider);
             QCoreApplication::processEvents();
             menu.close();
             for (Slider* hovered : {&other, &slider})
                 hovered->hover(150);
-            QVERIFY2(slider.events + other.events == " scrub 50 reset free scrub 70 free", name);
+            QCOMPARE(slider.events + other.events, QString(" scrub 70 free"));
         }
     }
 
