@@ -41,10 +41,11 @@ QByteArray encoded(const QVariant& value)
 
 } // namespace
 
-std::string AppSettings::_name = defaultName;
+std::string AppSettings::s_name = defaultName;
 
 AppSettings::AppSettings()
-    : QSettings(QSettings::IniFormat, QSettings::UserScope, QString::fromStdString(_name), QString(), nullptr)
+    : QSettings(QSettings::IniFormat, QSettings::UserScope, QString::fromStdString(s_name), QString(),
+                nullptr)
 {
     setFallbacksEnabled(false);
 }
@@ -53,7 +54,7 @@ AppSettings::AppSettings()
 QString AppSettings::FilePath()
 {
     const QSettings probe(QSettings::IniFormat, QSettings::UserScope, QStringLiteral("-"));
-    return QFileInfo(probe.fileName()).path() + QLatin1Char('/') + QString::fromStdString(_name) +
+    return QFileInfo(probe.fileName()).path() + QLatin1Char('/') + QString::fromStdString(s_name) +
            QLatin1String(".ini");
 }
 
@@ -108,7 +109,7 @@ bool AppSettings::Store(std::initializer_list<std::pair<QString, QVariant>> valu
 void AppSettings::SetName(std::string name)
 {
     // QSettings refuses to write for an organisation without a name.
-    _name = name.empty() ? std::string(defaultName) : std::move(name);
+    s_name = name.empty() ? std::string(defaultName) : std::move(name);
 }
 
 } // namespace Halvern::UI

@@ -49,7 +49,7 @@ public:
     static bool Store(std::initializer_list<std::pair<QString, QVariant>> values);
 
 private:
-    static std::string _name;
+    static std::string s_name;
 };
 
 } // namespace Halvern::UI

@@ -28,9 +28,9 @@ QPolygonF triangle(bool open)
 
 } // namespace
 
-DisclosureButton::DisclosureButton(QWidget* parent, bool showWidgetsWhenChecked)
+DisclosureButton::DisclosureButton(QWidget* parent, bool showWhenChecked)
     : QCheckBox(parent)
-    , showWhenChecked(showWidgetsWhenChecked)
+    , m_showWhenChecked(showWhenChecked)
 {
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
 }
@@ -52,7 +52,7 @@ void DisclosureButton::addWidget(QWidget* w)
         return;
     m_widgets.append(w);
     connect(w, &QObject::destroyed, this, &DisclosureButton::forgetWidget, Qt::UniqueConnection);
-    bool visible = isChecked() && showWhenChecked;
+    bool visible = isChecked() && m_showWhenChecked;
     if (DisclosableWidget* shared = disclosable(w)) {
         visible = visible && shared->isDisclosed();
         shared->m_buttons.insert(this);

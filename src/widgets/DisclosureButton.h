@@ -73,7 +73,7 @@ private:
     void forgetWidget(QObject* widget);
 
     QList<QWidget*> m_widgets;
-    bool showWhenChecked;
+    bool m_showWhenChecked;
 };
 
 } // namespace Halvern::UI

@@ -17,17 +17,15 @@ using FrameNumber = qint32;
 ///
 /// The mouse. The scale lies from 10 pixels after the left edge to 10 pixels before the right edge.
 /// - The left button scrubs the head. With Control it moves the nearer of in and out point, with Alt it pans.
-/// - The right or middle button selects a range to zoom into. A click without a drag emits
-/// sliderRangeReset().
-///   With Alt it zooms: 96 pixels to the left or down double the view.
+/// - The right or middle button selects a range to zoom into. A click emits sliderRangeReset(). With Alt it
+///   zooms: 96 pixels to the left or down double the view.
 /// - No context menu opens, not even that of a parent, unless the host sets another contextMenuPolicy().
 /// - The wheel zooms about the frame under the mouse, one step for each event.
 /// - Without a button the frame under the mouse is marked.
 ///
 /// The keyboard. The slider takes the focus by Tab, not by a click.
 /// - Left and Right move the head by one frame, Page Down and Page Up by ten. Home and End move it to the
-/// first
-///   and last frame to play, or in view if the in and out marks are hidden.
+///   first and last frame to play, or in view if the in and out marks are hidden.
 /// - I and O move the in and the out point to the head, if their marks are shown.
 /// - "+" and "-" zoom about the head. Alt with Left or Right pans by a tenth of the view. F emits
 ///   sliderRangeReset().
@@ -110,21 +108,20 @@ public:
 
     /// Colours are packed, see rgb0toQColor(). Each slider uses them from its next paint on. The default 0 is
     /// black, and on a dark background the palette's text colour.
-    static void SetHeadColour(quint32 colour) { _headColour = colour; }
+    static void SetHeadColour(quint32 colour) { s_headColour = colour; }
     /// Default: 0xd3431dff.
-    static void SetInOutColour(quint32 colour) { _inOutColour = colour; }
+    static void SetInOutColour(quint32 colour) { s_inOutColour = colour; }
     /// Default: 0x276ad1ff. On a key frame the head has this colour too.
-    static void SetKeyframeColour(quint32 colour) { _keyframeColour = colour; }
+    static void SetKeyframeColour(quint32 colour) { s_keyColour = colour; }
     /// Default: 0x436043ff.
-    static void SetCacheframeColour(quint32 colour) { _cacheframeColour = colour; }
+    static void SetCacheframeColour(quint32 colour) { s_cacheColour = colour; }
     /// Sets the key frames of all sliders (default: none). Each slider uses them from its next paint on.
     static void SetKeys(const std::set<int>& keys);
 
 signals:
     /// The user moved the head to @p value, or released it there.
     void sliderMoved(int value);
-    /// The user zoomed or panned the view, or is selecting a range to zoom into (the view changes at the
-    /// end).
+    /// The user zoomed or panned the view, or is selecting a range, which becomes the view at the end.
     void sliderRangeChanged();
     /// The user moved the in or the out point.
     void sliderInOutChanged();
@@ -214,26 +211,25 @@ private:
     FrameNumber m_viewStart = 0;
     FrameNumber m_viewEnd = 100;
     FrameNumber m_value = 0;
-    // The frames of setCacheFrames() and SetKeys() in sorted lists, because a large std::set is slow to
-    // search.
+    // The frames of setCacheFrames() and SetKeys(), sorted: a large std::set is slow to search.
     std::vector<int> m_cacheList;
     static inline std::vector<int> s_keyList;
     bool m_setsAreAsSet = false; // false if a subclass overrides prepareKeys(), which may change the sets
 
-    static inline quint32 _headColour = 0;
-    static inline quint32 _inOutColour = 0xd3431dff;
-    static inline quint32 _keyframeColour = 0x276ad1ff;
-    static inline quint32 _cacheframeColour = 0x436043ff;
+    static inline quint32 s_headColour = 0;
+    static inline quint32 s_inOutColour = 0xd3431dff;
+    static inline quint32 s_keyColour = 0x276ad1ff;
+    static inline quint32 s_cacheColour = 0x436043ff;
 
     // One mouse drags one slider at a time.
-    static inline DragMode dragMode = DragMode::Idle;
-    static inline FrameSlider* s_dragged = nullptr; // the slider of dragMode, null while idle
-    static inline int hoverX = 0;
+    static inline DragMode s_dragMode = DragMode::Idle;
+    static inline FrameSlider* s_dragged = nullptr; // the slider of s_dragMode, null while idle
+    static inline int s_hoverX = 0;
     // The state at the press: the pixel, its frame without and with its fraction, and the view.
     static inline QPoint s_pressed;
     static inline FrameNumber s_pressedFrame = 0;
     static inline double s_pressedValue = 0;
     static inline FrameNumber s_pressedStart = 0;
     static inline FrameNumber s_pressedEnd = 0;
-    static inline FrameNumber selectEnd = 0;
+    static inline FrameNumber s_selectEnd = 0;
 };

@@ -49,11 +49,11 @@ void FrameSlider::mousePressEvent(QMouseEvent* event)
         event->ignore();
         return;
     }
-    if (s_dragged && (s_dragged != this || dragMode == DragMode::Hovering))
+    if (s_dragged && (s_dragged != this || s_dragMode == DragMode::Hovering))
         s_dragged->loseMouse();
     s_pressed = wholePixels(Halvern::Base::positionOf(*event));
     s_pressedValue = mouseToValue(s_pressed.x());
-    s_pressedFrame = selectEnd = frameUnderMouse(s_pressed.x());
+    s_pressedFrame = s_selectEnd = frameUnderMouse(s_pressed.x());
     s_pressedStart = m_viewStart;
     s_pressedEnd = m_viewEnd;
     takeMouse(mode);
@@ -95,7 +95,7 @@ FrameSlider::DragMode FrameSlider::pointAt(int x) const
 
 void FrameSlider::mouseMoveEvent(QMouseEvent* event)
 {
-    const bool dragging = dragMode > DragMode::Hovering;
+    const bool dragging = s_dragMode > DragMode::Hovering;
     if (s_dragged && (s_dragged != this || (dragging && event->buttons() == Qt::NoButton)))
         s_dragged->loseMouse();
     drag(wholePixels(Halvern::Base::positionOf(*event)));
@@ -104,7 +104,7 @@ void FrameSlider::mouseMoveEvent(QMouseEvent* event)
 void FrameSlider::drag(QPoint mouse)
 {
     const int frame = frameUnderMouse(mouse.x());
-    switch (dragMode) {
+    switch (s_dragMode) {
     case DragMode::Idle:
     case DragMode::Hovering:
         hover(mouse.x());
@@ -116,7 +116,7 @@ void FrameSlider::drag(QPoint mouse)
         break;
     }
     case DragMode::Selecting:
-        selectEnd = frame;
+        s_selectEnd = frame;
         update();
         emit sliderRangeChanged();
         break;
@@ -161,7 +161,7 @@ void FrameSlider::movePoint(int frame)
 {
     const int first = first_frame();
     const int last = last_frame();
-    if (dragMode == DragMode::MovingIn)
+    if (s_dragMode == DragMode::MovingIn)
         setinout(std::min({frame, last, m_value < first ? last : m_value}), m_outPoint);
     else
         setinout(m_inPoint, std::max({frame, first, m_value > last ? first : m_value}));
@@ -171,13 +171,13 @@ void FrameSlider::movePoint(int frame)
 void FrameSlider::hover(int x)
 {
     const int hovered = valueToMouse(nearestFrame(x));
-    if (dragMode == DragMode::Hovering) {
-        if (hovered == hoverX)
+    if (s_dragMode == DragMode::Hovering) {
+        if (hovered == s_hoverX)
             return;
         update(hoverBand());
     }
     takeMouse(DragMode::Hovering);
-    hoverX = hovered;
+    s_hoverX = hovered;
     update(hoverBand());
 }
 
@@ -185,7 +185,7 @@ void FrameSlider::hover(int x)
 // hidden, disabled or blocked by a modal box gets none.
 void FrameSlider::takeMouse(DragMode mode)
 {
-    dragMode = mode;
+    s_dragMode = mode;
     s_dragged = this;
     QCoreApplication::instance()->installEventFilter(this);
 }
@@ -196,7 +196,7 @@ FrameSlider::DragMode FrameSlider::giveMouse()
     if (s_dragged && QCoreApplication::instance())
         QCoreApplication::instance()->removeEventFilter(s_dragged);
     s_dragged = nullptr;
-    return std::exchange(dragMode, DragMode::Idle);
+    return std::exchange(s_dragMode, DragMode::Idle);
 }
 
 bool FrameSlider::eventFilter(QObject* watched, QEvent* event)
@@ -215,7 +215,7 @@ bool FrameSlider::eventFilter(QObject* watched, QEvent* event)
 // may still be hiding or disabling it.
 void FrameSlider::loseMouse()
 {
-    if (dragMode == DragMode::Hovering) {
+    if (s_dragMode == DragMode::Hovering) {
         update(hoverBand());
         giveMouse();
         return;
@@ -223,7 +223,7 @@ void FrameSlider::loseMouse()
     giveMouse();
     update();
     const auto endScrub = [this] {
-        if (s_dragged != this || dragMode != DragMode::Scrubbing)
+        if (s_dragged != this || s_dragMode != DragMode::Scrubbing)
             setScrubbing(false);
     };
     QMetaObject::invokeMethod(this, endScrub, Qt::QueuedConnection);
@@ -252,13 +252,13 @@ void FrameSlider::endSelection(QPoint mouse)
         std::abs(qint64(mouse.x()) - s_pressed.x()) + std::abs(qint64(mouse.y()) - s_pressed.y());
     if (distance < QApplication::startDragDistance())
         emit sliderRangeReset();
-    else if (selectEnd != s_pressedFrame)
-        setView(std::min(s_pressedFrame, selectEnd), std::max(s_pressedFrame, selectEnd));
+    else if (s_selectEnd != s_pressedFrame)
+        setView(std::min(s_pressedFrame, s_selectEnd), std::max(s_pressedFrame, s_selectEnd));
 }
 
 void FrameSlider::leaveEvent(QEvent* /*event*/)
 {
-    if (s_dragged == this && dragMode == DragMode::Hovering)
+    if (s_dragged == this && s_dragMode == DragMode::Hovering)
         loseMouse();
 }
 

@@ -94,15 +94,15 @@ public:
             drawNumber(number, number.frame == start || number.frame == end ? height : height - 1);
     }
 
-    void drawKeys() { m_slider.drawKeys(m_painter, colourOf(_cacheframeColour), colourOf(_keyframeColour)); }
+    void drawKeys() { m_slider.drawKeys(m_painter, colourOf(s_cacheColour), colourOf(s_keyColour)); }
 
     void drawHead(FrameNumber frame, float opacity = 1)
     {
-        QColor colour = colourOf(_headColour);
+        QColor colour = colourOf(s_headColour);
         const bool dark = qGray(m_palette.color(m_slider.backgroundRole()).rgb()) < MidGrey;
         if (_keys.count(frame) > 0)
-            colour = colourOf(_keyframeColour);
-        else if (_headColour == 0 && dark)
+            colour = colourOf(s_keyColour);
+        else if (s_headColour == 0 && dark)
             colour = m_palette.color(QPalette::Text);
         colour.setAlphaF(opacity);
         const int x = pixelOf(frame);
@@ -114,9 +114,9 @@ public:
     {
         const int in = pixelOf(m_slider.first_frame());
         drawTriangle(in, {QPointF(in, 16), QPointF(std::max(in, 0) + 9, 16), QPointF(in, 8)},
-                     colourOf(_inOutColour));
+                     colourOf(s_inOutColour));
         const int out = pixelOf(m_slider.last_frame());
-        drawTriangle(out, {QPointF(out, 16), QPointF(out - 8, 16), QPointF(out, 8)}, colourOf(_inOutColour));
+        drawTriangle(out, {QPointF(out, 16), QPointF(out - 8, 16), QPointF(out, 8)}, colourOf(s_inOutColour));
         for (const int frame : {m_slider.first_frame(), m_slider.last_frame()}) {
             if (reaches(pixelOf(frame), m_width) && frame != m_slider.m_value)
                 drawNumber(m_slider.numberAbove(frame, pixelOf(frame)), NumberRow);
@@ -125,7 +125,7 @@ public:
 
     void drawSelection()
     {
-        const auto [from, to] = std::minmax(s_pressedFrame, selectEnd);
+        const auto [from, to] = std::minmax(s_pressedFrame, s_selectEnd);
         const int left = std::max(pixelOf(from), -BandReach);
         const int right = std::min(m_slider.valuePlusOneToMouse(to), m_width + BandReach);
         m_painter.setPen(Qt::white);
@@ -135,8 +135,8 @@ public:
 
     void drawHover()
     {
-        const FrameNumber frame = m_slider.nearestFrame(hoverX);
-        if (inBand(hoverX) && frame != m_slider.m_value)
+        const FrameNumber frame = m_slider.nearestFrame(s_hoverX);
+        if (inBand(s_hoverX) && frame != m_slider.m_value)
             drawHead(frame, 0.5F);
     }
 
@@ -216,7 +216,7 @@ ScaleNumber FrameSlider::numberAbove(FrameNumber frame, int x) const
 QRect FrameSlider::hoverBand() const
 {
     constexpr int MarkReach = 9;
-    const FrameNumber frame = nearestFrame(hoverX);
+    const FrameNumber frame = nearestFrame(s_hoverX);
     const int x = valueToMouse(frame);
     const ScaleNumber number = numberAbove(frame, x + 1);
     const int left = std::min(number.left - 1, x - MarkReach);
@@ -234,9 +234,9 @@ void FrameSlider::paintEvent(QPaintEvent* event)
     painting.drawHead(m_value);
     if (!m_hideInOut)
         painting.drawInOut();
-    if (s_dragged == this && dragMode == DragMode::Selecting)
+    if (s_dragged == this && s_dragMode == DragMode::Selecting)
         painting.drawSelection();
-    if (s_dragged == this && dragMode == DragMode::Hovering)
+    if (s_dragged == this && s_dragMode == DragMode::Hovering)
         painting.drawHover();
     if (settingsOwner)
         painting.shadeOutside();
