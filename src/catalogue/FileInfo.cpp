@@ -248,17 +248,7 @@ void FileInfo::constructSequenceName()
 
 QString FileInfo::getSequenceLongName() const
 {
-    QString name = QString::fromLatin1(m_sequenceName);
-    if (m_frameRanges.empty())
-        return name;
-    name += QLatin1String(" ( ");
-    for (const FrameRange& range : m_frameRanges) {
-        name += QString::number(range.first);
-        if (range.first != range.last)
-            name += QLatin1Char('-') + QString::number(range.last);
-        name += QLatin1Char(' ');
-    }
-    return name + QLatin1Char(')');
+    return QString::fromLatin1((m_sequenceName + Placeholder::runsText(m_frameRanges)).c_str());
 }
 
 void FileInfo::detectAutoSequence()

@@ -9,15 +9,6 @@ namespace Halvern::UI {
 
 using Base::FileHandle;
 
-namespace {
-
-bool isSingleFrame(const FrameRange& range)
-{
-    return range.first == range.last;
-}
-
-} // namespace
-
 FileInfo* SequenceIndex::add(const char* name, bool isDirectory)
 {
     forgetSplits();
@@ -239,7 +230,7 @@ void SequenceIndex::split()
             continue;
         sequence->constructSequenceName();
         for (const FrameRange& range : sequence->frameRanges()) {
-            if (!isSingleFrame(range))
+            if (!range.isSingle())
                 makeRun(sequence, range);
         }
     }
@@ -315,7 +306,7 @@ std::size_t SequenceIndex::appendSequence(std::vector<FileInfo*>& out, FileInfo*
         // Runs are counted even if the sequence is not shown, so that the next sequences get theirs.
         for (const FrameRange& range : sequence->frameRanges()) {
             FileInfo* run =
-                isSingleFrame(range) ? sequence->sequenceFiles().at(range.first) : m_runs.entries[nextRun++];
+                range.isSingle() ? sequence->sequenceFiles().at(range.first) : m_runs.entries[nextRun++];
             if (shown)
                 out.push_back(run);
         }

@@ -9,6 +9,8 @@ struct FrameRange
     int first = 0;
     int last = 0;
     int step = 1;
+
+    bool isSingle() const { return first == last; }
 };
 
 } // namespace Halvern::Base

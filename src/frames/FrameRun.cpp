@@ -49,7 +49,7 @@ std::vector<ListedName> FrameRun::listedNames(bool split) const
     std::vector<ListedName> names;
     if (split && !runs.empty()) {
         for (const Base::FrameRange& run : runs) {
-            if (run.first == run.last)
+            if (run.isSingle())
                 names.push_back({fileNameOf(run.first).toUtf8(), false});
             else
                 names.push_back(

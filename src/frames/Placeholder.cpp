@@ -119,4 +119,14 @@ std::string rangeText(int first, int last)
     return std::to_string(first) + '-' + std::to_string(last);
 }
 
+std::string runsText(const std::vector<FrameRange>& runs)
+{
+    if (runs.empty())
+        return {};
+    std::string text = " ( ";
+    for (const FrameRange& run : runs)
+        text += (run.isSingle() ? std::to_string(run.first) : rangeText(run.first, run.last)) + ' ';
+    return text + ')';
+}
+
 } // namespace Halvern::UI::Placeholder

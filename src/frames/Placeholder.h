@@ -1,12 +1,14 @@
 #pragma once
 
 #include "base/Export.h"
+#include "frames/FrameRange.h"
 
 #include <QString>
 #include <QStringView>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 /// What stands for the frame number in the name of a sequence, "####" or the printf token "%04d", and the
 /// range that follows such a name. Texts only; nothing is read from disk.
@@ -54,5 +56,9 @@ HVCOREUI_EXPORT std::optional<NameWithRange> splitRange(const QString& path);
 
 /// The range as listed names carry it: "1-100".
 std::string rangeText(int first, int last);
+
+/// The runs of a sequence with gaps, as its row shows them after the range: " ( 1-49 60 62-100 )". Empty
+/// without runs. FrameRun has the form of FileInfoList.
+std::string runsText(const std::vector<FrameRange>& runs);
 
 } // namespace Halvern::UI::Placeholder
