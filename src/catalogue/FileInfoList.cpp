@@ -147,7 +147,12 @@ std::vector<ListedName> listCollapsed(const DirectoryScan& scan, bool split)
 
 FileInfoList::FileInfoList()
 {
-    connect(this, SIGNAL(lazyStatFetchNext()), this, SLOT(takeQueuedStep()), Qt::QueuedConnection);
+    // A step that an earlier listing left in the queue must not hurry the walk of the present one.
+    const auto takeStep = [this] {
+        if (m_queuedSteps > 0 && --m_queuedSteps == 0)
+            onLazyStatFetchNext();
+    };
+    connect(this, &FileInfoList::lazyStatFetchNext, this, takeStep, Qt::QueuedConnection);
 }
 
 int FileInfoList::fill(const QString& path)
@@ -190,13 +195,6 @@ void FileInfoList::queueStep()
     if (!signalsBlocked()) // else nothing will be delivered
         ++m_queuedSteps;
     emit lazyStatFetchNext();
-}
-
-// A step that an earlier listing left in the queue must not hurry the walk of the present one.
-void FileInfoList::takeQueuedStep()
-{
-    if (m_queuedSteps > 0 && --m_queuedSteps == 0)
-        onLazyStatFetchNext();
 }
 
 void FileInfoList::onLazyStatFetchNext()

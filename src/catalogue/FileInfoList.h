@@ -76,9 +76,6 @@ public slots:
     /// last. Does nothing without entries.
     void onLazyStatFetchNext();
 
-private slots:
-    void takeQueuedStep();
-
 private:
     void queueStep();
 
@@ -87,7 +84,7 @@ private:
     bool m_sequencesEnabled = false;
     bool m_splitSequences = false;
     std::size_t m_lazyStatCursor = 0;
-    int m_queuedSteps = 0; // announced, and not yet delivered to takeQueuedStep()
+    int m_queuedSteps = 0; // announced, and not yet delivered
 };
 
 } // namespace Halvern::UI

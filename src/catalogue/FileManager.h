@@ -38,28 +38,20 @@ public:
     /// and @p force is false. Also false if @p path cannot be opened: it becomes the current directory, with
     /// its entries if it was so before, else without entries, and the next request for it tries again. Also
     /// false from within a synchronous read.
-    bool getFilesFromFolder(const std::string& path, bool force)
-    {
-        return getFilesFromFolderPrivate(path, force, true);
-    }
+    bool getFilesFromFolder(const std::string& path, bool force) { return read(path, force, true); }
     /// The same on the calling thread: everything is read, and the signals are emitted, when it returns. The
     /// manager must not be destroyed in answer to these.
-    bool getFilesFromFolderSynchronously(const std::string& path, bool force)
-    {
-        return getFilesFromFolderPrivate(path, force, false);
-    }
-    /// Begins to read @p path again or anew on the worker thread. This thread asks the disk for nothing: if
-    /// @p path can't be opened, readError() is set when refreshList() is emitted, and if it goes away later,
-    /// with the last attributes. False if nothing begins, for lack of memory or from within a synchronous
-    /// read.
+    bool getFilesFromFolderSynchronously(const std::string& path, bool force) { return read(path, force); }
+    /// Begins to read @p path again or anew. Only the worker asks the disk: if @p path can't be opened,
+    /// readError() is set when refreshList() is emitted, and if it goes away later, with the last attributes.
+    /// False if nothing begins, for lack of memory or from within a synchronous read.
     bool readInBackground(const std::string& path);
     /// Forgets every entry, and gives back their memory but for what the next small directory needs.
     void release();
-    /// Why the listing of the current directory is empty or incomplete: the system's error number, as of
-    /// `opendir`, `open` or `readdir`, ENOMEM if there was no memory, EAGAIN if the system has no thread for
-    /// the worker. 0 while a read is under way and after a listing that succeeded. Set before refreshList()
-    /// announces the names, and before a request answers false. Only ENOMEM may also come later, with
-    /// infoUpdated(): then the attributes that are still missing do not arrive.
+    /// Why the listing of the current directory is empty or incomplete: an error number of the system, ENOMEM
+    /// if there was no memory, EAGAIN if there was no thread for the worker. 0 during a read and after one
+    /// that succeeded. Set before refreshList() announces the names, and before a request answers false.
+    /// ENOMEM may also come with infoUpdated(): then the attributes that are missing do not arrive.
     int readError() const;
     /// Reads @p path at once and returns a text for each row, in bytes as they were read. A registered
     /// sequence has one row, or with @p splitGaps one for each run: "shot.####.exr 1-9 ( 1-4 6-9 )" with @p
@@ -86,11 +78,10 @@ public:
 
     /// Groups all files into sequences anew. The "#" width of a sequence is then that of its first member.
     void reevaluateSequences();
-    /// Makes @p sequence the sequence of @p pattern and adds @p member to it. If an entry has that pattern
-    /// already, @p member is added to that entry.
+    /// Adds @p member to the sequence of @p pattern, which is @p sequence if no entry has that pattern yet.
     void createSecondarySequence(FileInfo* sequence, const char* pattern, int digits, bool padded, int frame,
                                  FileInfo* member);
-    /// Makes an entry for each run of several frames of a sequence with gaps, once for the present entries.
+    /// Makes an entry for each run of several frames of the sequences with gaps, if that is not done yet.
     void createSplitSequences();
     /// Replaces the content of @p out by the rows of the given list type, borrowed. Between two batches these
     /// are the rows of the names that have arrived. Without memory for them it is empty.
@@ -103,19 +94,18 @@ public:
     /// See FileInfo::addSequenceFileExtension().
     static void addSequenceFileExtension(const char* extension);
 
-    /// A fresh entry, owned by the manager like all others; it is in no list. Throws `std::bad_alloc`.
+    /// A new entry of the manager, which is in no list. Throws `std::bad_alloc`.
     FileInfo* createEntry();
     /// Whether @p entry is one of this manager.
     bool owns(const FileInfo* entry) const;
-    /// Keeps the memory of all entries while it is held, also after the manager is destroyed. It does not
-    /// keep the entries from being used again by the next read.
+    /// Keeps the memory of all entries while it is held, also after the manager is destroyed. The next read
+    /// may still use them again.
     std::shared_ptr<const void> entryStorage() const;
     /// Keeps an entry from createEntry() in step with its members as attributes arrive.
     void followMembers(FileInfo* sequence);
     /// Ends the following of everything that followMembers() was called for.
     void forgetFollowers();
-    /// Whether names are ordered while they arrive (default: no), for models of this library. Switched on, it
-    /// takes effect with the next read; switched off, at once.
+    /// Whether names are ordered while they arrive (default: no); true takes effect with the next read.
     void setNamesOrdered(bool ordered);
     /// The order of the names of all files, by their places in reading order, once for each read. Empty
     /// before refreshList(), and if names are not ordered.
@@ -147,7 +137,7 @@ private slots:
 private:
     struct Private;
 
-    bool getFilesFromFolderPrivate(const std::string& path, bool force, bool asynchronous);
+    bool read(const std::string& path, bool force, bool asynchronous = false);
     bool beginReading(const std::string& path, bool asynchronous, bool mustStay = false);
     void connectWorker();
     void leaveToParentProcess();

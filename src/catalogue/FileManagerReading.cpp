@@ -69,7 +69,7 @@ void FileManager::Private::trimPool()
     }
 }
 
-bool FileManager::getFilesFromFolderPrivate(const std::string& path, bool force, bool asynchronous)
+bool FileManager::read(const std::string& path, bool force, bool asynchronous)
 {
     if (d->m_readingSynchronously)
         return false;
