@@ -105,17 +105,7 @@ void FileBrowser::Private::initFilesList()
     loadSortOrder();
     QObject::connect(header, SIGNAL(sortIndicatorChanged(int, Qt::SortOrder)), q,
                      SLOT(sortingChanged(int, Qt::SortOrder)));
-    // The fourth sample has no column; it widens the list.
-    const char* const samples[] = {"wwwwwwwwwwwwwwwwwwwwwwwwwwwwwwwwwwwwwwwwwww", "128.88 GB", "mp3Folder",
-                                   "10/29/81 02:02PM"};
-    int section = 0;
-    int width = 0;
-    for (const char* sample : samples) {
-        const int advance = q->fontMetrics().horizontalAdvance(QLatin1String(sample));
-        header->resizeSection(section++, advance);
-        width += advance;
-    }
-    m_filesList->setWidthHint(width);
+    m_filesList->setColumnWidths(q->fontMetrics());
 
     m_filesMenu = new FilesMenu(m_model, m_filesList, m_pickList, q);
     m_filesMenu->setObjectName(QStringLiteral("filesMenu"));

@@ -40,9 +40,17 @@ FileBrowser::FilesList::FilesList(DirectoryModel* model, ProxyModel* proxy)
     connect(this, SIGNAL(viewportEntered()), this, SLOT(hoverNothing()));
 }
 
-QSize FileBrowser::FilesList::sizeHint() const
+void FileBrowser::FilesList::setColumnWidths(const QFontMetrics& font)
 {
-    return {m_widthHint, 200};
+    // The fourth sample has no column; it widens the list.
+    const char* const samples[] = {"wwwwwwwwwwwwwwwwwwwwwwwwwwwwwwwwwwwwwwwwwww", "128.88 GB", "mp3Folder",
+                                   "10/29/81 02:02PM"};
+    m_widthHint = 0;
+    for (int section = 0; section < static_cast<int>(std::size(samples)); ++section) {
+        const int width = font.horizontalAdvance(QLatin1String(samples[section]));
+        header()->resizeSection(section, width);
+        m_widthHint += width;
+    }
 }
 
 bool FileBrowser::FilesList::event(QEvent* event)
@@ -126,11 +134,6 @@ bool FileBrowser::FilesList::sorts(const QKeyEvent& event)
         header()->sortIndicatorSection() == column && header()->sortIndicatorOrder() == Qt::AscendingOrder;
     header()->setSortIndicator(column, reverse ? Qt::DescendingOrder : Qt::AscendingOrder);
     return true;
-}
-
-void FileBrowser::FilesList::leaveEvent(QEvent* /*event*/)
-{
-    hoverNothing();
 }
 
 void FileBrowser::FilesList::hoverNothing()

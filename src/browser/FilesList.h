@@ -23,9 +23,9 @@ public:
     /// Shows @p proxy, whose source is @p model. Both outlive the list.
     FilesList(DirectoryModel* model, ProxyModel* proxy);
 
-    /// Pixels that the list would like to be wide.
-    void setWidthHint(int width) { m_widthHint = width; }
-    QSize sizeHint() const override;
+    /// Makes the columns as wide as usual names, sizes and times are in a font, and the list a little wider.
+    void setColumnWidths(const QFontMetrics& font);
+    QSize sizeHint() const override { return {m_widthHint, 200}; }
 
     /// Where the cursor key would go: the index one row above or below the current one.
     QModelIndex rowAbove() { return moveCursor(MoveUp, Qt::NoModifier); }
@@ -68,7 +68,7 @@ protected:
     void mousePressEvent(QMouseEvent* event) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
-    void leaveEvent(QEvent* event) override;
+    void leaveEvent(QEvent* /*event*/) override { hoverNothing(); }
     void paintEvent(QPaintEvent* event) override;
     QItemSelectionModel::SelectionFlags selectionCommand(const QModelIndex& index,
                                                          const QEvent* event) const override;
