@@ -14,12 +14,6 @@ OpenFile::OpenFile(const std::string& path, int flags, mode_t mode)
 {
 }
 
-OpenFile::OpenFile(OpenFile&& other) noexcept
-    : m_descriptor(std::exchange(other.m_descriptor, -1))
-    , m_isLocked(std::exchange(other.m_isLocked, false))
-{
-}
-
 OpenFile& OpenFile::operator=(OpenFile&& other) noexcept
 {
     std::swap(m_descriptor, other.m_descriptor);

@@ -3,6 +3,7 @@
 #include <string>
 #include <sys/stat.h>
 #include <sys/types.h>
+#include <utility>
 
 namespace Halvern::Base {
 
@@ -15,7 +16,7 @@ public:
     /// Opens @p path. @p flags are those of `open`, @p mode is for a file that is made.
     OpenFile(const std::string& path, int flags, mode_t mode = 0);
     ~OpenFile() { close(); }
-    OpenFile(OpenFile&& other) noexcept;
+    OpenFile(OpenFile&& other) noexcept { *this = std::move(other); }
     OpenFile& operator=(OpenFile&& other) noexcept;
 
     bool isOpen() const { return m_descriptor >= 0; }

@@ -57,35 +57,15 @@ void FileBrowser::DirectoryModel::connectManager()
     connect(m_manager.get(), SIGNAL(infoUpdated(int, int)), browser, SLOT(managerFilesUpdated(int, int)));
 }
 
-QModelIndex FileBrowser::DirectoryModel::index(int row, int column, const QModelIndex& /*parent*/) const
-{
-    return createIndex(row, column);
-}
-
-QModelIndex FileBrowser::DirectoryModel::parent(const QModelIndex& /*child*/) const
-{
-    return {};
-}
-
 int FileBrowser::DirectoryModel::rowCount(const QModelIndex& parent) const
 {
     return parent.isValid() ? 0 : static_cast<int>(m_rows.entries.size());
-}
-
-int FileBrowser::DirectoryModel::columnCount(const QModelIndex& parent) const
-{
-    return parent.isValid() ? 0 : ColumnCount;
 }
 
 FileInfo* FileBrowser::DirectoryModel::entry(int row) const
 {
     const bool exists = m_listReady && row >= 0 && row < rowCount();
     return exists ? m_rows.entries[static_cast<std::size_t>(row)] : nullptr;
-}
-
-const char* FileBrowser::DirectoryModel::displayName(int row) const
-{
-    return m_rows.name(static_cast<std::size_t>(row));
 }
 
 QModelIndex FileBrowser::DirectoryModel::find(const QByteArray& name) const
@@ -316,11 +296,6 @@ void FileBrowser::DirectoryModel::resetModel()
 {
     beginResetModel();
     endResetModel();
-}
-
-void FileBrowser::DirectoryModel::refreshModel(const QModelIndex& topLeft, const QModelIndex& bottomRight)
-{
-    emit dataChanged(topLeft, bottomRight);
 }
 
 void FileBrowser::DirectoryModel::updateInfo(int /*first*/, int /*count*/)

@@ -38,10 +38,16 @@ public:
     /// told what the manager announces. @p assumeZeroPadding: see FileManager::setAssumeZeroPadding().
     DirectoryModel(const PickList& pickList, bool assumeZeroPadding, QObject* browser);
 
-    QModelIndex index(int row, int column, const QModelIndex& parent = QModelIndex()) const override;
-    QModelIndex parent(const QModelIndex& child) const override;
+    QModelIndex index(int row, int column, const QModelIndex& /*parent*/ = QModelIndex()) const override
+    {
+        return createIndex(row, column);
+    }
+    QModelIndex parent(const QModelIndex& /*child*/) const override { return {}; }
     int rowCount(const QModelIndex& parent = QModelIndex()) const override;
-    int columnCount(const QModelIndex& parent = QModelIndex()) const override;
+    int columnCount(const QModelIndex& parent = QModelIndex()) const override
+    {
+        return parent.isValid() ? 0 : ColumnCount;
+    }
     /// Besides the displayed texts: Qt::UserRole is the bare name, Qt::BackgroundRole the colour of queued
     /// and hovered rows, Qt::ToolTipRole what a sequence lacks, as textOfFaults() tells. Sizes up to 1024
     /// bytes are numbers, larger ones texts like "12KB" or "3MB".
@@ -73,8 +79,8 @@ public:
     /// of rows one by one, which is the fastest.
     void setShownAsOrdered(bool shown) { m_shownAsOrdered = shown; }
     void resetModel();
-    /// Announces the cells from @p topLeft to @p bottomRight as changed.
-    void refreshModel(const QModelIndex& topLeft, const QModelIndex& bottomRight);
+    /// Announces the cells from @p from to @p to as changed.
+    void refreshModel(const QModelIndex& from, const QModelIndex& to) { emit dataChanged(from, to); }
     /// Announces all cells as changed.
     void updateInfo(int first, int count);
 
@@ -107,7 +113,7 @@ public:
     /// See DirectoryRows::isInNameOrder().
     bool isInNameOrder() const { return m_rows.isInNameOrder(); }
     /// The name of a row with an entry, as it is displayed, without range and "/".
-    const char* displayName(int row) const;
+    const char* displayName(int row) const { return m_rows.name(static_cast<std::size_t>(row)); }
     /// The first row of that name, which is bytes; invalid if there is none.
     QModelIndex find(const QByteArray& name) const;
     /// The entry of a row, borrowed; null if there is none to follow.

@@ -120,7 +120,7 @@ public:
     void setWatched(bool watched);
     bool isWatched() const;
 
-    /// Puts a child below the browser, shown and hidden with the preview button, that must have a slot
+    /// Puts a child below the browser, shown and hidden with the preview button. It must have a slot
     /// fileSelected(const Halvern::UI::FileInfo&, QDir).
     void setPreviewWidget(QWidget* widget);
 
@@ -182,10 +182,9 @@ public:
     static void InitDefaultFavorites();
     /// Adds what the favourites file holds to the list. Errors are printed to standard error.
     static void LoadFavorites();
-    /// Writes the favourites file. If it was read before, what other programs added and removed since stays;
-    /// if not, it is replaced. The list does not change. Failures are printed to standard error and leave the
-    /// old file, and the next browser that closes tries again. Programs that save wait for each other, five
-    /// seconds at most.
+    /// Writes the favourites file. If it was read before, what other programs changed since stays; if not, it
+    /// is replaced. Failures are printed to standard error and leave the old file, and the next browser that
+    /// closes tries again. Programs that save wait for each other, five seconds at most.
     static void SaveFavorites();
     /// Adds a favourite; all texts are UTF-8. @p flags are FaveType bits, a negative number stands for its
     /// complement. With @p persist it is kept in the file and takes the place of an earlier one of the same

@@ -16,7 +16,11 @@ FileBrowser::FilesMenu::FilesMenu(DirectoryModel* model, FilesList* list, const 
     , m_list(list)
     , m_pickList(pickList)
 {
-    connect(model, SIGNAL(entriesExpire()), this, SLOT(forgetItems()));
+    // The next shortcut collects its items anew.
+    connect(model, &DirectoryModel::entriesExpire, this, [this] {
+        m_editItems.clear();
+        m_menuOpen = false;
+    });
     connect(model, &DirectoryModel::entriesReplaced, this, &FilesMenu::replaceItems);
     connect(list, SIGNAL(menuRequested(const QPoint&, const QModelIndex&)), this,
             SLOT(popupMenu(const QPoint&, const QModelIndex&)));
@@ -100,12 +104,6 @@ void FileBrowser::FilesMenu::prepareItemsForEditing()
             m_editItems.append(hovered);
     }
     m_menuOpen = true;
-}
-
-void FileBrowser::FilesMenu::forgetItems()
-{
-    m_editItems.clear();
-    m_menuOpen = false;
 }
 
 void FileBrowser::FilesMenu::replaceItems(const std::vector<FileInfo*>& before,

@@ -39,8 +39,6 @@ public slots:
     /// Pops up for the row of @p sourceIndex, which may be invalid. For a list of single selection it offers
     /// "Refresh" alone.
     void popupMenu(const QPoint& globalPosition, const QModelIndex& sourceIndex);
-    /// The entries are about to die: the next shortcut collects its items anew.
-    void forgetItems();
 
 private slots:
     void replaceItems(const std::vector<FileInfo*>& before, const std::vector<FileInfo*>& after);

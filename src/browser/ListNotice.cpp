@@ -23,25 +23,19 @@ ListNotice::ListNotice(FileBrowser::DirectoryModel* model, FileBrowser::ProxyMod
 {
     m_patience.setSingleShot(true);
     m_patience.setInterval(300); // milliseconds
-    connect(model, SIGNAL(readStarted()), this, SLOT(startWaiting()));
-    connect(&m_patience, SIGNAL(timeout()), this, SLOT(stopWaiting()));
+    connect(model, &FileBrowser::DirectoryModel::readStarted, this, [this] {
+        m_patience.start();
+        m_waitedLong = false;
+        update();
+    });
+    connect(&m_patience, &QTimer::timeout, this, [this] {
+        m_waitedLong = true;
+        update();
+    });
     for (const char* signal : {SIGNAL(readFailed()), SIGNAL(rowsUpdated()), SIGNAL(updated(int, bool))})
         connect(model, signal, this, SLOT(update()));
     for (const char* signal : {SIGNAL(modelReset()), SIGNAL(layoutChanged())})
         connect(proxy, signal, this, SLOT(update()));
-}
-
-void ListNotice::startWaiting()
-{
-    m_patience.start();
-    m_waitedLong = false;
-    update();
-}
-
-void ListNotice::stopWaiting()
-{
-    m_waitedLong = true;
-    update();
 }
 
 void ListNotice::update()

@@ -26,8 +26,6 @@ signals:
     void changed();
 
 private slots:
-    void startWaiting();
-    void stopWaiting();
     void update();
 
 private:

@@ -32,11 +32,17 @@ FileBrowser::ProxyModel::ProxyModel(DirectoryModel* source, QObject* parent)
     // Before the connections of the base class, which sorts at once.
     for (const char* signal : {SIGNAL(modelReset()), SIGNAL(readStarted())})
         connect(m_model, signal, this, SLOT(readKeys()));
-    connect(m_model, SIGNAL(layoutChanged()), this, SLOT(arrange()));
+    connect(m_model, &DirectoryModel::layoutChanged, this, [this] {
+        readKeys();
+        m_isArranged = true;
+    });
     connect(m_model, &DirectoryModel::rowsAboutToBeUpdated, this, &ProxyModel::beginUpdate);
     connect(m_model, &DirectoryModel::rowsUpdated, this, &ProxyModel::endUpdate);
     connect(m_model, &DirectoryModel::entriesReplaced, this, &ProxyModel::noteEntries);
-    connect(this, SIGNAL(layoutAboutToBeChanged()), this, SLOT(readNewKeys()));
+    connect(this, &ProxyModel::layoutAboutToBeChanged, this, [this] {
+        if (m_keysAreOld)
+            readKeys();
+    });
     setSourceModel(m_model);
 }
 
@@ -89,14 +95,8 @@ void FileBrowser::ProxyModel::beginUpdate()
     const bool byName = sortColumn() == DirectoryModel::NameColumn && sortOrder() == Qt::AscendingOrder;
     m_model->setShownAsOrdered(byName || sortColumn() < 0);
     m_keys.clear();
-    m_keysAreOld = false; // arrange() reads them, or the end of the update tells that they are old
+    m_keysAreOld = false; // a layout change reads them, or the end of the update tells that they are old
     m_isArranged = m_namesChanged = false;
-}
-
-void FileBrowser::ProxyModel::arrange()
-{
-    readKeys();
-    m_isArranged = true;
 }
 
 // A sequence that has other frames may begin with what is typed from now on, or not any more.
@@ -126,12 +126,6 @@ void FileBrowser::ProxyModel::endUpdate()
 bool FileBrowser::ProxyModel::isSortedByAttribute() const
 {
     return sortColumn() == DirectoryModel::SizeColumn || sortColumn() == DirectoryModel::ModifiedColumn;
-}
-
-void FileBrowser::ProxyModel::readNewKeys()
-{
-    if (m_keysAreOld)
-        readKeys();
 }
 
 // Whether a row is a file that was none before, or the other way round. Attributes are looked at only if they

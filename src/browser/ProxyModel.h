@@ -48,9 +48,7 @@ protected:
 
 private slots:
     bool readKeys();
-    void readNewKeys();
     void beginUpdate();
-    void arrange();
     void noteEntries(const std::vector<FileInfo*>& before, const std::vector<FileInfo*>& after);
     void endUpdate();
 

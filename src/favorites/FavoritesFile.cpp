@@ -1,5 +1,7 @@
 #include "favorites/FavoritesFile.h"
 
+#include "base/Text.h"
+
 #include <QRegularExpression>
 #include <QStringList>
 #include <algorithm>
@@ -116,15 +118,11 @@ std::optional<Favorite> parseLine(std::string_view line)
 // Without line ends.
 std::vector<std::string_view> linesOf(std::string_view text)
 {
-    std::vector<std::string_view> lines;
-    while (!text.empty()) {
-        const std::size_t end = std::min(text.find('\n'), text.size());
-        std::string_view line = text.substr(0, end);
-        if (!line.empty() && line.back() == '\r')
-            line.remove_suffix(1);
-        lines.push_back(line);
-        text.remove_prefix(std::min(end + 1, text.size()));
-    }
+    std::vector<std::string_view> lines = Base::split(text, '\n');
+    if (lines.back().empty())
+        lines.pop_back();
+    for (std::string_view& line : lines)
+        line.remove_suffix(!line.empty() && line.back() == '\r' ? 1 : 0);
     return lines;
 }
 

@@ -55,11 +55,6 @@ void FavoritesModel::resetModel()
     endResetModel();
 }
 
-void FavoritesModel::refreshModel(const QModelIndex& from, const QModelIndex& to)
-{
-    emit dataChanged(from, to);
-}
-
 void FavoritesModel::hover(int row)
 {
     const QModelIndex left = index(m_hoveredRow);

@@ -26,7 +26,7 @@ public:
     /// Takes over what the list holds by now. No row is hovered after it.
     void resetModel();
     /// Announces the rows from @p from to @p to as changed.
-    void refreshModel(const QModelIndex& from, const QModelIndex& to);
+    void refreshModel(const QModelIndex& from, const QModelIndex& to) { emit dataChanged(from, to); }
 
     /// The row under the mouse, -1 for none. Setting it announces nothing.
     int hoveredRow() const { return m_hoveredRow; }
