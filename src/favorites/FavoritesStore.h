@@ -30,13 +30,10 @@ public:
     /// The list, owned by the store; null until something needed it.
     QList<Favorite>* favorites() { return m_list.get(); }
 
-    /// The file, an empty path for none, and the product that is named in it and in the favourite of its
-    /// folder. The list stays as it is until the store is initialised or reset, but load() and save() use the
-    /// new path at once.
+    /// See FileBrowser::SetPreferencesPath(). The list stays as it is.
     void setPreferences(const QString& path, const QString& product);
-    /// Folders of the default favourites. The home and the working folder of the process stand in for an
-    /// empty @p home and @p working, and such favourites are never persistent the first time they are added;
-    /// the others are left out while empty. @p persist says whether the defaults are kept in the file.
+    /// See FileBrowser::SetDefaultFavoritePaths(). What stands in for an empty @p home or @p working is not
+    /// persistent the first time it is added; the others are left out while they are empty.
     void setDefaultFolders(const QString& home, const QString& root, const QString& working,
                            const QString& product, bool persist);
     void setProductFolder(const QString& path) { m_productFolder = path; }
@@ -51,23 +48,19 @@ public:
     void addDefaults();
     /// Appends what the file holds, duplicates included, and resolves it.
     void load();
-    /// Writes the file, as Base::SharedFile::change() does. If it was read before, what other programs
-    /// changed since stays (FavoritesFile::merge()), and the list does not change. If it was never read, or
-    /// is missing or empty, it is replaced by the list. If load() could not read it, it is tried again
-    /// before; what can't be read is not written.
+    /// Writes the file by Base::SharedFile::change(). If it was read before, the list is merged with what it
+    /// holds now (FavoritesFile::merge()), unless it is missing or empty. If load() could not read it, it is
+    /// tried again before; what can't be read is not written.
     void save();
     /// Whether the last save() failed, so that the file lacks changes.
     bool isSaveDue() const { return m_saveDue; }
 
-    /// Adds a favourite that is not a drive; texts are UTF-8. A persistent one takes the place and the values
-    /// of the first persistent one of equal name and type. A negative @p flags stands for its complement. The
-    /// favourite is not resolved.
+    /// See FileBrowser::AddFavoriteDir(). The favourite is not resolved.
     void addFolder(const std::string& name, const std::string& keyText, const std::string& path,
                    const std::string& iconPath, const std::string& tooltip, int flags, bool persist);
     /// Inserts a copy at the place of its rank, duplicate or not.
     void add(const Favorite& favorite);
-    /// Removes the first favourite of that name that is as persistent as @p persistent says; with a @p type
-    /// other than 0 it must have that type. None: nothing happens.
+    /// See FileBrowser::RemoveFavoriteDir().
     void removeFolder(const std::string& name, int type, bool persistent);
     /// Forgets everything and initialises again.
     void reset();

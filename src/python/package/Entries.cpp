@@ -4,6 +4,7 @@
 #include "catalogue/FileManager.h"
 #include "frames/FrameRanges.h"
 #include "frames/Placeholder.h"
+#include "python/package/Path.h"
 
 #include <QByteArray>
 #include <QString>
@@ -29,17 +30,6 @@ namespace {
 PyObject* fromName(const char* name)
 {
     return PyUnicode_DecodeFSDefault(name);
-}
-
-// Nothing, with a Python error, for what is no path.
-std::optional<QByteArray> toBytes(PyObject* path)
-{
-    PyObject* encoded = nullptr;
-    if (!PyUnicode_FSConverter(path, &encoded))
-        return std::nullopt;
-    QByteArray bytes(PyBytes_AsString(encoded));
-    Py_DecRef(encoded);
-    return bytes;
 }
 
 // Each byte is a character meanwhile, so that a name survives whatever its encoding is.

@@ -7,14 +7,21 @@ bool isPath(PyObject* object)
     return PyUnicode_Check(object) || PyObject_HasAttrString(object, "__fspath__");
 }
 
+std::optional<QByteArray> toBytes(PyObject* object)
+{
+    PyObject* encoded = nullptr;
+    if (!PyUnicode_FSConverter(object, &encoded))
+        return std::nullopt;
+    QByteArray bytes(PyBytes_AsString(encoded));
+    Py_DecRef(encoded);
+    return bytes;
+}
+
 bool toPath(PyObject* object, Path& path)
 {
-    PyObject* name = nullptr;
-    if (!PyUnicode_FSConverter(object, &name))
-        return false;
-    path.text = QFile::decodeName(PyBytes_AsString(name));
-    Py_DecRef(name);
-    return true;
+    const auto bytes = toBytes(object);
+    path.text = QFile::decodeName(bytes.value_or(QByteArray()));
+    return bytes.has_value();
 }
 
 PyObject* fromPath(const Path& path)

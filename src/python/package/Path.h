@@ -5,6 +5,7 @@
 #include <QDir>
 #include <QFile>
 #include <QString>
+#include <optional>
 #include <string>
 
 namespace Python {
@@ -21,6 +22,8 @@ struct Path
 
 /// Whether @p object is text or an os.PathLike.
 bool isPath(PyObject* object);
+/// The bytes of such an object. Nothing, with a Python error, for what is no path.
+std::optional<QByteArray> toBytes(PyObject* object);
 /// Reads such an object by the encoding of the file system. False with a Python error if that fails.
 bool toPath(PyObject* object, Path& path);
 /// The path as text.
