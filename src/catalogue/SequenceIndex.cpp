@@ -1,6 +1,7 @@
 #include "catalogue/SequenceIndex.h"
 
 #include "frames/FrameName.h"
+#include "frames/Placeholder.h"
 
 #include <algorithm>
 #include <utility>
@@ -81,7 +82,7 @@ void SequenceIndex::group(std::size_t index, bool everyMemberSetsWidth)
 FileInfo* SequenceIndex::enter(const char* name, FileInfo* entry)
 {
     const auto [place, isNew] = m_groups.byName.emplace(name, entry);
-    if (isNew && place->first.find('#') != std::string::npos)
+    if (isNew && place->first.find(Placeholder::Hash) != std::string::npos)
         m_groups.byPattern.emplace(place->first, Group{entry, {}});
     return place->second;
 }
