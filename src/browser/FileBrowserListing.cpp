@@ -18,6 +18,7 @@
 #include <QFileInfo>
 #include <QLabel>
 #include <QPushButton>
+#include <QScopedValueRollback>
 #include <algorithm>
 #include <cstring>
 
@@ -271,35 +272,32 @@ void FileBrowser::Private::updatePickList(const RowChanges& changes, const Direc
     m_pickListUpdated = true;
 }
 
-// All rows are in their places. Whoever is told of what changed may do anything, also delete the browser.
+// All rows are in their places. Whoever is told of what changed may change the browser.
 void FileBrowser::Private::endUpdate(bool succeeded)
 {
     if (!std::exchange(m_rowsUpdating, false))
         return;
-    const QPointer<FileBrowser> alive = q;
     const bool isChoiceUpdated = std::exchange(m_choiceUpdated, false);
     const bool isPickListUpdated = std::exchange(m_pickListUpdated, false);
     if (isPickListUpdated)
         m_controls.pickListLine->showPaths(m_pickList.paths());
-    m_rowsKnow = succeeded;
+    const QScopedValueRollback<bool> known(m_rowsKnow, succeeded);
     const QString text = std::exchange(m_updatedText, {});
     if (succeeded && !m_awaited.isEmpty()) {
         awaitChoice();
         m_filesList->choose(std::exchange(m_awaited, {}));
     }
-    if (alive && !text.isEmpty()) {
+    if (!text.isEmpty()) {
         QLineEdit& edit = *m_controls.filenameEdit;
         const int cursor = edit.cursorPosition();
         edit.setText(text);
-        if (alive && edit.text() == text)
+        if (edit.text() == text)
             edit.setCursorPosition(cursor);
     }
-    if (alive && isChoiceUpdated)
+    if (isChoiceUpdated)
         q->fileSelectionChanged();
-    else if (alive && isPickListUpdated)
+    else if (isPickListUpdated)
         emit q->choiceChanged();
-    if (alive)
-        m_rowsKnow = false;
 }
 
 void FileBrowser::Private::showNotice()

@@ -28,7 +28,7 @@ public:
     virtual bool isDisclosed() const;
 
 private:
-    friend class DisclosureButton;
+    friend class DisclosureButton; // puts itself into the set
 
     QSet<DisclosureButton*> m_buttons;
 };
