@@ -7,9 +7,11 @@
 #include <algorithm>
 #include <boost/tokenizer.hpp>
 #include <cstring>
+#include <iterator>
 #include <list>
 #include <map>
 #include <optional>
+#include <set>
 #include <string_view>
 
 namespace Halvern::UI::FavoritesFile {
@@ -158,24 +160,27 @@ std::vector<std::string_view> bodyOf(const std::string& text)
     return body;
 }
 
-using Counts = std::map<std::string, int>;
+using KeySet = std::multiset<std::string>;
 
-Counts counted(const Keys& keys)
+// The keys that the other list lacks. Of equal keys, those that it has too are left out, one for one.
+KeySet surplus(const Keys& in, const Keys& over)
 {
-    Counts counts;
-    for (const std::string& key : keys)
-        ++counts[key];
-    return counts;
+    const KeySet all(in.begin(), in.end());
+    const KeySet others(over.begin(), over.end());
+    KeySet left;
+    std::set_difference(all.begin(), all.end(), others.begin(), others.end(),
+                        std::inserter(left, left.end()));
+    return left;
 }
 
-// How many more of a key there are in one than in the other.
-int surplus(const Counts& in, const Counts& over, const std::string& key)
+// Takes out one of the keys that are equal to this. False if there is none.
+bool take(KeySet& keys, const std::string& key)
 {
-    const auto count = [&key](const Counts& counts) {
-        const auto found = counts.find(key);
-        return found == counts.end() ? 0 : found->second;
-    };
-    return std::max(0, count(in) - count(over));
+    const auto found = keys.find(key);
+    const bool isThere = found != keys.end();
+    if (isThere)
+        keys.erase(found);
+    return isThere;
 }
 
 } // namespace
@@ -232,38 +237,26 @@ Keys keys(const QList<Favorite>& favorites)
 std::string merge(const std::string& theirs, const Keys& known, const QList<Favorite>& mine,
                   const QString& productName)
 {
-    const Counts knownCounts = counted(known);
-    const Counts myCounts = counted(keys(mine));
-    const Counts theirCounts = counted(keys(parse(theirs)));
-    Counts removedHere;
-    Counts removedThere;
-    for (const auto& entry : knownCounts) {
-        removedHere[entry.first] = surplus(knownCounts, myCounts, entry.first);
-        removedThere[entry.first] = surplus(knownCounts, theirCounts, entry.first);
-    }
-
+    KeySet removedHere = surplus(known, keys(mine));
+    KeySet removedThere = surplus(known, keys(parse(theirs)));
     std::list<std::string> lines;
     std::multimap<std::string, std::list<std::string>::iterator> unmatched; // by key
     for (const Favorite& favorite : mine) {
         if (!favorite.isEditable())
             continue;
         const std::string key = keyOf(favorite);
-        if (int& count = removedThere[key]; count > 0)
-            --count;
-        else
+        if (!take(removedThere, key))
             unmatched.emplace(key, lines.insert(lines.end(), formatLine(favorite)));
     }
     auto place = lines.begin();
     for (const std::string_view line : bodyOf(theirs)) {
         const std::optional<Favorite> favorite = parseLine(line);
         const std::string key = favorite ? keyOf(*favorite) : std::string();
-        const auto present = favorite ? unmatched.find(key) : unmatched.end();
+        const auto present = unmatched.find(key); // never for a line that is no favourite
         if (present != unmatched.end()) {
             place = std::next(present->second);
             unmatched.erase(present);
-        } else if (int* removed = favorite ? &removedHere[key] : nullptr; removed && *removed > 0) {
-            --*removed;
-        } else {
+        } else if (!take(removedHere, key)) {
             place = std::next(lines.insert(place, std::string(line)));
         }
     }
