@@ -6,12 +6,12 @@
 #include "dialog/Preview.h"
 #include "dialog/PreviewPictures.h"
 #include "dialog/PreviewText.h"
+#include "dialog/StatusLine.h"
 #include "frames/Placeholder.h"
 #include "widgets/FrameSlider.h"
 
 #include <QFileInfo>
 #include <QKeyEvent>
-#include <QLabel>
 #include <QTimer>
 #include <QVBoxLayout>
 #include <algorithm>
@@ -33,7 +33,7 @@ struct FilePreview::Private
     int hostValue = 0; // only kept
     Preview* preview = nullptr;
     FrameSlider* slider = nullptr;
-    QLabel* label = nullptr;
+    StatusLine* label = nullptr;
     PreviewPictures* pictures = nullptr;
     Playback* playback = nullptr;
     QTimer reading; // until the label and the surface say that a picture is being read
@@ -54,7 +54,7 @@ FilePreview::FilePreview(QWidget* parent, int hostValue)
     d->hostValue = hostValue;
     d->preview = new Preview(this);
     d->slider = new FrameSlider(false, nullptr);
-    d->label = new QLabel;
+    d->label = new StatusLine;
     d->pictures = new PreviewPictures(this);
     d->playback = new Playback(this);
     d->preview->setObjectName(QStringLiteral("preview"));
@@ -62,9 +62,6 @@ FilePreview::FilePreview(QWidget* parent, int hostValue)
     d->label->setObjectName(QStringLiteral("label"));
     d->slider->setHideInOut(true);
     d->slider->installEventFilter(this);
-    // A long text shall not widen the window.
-    d->label->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
-    d->label->setTextFormat(Qt::PlainText);
     d->reading.setSingleShot(true);
     d->request.setSingleShot(true);
     connect(d->slider, SIGNAL(sliderMoved(int)), this, SLOT(gotoFrame(int)));
@@ -239,8 +236,7 @@ void FilePreview::showSelection()
         return;
     }
     d->file = info.path;
-    d->label->clear();
-    d->label->setToolTip(QString());
+    d->label->say(QString());
     // An empty label would flicker while frames are shown one after the other.
     d->label->setUpdatesEnabled(false);
     d->reading.start(ReadingTime);
@@ -297,8 +293,7 @@ void FilePreview::say(const QString& text)
 {
     d->reading.stop();
     d->preview->setReading(false);
-    d->label->setText(text);
-    d->label->setToolTip(text);
+    d->label->say(text);
     d->label->setUpdatesEnabled(true);
 }
 

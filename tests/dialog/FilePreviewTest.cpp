@@ -4,12 +4,11 @@
 #include "dialog/FCPreviewInfo.h"
 #include "dialog/Preview.h"
 #include "dialog/PreviewText.h"
+#include "dialog/StatusLine.h"
 #include "support/SampleFiles.h"
 #include "support/Test.h"
 #include "widgets/DisclosureButton.h"
 #include "widgets/FrameSlider.h"
-
-#include <QLabel>
 
 using namespace Halvern::UI;
 
@@ -176,12 +175,24 @@ private slots:
         pane.resize(pane.size() * 1.3);
         show("broken");
         QTRY_COMPARE(label.text(), QStringLiteral("The file is broken."));
+        QCOMPARE(label.toolTip(), label.text());
         QCOMPARE(centre(), 0);
         show("good");
         QTRY_COMPARE(centre(), 200);
         pane.previewFile(nullptr);
         QCOMPARE(label.text(), QString());
         QCOMPARE(centre(), 0);
+    }
+
+    void cutsALongReason()
+    {
+        StatusLine line;
+        line.resize(150, 20);
+        line.say(QStringLiteral("The file of that name is broken beyond repair."));
+        QLabel cut(line.fontMetrics().elidedText(line.text(), Qt::ElideRight, line.width()));
+        cut.resize(line.size());
+        QVERIFY(cut.text().endsWith(QChar(0x2026)));
+        QCOMPARE(line.grab().toImage(), cut.grab().toImage());
     }
 
     void scrubsAndPlays()
