@@ -247,19 +247,6 @@ private slots:
         compare(m_program.ask(path, quint32(room.width()), quint32(room.height())), size, wanted);
     }
 
-    void readsPhotoshop()
-    {
-        QFile psd(file("a.psd"));
-        QVERIFY(psd.open(QIODevice::WriteOnly));
-        // Three channels of 2 by 1 bytes, then a colour table, resources and layers of no length.
-        psd.write(QByteArray::fromHex("384250530001000000000000000300000001000000020008000300000000"
-                                      "00000000000000000000102030405060"));
-        psd.close();
-        compare(m_program.ask(psd.fileName()), {2, 1}, [](int x, int) {
-            return Pixel{float(16 + 16 * x) / 255, float(48 + 16 * x) / 255, float(80 + 16 * x) / 255, 1};
-        });
-    }
-
     void readsASmallerLevel()
     {
         const std::string path = file("mip.exr").toStdString();
