@@ -47,7 +47,7 @@ private slots:
                 ++pressed;
                 const QItemSelection selection = window.list()->selectionModel()->selection();
                 QVERIFY(selection.size() == 1 && selection.contains(window.row(first)));
-                const QItemSelectionRange range = selection.first();
+                const QItemSelectionRange& range = selection.first();
                 QCOMPARE(range.top() == window.row(first).row() ? range.bottom() : range.top(),
                          window.list()->currentIndex().row());
                 QVERIFY(column == 2 || range.height() == pressed + 1);
@@ -75,7 +75,8 @@ private slots:
         QTest::mouseClick(window.list()->viewport(), Qt::LeftButton, {}, place);
         QTest::mouseDClick(window.list()->viewport(), Qt::LeftButton, {}, place);
         QVERIFY(QMetaObject::invokeMethod(window.dialog.fileBrowser(), "nextClicked"));
-        QVERIFY(window.edit()->text() == text && window.dialog.fileBrowser()->pickedFiles().isEmpty());
+        QVERIFY(!window.list()->selectionModel()->hasSelection() && window.edit()->text() == text);
+        QVERIFY(window.dialog.fileBrowser()->pickedFiles().isEmpty());
         QTest::keyClick(window.edit(), Qt::Key_Return);
         QVERIFY(window.dialog.isVisible());
         // Rows that are built in mid-read are those of some names only.
@@ -196,7 +197,7 @@ private slots:
         }
     }
 
-    // Allocations of building the rows fail, in a read and in an update: the rows are all there or none is.
+    // If an allocation fails there are all rows or none, in a read and in an update.
     void saysThatThereIsNoMemoryForRows()
     {
         if (!failsAllocations)

@@ -193,6 +193,19 @@ private slots:
         }
     }
 
+    void leftoverSignalsAnnounceNothing()
+    {
+        FileGatherer gatherer;
+        QSignalSpy finished(&gatherer, SIGNAL(finishedGatheringFiles()));
+        gatherer.startReading(m_path);
+        QVERIFY(gatherer.wait(10000));
+        gatherer.stop();
+        QCoreApplication::processEvents();
+        QCOMPARE(finished.size(), 0);
+        gatherer.startReading(m_path);
+        QTRY_COMPARE(finished.size(), 1);
+    }
+
     void forkedProcessesDoNotWait()
     {
         for (int round = 0; round < 8; ++round) {

@@ -200,7 +200,7 @@ private slots:
         };
         const auto focusByTab = [&](const QWidget* wanted) {
             for (int i = 0; i < 20 && QApplication::focusWidget() != wanted; ++i)
-                press({Qt::SHIFT | Qt::Key_Backtab});
+                press({int(Qt::ShiftModifier) | Qt::Key_Backtab});
             return QApplication::focusWidget() == wanted;
         };
         QTRY_COMPARE(window.rows().size(), 4);
@@ -210,7 +210,7 @@ private slots:
         QTRY_COMPARE(window.rows(), names);
 
         QVERIFY(focusByTab(window.list()));
-        press({Qt::Key_End, Qt::Key_Home, Qt::CTRL | Qt::Key_Down});
+        press({Qt::Key_End, Qt::Key_Home, int(Qt::ControlModifier) | Qt::Key_Down});
         QCOMPARE(window.dialog.directory().path(), shots + "/010");
         press({Qt::Key_Backspace});
         QTRY_COMPARE(window.rows(), names);
@@ -283,8 +283,7 @@ private:
     std::unique_ptr<SampleFolder> m_folder;
 };
 
-// What is the class's and not a browser's works before there is an application, with a favourite that has an
-// icon.
+// The class-wide functions work before there is an application, also with the icon of a favourite.
 int main(int argc, char** argv)
 {
     const QTemporaryDir folder;

@@ -77,7 +77,7 @@ private slots:
     }
 
 private:
-    // Each kind of call about files in the folder fails in several ways, always or once in turn.
+    // Each call about files in the folder fails once in turn, and some fail always.
     static void forEachFault(const QString& folder, const std::function<bool()>& prepare,
                              const std::function<void()>& act, const std::function<bool()>& isWell)
     {
@@ -87,7 +87,7 @@ private:
         for (const char* call : {"access", "stat", "open", "read", "write", "fsync", "fchmod", "rename",
                                  "close", "fstat", "readlink", "*"}) {
             for (const int error : {EIO, ENOSPC, ESTALE, EACCES, EINTR, ETIMEDOUT}) {
-                // Once in turn, or always (0) where no call is repeated.
+                // At place 0 all calls fail. Not those that are tried again, which would take long.
                 const int first = lasting.contains(call) && error != EINTR ? 0 : 1;
                 for (int place = first, hit = -1; hit == -1; ++place) {
                     QVERIFY(prepare());

@@ -63,7 +63,6 @@ std::vector<Gesture> gestures()
           mouse(QEvent::MouseButtonRelease, {110, 5}, left)},
          "50 0:100 11:89 scrub 50 free reset"},
         {"wheel", 50, wheel(110, {0, 240}), "50 8:92 11:89 range"},
-        {"wheel back", 50, wheel(110, {0, -15}), "50 -9:111 11:89 range"},
         {"wheel at the start", 50, wheel(0, {0, 120}), "50 0:84 11:89 range"},
         {"wheel to the side", 50, wheel(110, {120, 0}), "50 0:100 11:89 range"},
         {"wheel outside", 50, wheel(219.5, {0, 120}), "50 0:100 11:89"},
