@@ -156,7 +156,7 @@ bool followChanges(const QString& folder, int changes)
         const char* missing = nullptr;
         if (!waitUntil([&] { return std::exchange(wanted, false); }))
             missing = "told";
-        else if (!waitUntil([&] { return model.update() || updates > before; }))
+        else if (!waitUntil([&] { return model.update(watch.changedNames()) || updates > before; }))
             missing = "read";
         else if (!waitUntil([&] { return updates > before; }))
             missing = "shown";

@@ -4,6 +4,7 @@
 #include "browser/DirectoryUpdate.h"
 #include "browser/FileBrowser.h"
 #include "catalogue/FileManager.h"
+#include "catalogue/KnownFiles.h"
 
 #include <QAbstractItemModel>
 #include <QDir>
@@ -66,11 +67,13 @@ public:
     /// Reads the present directory again in the background and brings the rows to the new state, with
     /// updated() at the end. Until then the rows stand as they are and can be used. They change by
     /// insertions, removals, layout changes and dataChanged(), never by a reset. An evaluator is asked only
-    /// if a file is another than before, or its size or time.
+    /// if a file is another than before, or its size or time. @p changed are the names of the files that
+    /// changed since the last successful update, or else the last read, began. The attributes of few other
+    /// files are read.
     ///
     /// False, and nothing happens, while the directory is being read, also for attributes or by an update. A
     /// new read abandons the update. If the rows are built anew meanwhile, it brings those to the new state.
-    bool update();
+    bool update(ChangedNames changed = std::nullopt);
     bool isUpdating() const { return m_update.isRunning(); }
     /// Why the last update failed: an error number of the system, 0 if it succeeded or the directory was read
     /// since. The rows are those of the last state that could be read.
@@ -186,6 +189,7 @@ private:
     unsigned m_entriesGeneration = 0;                  // of the manager when the entries were taken
     std::unique_ptr<FileManager> m_manager = std::make_unique<FileManager>();
     DirectoryUpdate m_update;
+    unsigned m_updateCount = 0;
     bool m_shownAsOrdered = true;
     SequenceMode m_sequenceMode;
     bool m_splitSequences = false;

@@ -2,6 +2,7 @@
 
 #include "browser/DirectoryModel.h"
 #include "catalogue/FileSequenceEvaluator.h"
+#include "catalogue/KnownFiles.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -25,12 +26,15 @@ constexpr std::size_t FewRanges = 32;
 
 } // namespace
 
-bool FileBrowser::DirectoryModel::update()
+bool FileBrowser::DirectoryModel::update(ChangedNames changed)
 {
     const bool isRead = m_listReady && !m_reading && (hasAllAttributes() || readError() != 0);
     if (!isRead || m_evaluating || m_update.isRunning())
         return false;
-    m_update.begin(m_directory.absolutePath().toStdString(), m_sequenceMode == SequenceMode::Expanded);
+    KnownFiles known = readError() == 0 ? m_manager->knownFiles() : KnownFiles();
+    known.setChanged(std::move(changed), m_updateCount++);
+    m_update.begin(m_directory.absolutePath().toStdString(), std::move(known),
+                   m_sequenceMode == SequenceMode::Expanded);
     return true;
 }
 
@@ -39,10 +43,12 @@ void FileBrowser::DirectoryModel::takeFiles()
 {
     if (m_evaluating)
         return;
-    if (readError() == 0 && m_update.hasFilesOf(*m_manager))
+    if (!m_update.isUnchanged())
+        buildNextRows();
+    else if (readError() == 0)
         m_update.finish();
     else
-        m_update.inNextTurn([this] { buildNextRows(); });
+        m_update.abandon(); // the rows could not be built meanwhile: the next update brings them
 }
 
 void FileBrowser::DirectoryModel::buildNextRows()

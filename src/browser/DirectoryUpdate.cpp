@@ -1,29 +1,22 @@
 #include "browser/DirectoryUpdate.h"
 
-#include "browser/DirectoryRows.h"
 #include "catalogue/FileManager.h"
+#include "catalogue/KnownFiles.h"
 
-#include <QTimer>
 #include <cerrno>
 #include <new>
 #include <utility>
 
 namespace Halvern::UI {
 
-namespace {
-
-bool haveSameAttributes(const FileInfo& a, const FileInfo& b)
-{
-    return a.size() == b.size() && a.modificationTime() == b.modificationTime() &&
-           a.isDirectory() == b.isDirectory();
-}
-
-} // namespace
-
 DirectoryUpdate::DirectoryUpdate(bool assumeZeroPadding)
     : m_manager(std::make_unique<FileManager>())
 {
+    constexpr int LongestPause = 10000; // milliseconds, from an update to the next
     m_manager->setAssumeZeroPadding(assumeZeroPadding);
+    m_releaseTimer.setSingleShot(true);
+    m_releaseTimer.setInterval(LongestPause);
+    connect(&m_releaseTimer, &QTimer::timeout, this, [this] { m_manager->release(); });
     listen();
 }
 
@@ -35,14 +28,15 @@ void DirectoryUpdate::listen()
     connect(m_manager.get(), &FileManager::infoUpdated, this, [this] { noteArrivals(m_namesComplete); });
 }
 
-void DirectoryUpdate::begin(const std::string& path, bool namesOrdered)
+void DirectoryUpdate::begin(const std::string& path, KnownFiles known, bool namesOrdered)
 {
     m_isRunning = true;
     ++m_number;
+    m_releaseTimer.stop();
     m_timer.start();
     m_namesComplete = m_isRead = false;
     m_manager->setNamesOrdered(namesOrdered);
-    if (!m_manager->readInBackground(path))
+    if (!m_manager->readAgain(path, std::move(known)))
         end(m_manager->readError());
 }
 
@@ -88,23 +82,9 @@ void DirectoryUpdate::inNextTurn(std::function<void()> step)
     QTimer::singleShot(0, this, callStep);
 }
 
-bool DirectoryUpdate::hasFilesOf(FileManager& manager) const
+bool DirectoryUpdate::isUnchanged() const
 {
-    DirectoryRows before;
-    DirectoryRows after;
-    manager.buildRunningList(&before.entries, Base::FileHandle::AllFiles);
-    m_manager->buildRunningList(&after.entries, Base::FileHandle::AllFiles);
-    if (before.entries.size() != after.entries.size())
-        return false;
-    const RowChanges changes(before.keys(manager), after.keys(*m_manager));
-    if (changes.places().size() != before.entries.size())
-        return false;
-    for (std::size_t i = 0; i < before.entries.size(); ++i) {
-        const auto place = static_cast<std::size_t>(changes.places()[i]);
-        if (!haveSameAttributes(*before.entries[i], *after.entries[place]))
-            return false;
-    }
-    return true;
+    return m_manager->isUnchanged();
 }
 
 void DirectoryUpdate::exchange(std::unique_ptr<FileManager>& manager)
@@ -125,7 +105,8 @@ void DirectoryUpdate::end(int error, bool isComplete)
 {
     m_isRunning = false;
     m_error = error;
-    m_manager->release();
+    m_manager->cleanData();
+    m_releaseTimer.start();
     emit ended(static_cast<int>(m_timer.elapsed()), isComplete && error == 0);
 }
 

@@ -2,6 +2,7 @@
 
 #include <QElapsedTimer>
 #include <QObject>
+#include <QTimer>
 #include <functional>
 #include <memory>
 #include <string>
@@ -9,9 +10,11 @@
 namespace Halvern::UI {
 
 class FileManager;
+class KnownFiles;
 
 /// Reads a directory again into a catalogue of its own, beside the one that is shown. The model that owns it
-/// takes the catalogue over when it is complete.
+/// takes the catalogue over when it is complete. While updates follow each other, the memory of the entries
+/// is kept for the next one.
 class DirectoryUpdate : public QObject
 {
     Q_OBJECT
@@ -21,9 +24,9 @@ public:
     explicit DirectoryUpdate(bool assumeZeroPadding);
     ~DirectoryUpdate() override;
 
-    /// Begins to read @p path. For @p namesOrdered see FileManager::setNamesOrdered(). If nothing can begin,
-    /// the update ends at once.
-    void begin(const std::string& path, bool namesOrdered);
+    /// Begins to read @p path again, of which @p known is shown. For @p namesOrdered see
+    /// FileManager::setNamesOrdered(). If nothing can begin, the update ends at once.
+    void begin(const std::string& path, KnownFiles known, bool namesOrdered);
     /// From begin() on until ended().
     bool isRunning() const { return m_isRunning; }
     /// Changes with each begin() and each repeatSteps().
@@ -33,8 +36,8 @@ public:
     void abandon();
     /// What was read.
     FileManager& manager() { return *m_manager; }
-    /// Whether the files that were read, their kinds, sizes and times are those of @p manager.
-    bool hasFilesOf(FileManager& manager) const;
+    /// Whether the files, their kinds, sizes and times are the known ones. Then manager() has none of them.
+    bool isUnchanged() const;
     /// Calls @p step in the next turn of the event loop, unless the update ends before. If @p step throws
     /// `std::bad_alloc`, the update fails.
     void inNextTurn(std::function<void()> step);
@@ -64,6 +67,7 @@ private:
 
     std::unique_ptr<FileManager> m_manager;
     QElapsedTimer m_timer;
+    QTimer m_releaseTimer; // for the memory of the entries
     unsigned m_number = 0; // of the update's steps
     bool m_isRunning = false;
     bool m_namesComplete = false;

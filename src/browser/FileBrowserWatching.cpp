@@ -31,7 +31,7 @@ void FileBrowser::Private::initWatch()
 {
     QObject::connect(&m_shownState, &ShownState::changed, q, [this] { watchIfShown(); });
     QObject::connect(&m_watch, &DirectoryWatch::changed, m_model, [this] {
-        if (!m_model->update())
+        if (!m_model->update(m_watch.changedNames()))
             m_watch.endRead(0, false);
     });
     QObject::connect(m_model, &DirectoryModel::updated, &m_watch, &DirectoryWatch::endRead);

@@ -10,54 +10,10 @@
 #include <exception>
 #include <mutex>
 #include <new>
-#include <sys/inotify.h>
 #include <thread>
-#include <unistd.h>
 #include <utility>
 
 namespace Halvern::UI {
-
-/// What the system tells of one directory.
-///
-/// Not a QFileSystemWatcher: that one prints a warning with each directory that the system refuses to watch,
-/// lists it every second on the thread that it lives on if the system has no inotify left, and does not tell
-/// when a file was written.
-class DirectoryWatch::Notices
-{
-public:
-    Notices()
-        : m_descriptor(::inotify_init1(IN_NONBLOCK | IN_CLOEXEC))
-    {
-    }
-    ~Notices() { ::close(m_descriptor); }
-    Notices(const Notices&) = delete;
-    Notices& operator=(const Notices&) = delete;
-
-    int descriptor() const { return m_descriptor; }
-
-    /// Tells of the directory that has this name now, and of no other. Asks the disk. If the system refuses,
-    /// nothing is told.
-    void follow(const std::string& path)
-    {
-        // IN_MASK_ADD: without it the system loses what happens while it replaces a mask by the same one.
-        constexpr unsigned Changes = IN_CREATE | IN_DELETE | IN_MOVE | IN_CLOSE_WRITE | IN_ATTRIB |
-                                     IN_DELETE_SELF | IN_MOVE_SELF | IN_ONLYDIR | IN_MASK_ADD;
-        const int followed =
-            std::exchange(m_followed, ::inotify_add_watch(m_descriptor, path.c_str(), Changes));
-        if (followed >= 0 && followed != m_followed)
-            ::inotify_rm_watch(m_descriptor, followed);
-    }
-    void discard() const
-    {
-        alignas(inotify_event) char events[4096];
-        while (::read(m_descriptor, events, sizeof events) > 0) {
-        }
-    }
-
-private:
-    const int m_descriptor;
-    int m_followed = -1; // of one question at a time
-};
 
 DirectoryWatch::State::State(const std::optional<struct stat>& status)
     : exists(status && S_ISDIR(status->st_mode))
@@ -82,20 +38,27 @@ bool DirectoryWatch::State::operator==(const State& other) const
 /// Asked once, on a thread of its own. Who asked may be gone before the answer comes.
 struct DirectoryWatch::Question
 {
+    struct Answer
+    {
+        State state;
+        int followed; ///< See DirectoryNotices::follow().
+        qint64 took;  ///< Milliseconds.
+    };
+
     void ask()
     {
         QElapsedTimer timer;
         timer.start();
         // Changes after the answer are noticed, so notices come first.
-        if (const auto followed = std::move(notices))
-            followed->follow(path);
+        const auto used = std::move(notices);
+        const int followed = used ? used->follow(path) : DirectoryNotices::None;
         const State state(Base::fileStatus(path.c_str()));
-        const qint64 elapsed = timer.elapsed();
-        while (!give(state, elapsed))
+        const Answer given{state, followed, timer.elapsed()};
+        while (!give(given))
             std::this_thread::sleep_for(std::chrono::milliseconds(100));
     }
     // Returns false if there is no memory to pass the answer on.
-    bool give(const State& state, qint64 elapsed)
+    bool give(const Answer& given)
     {
         const std::lock_guard<std::mutex> lock(mutex);
         try {
@@ -104,8 +67,7 @@ struct DirectoryWatch::Question
         } catch (const std::bad_alloc&) {
             return false;
         }
-        answer = state;
-        took = elapsed;
+        answer = given;
         return true;
     }
     bool isAnswered()
@@ -115,11 +77,11 @@ struct DirectoryWatch::Question
     }
 
     const std::string path;
-    std::shared_ptr<Notices> notices; // until they are followed, so that they are not closed by the asker
-    std::mutex mutex;                 // guards what follows
+    // Until they are followed, so that the asker does not close them.
+    std::shared_ptr<DirectoryNotices> notices;
+    std::mutex mutex; // guards what follows
     DirectoryWatch* asker;
-    std::optional<State> answer = std::nullopt;
-    qint64 took = 0; // milliseconds
+    std::optional<Answer> answer = std::nullopt;
 };
 
 DirectoryWatch::DirectoryWatch()
@@ -165,6 +127,7 @@ void DirectoryWatch::beginRead(const std::string& path)
     m_reading = true;
     m_noticed = false;
     m_looksAgain = false;
+    m_untold.reset();
     m_known.reset();
     m_interval = 0;
     m_settling = m_pace.settling;
@@ -179,6 +142,10 @@ void DirectoryWatch::endRead(int milliseconds, bool succeeded)
     if (!std::exchange(m_reading, false))
         return;
     m_looksAgain = m_looksAgain || !succeeded;
+    if (!succeeded && m_told && m_untold)
+        m_untold->merge(*m_told);
+    else if (!succeeded)
+        m_untold.reset();
     m_settling = succeeded ? m_pace.settling
                            : std::min(m_settling + m_settling / 2, std::max(m_pace.longest, m_pace.settling));
     m_rest.setRemainingTime(
@@ -224,7 +191,7 @@ void DirectoryWatch::makeNotices()
 {
     if (m_notices)
         return;
-    m_notices = std::make_shared<Notices>();
+    m_notices = std::make_shared<DirectoryNotices>();
     if (m_notices->descriptor() < 0) {
         m_notices.reset();
         return;
@@ -253,14 +220,16 @@ void DirectoryWatch::takeAnswer()
         schedule();
         return;
     }
-    const auto question = std::exchange(m_question, nullptr);
-    const std::optional<State> before = std::exchange(m_known, question->answer);
+    const Question::Answer answer = *std::exchange(m_question, nullptr)->answer;
+    const std::optional<State> before = std::exchange(m_known, answer.state);
+    if (std::exchange(m_followed, answer.followed) != answer.followed)
+        m_untold.reset();
     // What is not there is read again when it is back.
     m_looksAgain = m_known->exists && (m_looksAgain || (!before && mayHaveChangedSinceRead(*m_known)));
     const bool differs = m_noticed || (before && !(*before == *m_known));
     const qint64 longer = differs ? 0 : m_interval + m_interval / 2;
     m_interval = static_cast<int>(std::min<qint64>(
-        std::max({longer, qint64(m_pace.shortest), SlowAnswerFactor * question->took}), m_pace.longest));
+        std::max({longer, qint64(m_pace.shortest), SlowAnswerFactor * answer.took}), m_pace.longest));
     m_noticed = differs;
     if (!m_reading && m_rest.hasExpired() &&
         (differs || (m_looksAgain && m_sinceRead.hasExpired(m_settling))))
@@ -285,9 +254,15 @@ void DirectoryWatch::tell(bool differs)
     m_reading = true;
     m_sinceRead.start();
     if (m_notifier) {
-        m_notices->discard();
+        m_notices->take(m_untold);
         m_notifier->setEnabled(true);
     }
+    // On a file server others make changes that nobody tells of.
+    const bool isTold = differs && m_untold && !m_untold->empty();
+    const bool isFollowed = m_followed != DirectoryNotices::None;
+    m_told = std::exchange(m_untold, isFollowed ? ChangedNames(std::in_place) : std::nullopt);
+    if (!isTold)
+        m_told.reset();
     emit changed();
 }
 
@@ -295,6 +270,8 @@ void DirectoryWatch::tell(bool differs)
 void DirectoryWatch::forgetNotices()
 {
     m_notifier.reset();
+    m_untold.reset();
+    m_followed = DirectoryNotices::None;
     if (m_notices)
         Base::callInBackground([notices = std::move(m_notices)] {});
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "catalogue/DirectoryNotices.h"
+
 #include <QDeadlineTimer>
 #include <QElapsedTimer>
 #include <QObject>
@@ -55,6 +57,9 @@ public:
 
     /// The directory of beginRead(), at first empty.
     const std::string& path() const { return m_path; }
+    /// What the system told of changes before the last changed(), since the last successful read before it
+    /// began. Nothing if it may not have told of all, and at the end of the settling time.
+    const ChangedNames& changedNames() const { return m_told; }
 
 signals:
     /// The directory is to be read again, which begins now. Nothing more is told before endRead().
@@ -64,7 +69,6 @@ private slots:
     void takeAnswer();
 
 private:
-    class Notices;
     struct Question;
 
     /// What tells one state of a directory from another.
@@ -93,17 +97,20 @@ private:
     std::string m_path;
     bool m_active = false;
     bool m_reading = false;
-    bool m_noticed = false;               // a change that was not told yet
-    bool m_looksAgain = false;            // after m_settling
-    int m_settling;                       // since a read began, in milliseconds; longer after failed reads
-    std::optional<State> m_known;         // the last answer
-    int m_interval = 0;                   // to the next question, in milliseconds
-    QTimer m_timer;                       // for that question
-    QElapsedTimer m_sinceRead;            // since it began
-    QDeadlineTimer m_rest;                // before the next read
-    std::shared_ptr<Question> m_question; // whose answer is waited for
+    bool m_noticed = false;                  // a change that was not told yet
+    ChangedNames m_told;                     // see changedNames()
+    ChangedNames m_untold;                   // names that changed since, as far as they were taken
+    int m_followed = DirectoryNotices::None; // the directory that these are about
+    bool m_looksAgain = false;               // after m_settling
+    int m_settling;                          // since a read began, in milliseconds; longer after failed reads
+    std::optional<State> m_known;            // the last state
+    int m_interval = 0;                      // to the next question, in milliseconds
+    QTimer m_timer;                          // for that question
+    QElapsedTimer m_sinceRead;               // since it began
+    QDeadlineTimer m_rest;                   // before the next read
+    std::shared_ptr<Question> m_question;    // whose answer is waited for
     std::vector<std::shared_ptr<Question>> m_asked; // without an answer, at most one for each path
-    std::shared_ptr<Notices> m_notices;             // null if the system has none
+    std::shared_ptr<DirectoryNotices> m_notices;    // null if the system has none
     std::unique_ptr<QSocketNotifier> m_notifier;
 };
 

@@ -29,16 +29,6 @@ int queriedKind(int folder, const char* name)
     return S_ISDIR(status->st_mode) ? DT_DIR : DT_REG;
 }
 
-// A query that fails gives a record too, so that the records after it keep their places. A folder stays a
-// folder.
-FileInfoWrapper queriedInfo(int folder, const NameBatch::Name& name)
-{
-    const auto status = Base::fileStatus(name.text, folder);
-    if (!status)
-        return {0, name.isDirectory, 0};
-    return {static_cast<unsigned long long>(status->st_size), S_ISDIR(status->st_mode), status->st_mtime};
-}
-
 } // namespace
 
 FileGatherer::FileGatherer(Preparation preparation)
@@ -53,10 +43,10 @@ FileGatherer::~FileGatherer()
     stop();
 }
 
-void FileGatherer::prepare(const std::string& directory)
+void FileGatherer::prepare(const std::string& directory, std::optional<KnownFiles> known)
 {
     m_directory = directory;
-    m_mustStay = false;
+    m_known = std::move(known);
     forget();
     m_endAnnounced = false;
     // Not in run(): a run that is stopped before its thread has begun must not begin after all.
@@ -68,15 +58,15 @@ void FileGatherer::forget()
     m_names.clear();
     m_infos.clear();
     m_allNamesRead = false;
+    m_isUnchanged = false;
     m_error = 0;
     m_namesAnnounced = false;
 }
 
-void FileGatherer::startReading(const std::string& directory, bool mustStay)
+void FileGatherer::start(const std::string& directory, std::optional<KnownFiles> known)
 {
-    prepare(directory);
-    m_mustStay = mustStay;
-    start();
+    prepare(directory, std::move(known));
+    QThread::start();
     if (isRunning() || isFinished())
         return;
     m_keepRunning = false;
@@ -87,7 +77,7 @@ void FileGatherer::startReading(const std::string& directory, bool mustStay)
 
 void FileGatherer::readNow(const std::string& directory)
 {
-    prepare(directory);
+    prepare(directory, std::nullopt);
     run();
     threadFinished();
 }
@@ -156,7 +146,8 @@ void FileGatherer::read()
     const std::unique_ptr<DIR, int (*)(DIR*)> folder(opened, &::closedir);
     if (folder)
         readNames(folder.get(), file);
-    checkStay();
+    if (m_known)
+        readAgain(file);
     finishNames();
     readAttributes(file);
 }
@@ -171,7 +162,7 @@ void FileGatherer::readNames(DIR* stream, int folder)
         if (!entry || !m_keepRunning)
             break;
         if (entry->d_type != DT_UNKNOWN && untyped.empty())
-            addName(entry->d_name, entry->d_type);
+            addName(entry->d_name, entry->d_type == DT_DIR);
         else
             untyped.push_back({entry->d_name, entry->d_type});
         if (untyped.size() == NameBatchSize)
@@ -185,7 +176,7 @@ void FileGatherer::finishNames()
     if (!m_keepRunning)
         return;
     try {
-        putNames();
+        endBatch();
     } catch (const std::bad_alloc&) {
         m_error = ENOMEM; // without the names of the last batch
     }
@@ -196,24 +187,26 @@ void FileGatherer::finishNames()
     prepareWhileWaited(0);
 }
 
-void FileGatherer::addName(const char* name, int kind)
+void FileGatherer::addName(const char* name, bool isDirectory)
 {
     if (!m_filling)
         m_filling = std::make_shared<NameBatch>();
-    m_filling->add(name, kind == DT_DIR);
+    m_filling->add(name, isDirectory);
     ++m_readCount;
     if (m_filling->size() == NameBatchSize) {
-        putNames();
+        endBatch();
         prepareWhileWaited(PatientlyWaiting);
     }
 }
 
-void FileGatherer::putNames()
+void FileGatherer::endBatch()
 {
     if (!m_filling)
         return;
     m_filling->squeeze();
     m_readNames.push_back(std::exchange(m_filling, nullptr));
+    if (m_known)
+        return;
     m_names.put(m_readNames.back());
     announce([this] { emit fileNameBatchReady(); });
 }
@@ -235,8 +228,18 @@ void FileGatherer::addUntyped(int folder, std::vector<Untyped>& names)
     if (!m_keepRunning)
         return;
     for (const Untyped& untyped : names)
-        addName(untyped.name.c_str(), untyped.kind);
+        addName(untyped.name.c_str(), untyped.kind == DT_DIR);
     names.clear();
+}
+
+// A query that fails gives a record too, so that the records after it keep their places. A folder stays a
+// folder.
+FileInfoWrapper FileGatherer::queriedInfo(int folder, const NameBatch::Name& name)
+{
+    const auto status = Base::fileStatus(name.text, folder);
+    if (!status)
+        return {0, name.isDirectory, 0};
+    return {static_cast<unsigned long long>(status->st_size), S_ISDIR(status->st_mode), status->st_mtime};
 }
 
 void FileGatherer::readAttributes(int folder)
@@ -249,8 +252,6 @@ void FileGatherer::readAttributes(int folder)
                 if (m_keepRunning)
                     (*infos)[index] = queriedInfo(folder, (*names)[begin + index]);
             });
-            if (names == m_readNames.back() && begin + count == names->size())
-                checkStay();
             if (!m_keepRunning)
                 return;
             m_infos.put(infos);
@@ -258,14 +259,6 @@ void FileGatherer::readAttributes(int folder)
         }
         names.reset();
     }
-}
-
-// The names and attributes of a folder that goes away meanwhile are those of nothing: readdir() ends early,
-// and queries fail.
-void FileGatherer::checkStay()
-{
-    if (m_mustStay && m_keepRunning && m_error == 0 && !Base::fileStatus(m_directory.c_str()))
-        m_error = errno;
 }
 
 // A signal to another thread needs memory. Without it nobody would ever learn of the end.

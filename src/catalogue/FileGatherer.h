@@ -2,6 +2,7 @@
 
 #include "catalogue/BatchQueue.h"
 #include "catalogue/FileInfoWrapper.h"
+#include "catalogue/KnownFiles.h"
 #include "catalogue/NameBatch.h"
 
 #include <QThread>
@@ -9,6 +10,7 @@
 #include <dirent.h>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -39,10 +41,15 @@ public:
     ~FileGatherer() override;
 
     /// Begins to read @p directory on the worker thread. No run may be under way. If the system has no
-    /// thread, the run has ended when this returns, without names and signals, and error() is EAGAIN. With
-    /// @p mustStay a directory that is not there any more when its names or attributes are complete is an
-    /// error.
-    void startReading(const std::string& directory, bool mustStay = false);
+    /// thread, the run has ended when this returns, without names and signals, and error() is EAGAIN.
+    void startReading(const std::string& directory) { start(directory, std::nullopt); }
+    /// The same for a directory of which @p known is known. Nothing can be taken before all is read. Then
+    /// there is nothing to take if isUnchanged(), or if there is an error, which is also that the directory
+    /// is not there any more. A name that vanishes meanwhile is left out.
+    void startReadingAgain(const std::string& directory, KnownFiles known)
+    {
+        start(directory, std::move(known));
+    }
     /// Reads @p directory on the calling thread and returns when all is read.
     void readNow(const std::string& directory);
     /// Ends a run: it sends no further signals, and what was not taken of it is gone. Waits, without a time
@@ -60,6 +67,8 @@ public:
     bool areNamesAnnounced() const { return m_namesAnnounced; }
     /// Why names or attributes of the run are missing: an error number of the system, else 0.
     int error() const { return m_error; }
+    /// Whether the directory was read again and has the known files, with the known attributes.
+    bool isUnchanged() const { return m_isUnchanged; }
     /// Whether takeNames() has a batch.
     bool hasNames() const { return m_names.waiting() > 0; }
     /// Whether one of the three functions that take has something.
@@ -89,23 +98,37 @@ private:
         int kind;
     };
 
-    void prepare(const std::string& directory);
+    /// Names that have not vanished, and their attributes.
+    struct PresentFiles
+    {
+        std::shared_ptr<NameBatch> names;
+        std::shared_ptr<std::vector<FileInfoWrapper>> infos;
+        std::size_t unchanged; ///< How many are as they were known.
+    };
+
+    void start(const std::string& directory, std::optional<KnownFiles> known);
+    void prepare(const std::string& directory, std::optional<KnownFiles> known);
     void forget();
     void read();
     void readNames(DIR* stream, int folder);
     void finishNames();
-    void addName(const char* name, int kind);
-    void putNames();
+    void addName(const char* name, bool isDirectory);
+    void endBatch();
     void addUntyped(int folder, std::vector<Untyped>& names);
+    static FileInfoWrapper queriedInfo(int folder, const NameBatch::Name& name);
     void readAttributes(int folder);
-    void checkStay();
+
+    // FileGathererAgain.cpp
+    void readAgain(int folder);
+    PresentFiles presentFiles(const NameBatch& names, const KnownFiles::ByName& known, int folder) const;
+
     void prepareWhileWaited(std::size_t mostWaiting);
     template <class Announcement>
     void announce(Announcement announcement);
 
     // Set by the GUI thread while no worker runs, read by the worker.
     std::string m_directory;
-    bool m_mustStay = false;
+    std::optional<KnownFiles> m_known; // null unless the directory is read again
 
     // Worker only.
     const Preparation m_preparation;
@@ -116,6 +139,7 @@ private:
     // Shared by both threads.
     std::atomic<bool> m_keepRunning{false};
     std::atomic<bool> m_allNamesRead{false};
+    std::atomic<bool> m_isUnchanged{false};
     std::atomic<int> m_error{0};
     // Passes what a run wrote to the thread that waited for it. Qt's lock does so too, but race detectors do
     // not see it.

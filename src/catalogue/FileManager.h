@@ -12,6 +12,7 @@
 
 namespace Halvern::UI {
 
+class KnownFiles;
 class NameOrder;
 
 /// The catalogue of one directory: reads it on a worker thread, turns the names into entries as they arrive,
@@ -42,10 +43,12 @@ public:
     /// The same on the calling thread: everything is read, and the signals are emitted, when it returns. The
     /// manager must not be destroyed in answer to these.
     bool getFilesFromFolderSynchronously(const std::string& path, bool force) { return read(path, force); }
-    /// Begins to read @p path again or anew. Only the worker asks the disk: if @p path can't be opened,
-    /// readError() is set when refreshList() is emitted, and if it goes away later, with the last attributes.
-    /// False if nothing begins, for lack of memory or from within a synchronous read.
-    bool readInBackground(const std::string& path);
+    /// Begins to read a directory again. Only the worker asks the disk. At refreshList() all is read; there
+    /// are no files if it isUnchanged(), or if readError() tells that it can't be opened or went away. False
+    /// if nothing begins, for lack of memory or from within a synchronous read.
+    bool readAgain(const std::string& path, KnownFiles known);
+    bool isUnchanged() const;      ///< Whether readAgain() found just what was known.
+    KnownFiles knownFiles() const; ///< What the last read found, if it succeeded.
     /// Forgets every entry, and gives back their memory but for what the next small directory needs.
     void release();
     /// Why the listing of the current directory is empty or incomplete: an error number of the system, ENOMEM
@@ -96,8 +99,7 @@ public:
 
     /// A new entry of the manager, which is in no list. Throws `std::bad_alloc`.
     FileInfo* createEntry();
-    /// Whether @p entry is one of this manager.
-    bool owns(const FileInfo* entry) const;
+    bool owns(const FileInfo* entry) const; ///< Whether it is one of this manager.
     /// Keeps the memory of all entries while it is held, also after the manager is destroyed. The next read
     /// may still use them again.
     std::shared_ptr<const void> entryStorage() const;
@@ -110,8 +112,7 @@ public:
     /// The order of the names of all files, by their places in reading order, once for each read. Empty
     /// before refreshList(), and if names are not ordered.
     NameOrder takeNameOrder();
-    /// Whether every entry has its attributes.
-    bool isInfoComplete() const;
+    bool isInfoComplete() const; ///< Whether every entry has its attributes.
     /// Changes whenever all entries die. Pointers taken under another value must not be followed.
     unsigned generation() const;
 
@@ -138,7 +139,6 @@ private:
     struct Private;
 
     bool read(const std::string& path, bool force, bool asynchronous = false);
-    bool beginReading(const std::string& path, bool asynchronous, bool mustStay = false);
     void connectWorker();
     void leaveToParentProcess();
     void leaveParentProcess();

@@ -39,8 +39,16 @@ void FileManager::Private::insert(const NameBatch& names)
 
 void FileManager::Private::takeNames()
 {
-    if (const auto names = m_gatherer.takeNames())
+    if (const auto names = m_gatherer.takeNames()) {
         insert(*names);
+        m_files.add(names);
+    }
+}
+
+FileGatherer::InfoQueue::BatchPointer FileManager::Private::takeInfos()
+{
+    auto infos = m_gatherer.takeInfos();
+    return infos && attempt([&] { m_files.add(infos); }) ? infos : nullptr;
 }
 
 // Does what is left to do when all names are taken; false if the turn is over before all is done.
@@ -88,16 +96,40 @@ bool FileManager::read(const std::string& path, bool force, bool asynchronous)
         d->trimPool();
         return false;
     }
-    return beginReading(path, asynchronous);
+    d->m_readingSynchronously = !asynchronous;
+    const bool begun = d->attempt([&] {
+        if (asynchronous) {
+            d->beginTurn();
+            d->m_gatherer.startReading(path);
+        } else {
+            d->m_gatherer.readNow(path);
+        }
+    });
+    d->m_readingSynchronously = false;
+    return begun;
 }
 
-bool FileManager::readInBackground(const std::string& path)
+bool FileManager::readAgain(const std::string& path, KnownFiles known)
 {
     if (d->m_readingSynchronously)
         return false;
     cleanData();
     d->m_readError = 0;
-    return d->attempt([&] { d->m_currentDirectory = path; }) && beginReading(path, true, true);
+    return d->attempt([&] {
+        d->m_currentDirectory = path;
+        d->beginTurn();
+        d->m_gatherer.startReadingAgain(path, std::move(known));
+    });
+}
+
+bool FileManager::isUnchanged() const
+{
+    return d->m_gatherer.isUnchanged();
+}
+
+KnownFiles FileManager::knownFiles() const
+{
+    return d->m_readError == 0 ? d->m_files : KnownFiles();
 }
 
 void FileManager::release()
@@ -108,21 +140,6 @@ void FileManager::release()
     d->trimPool();
 }
 
-bool FileManager::beginReading(const std::string& path, bool asynchronous, bool mustStay)
-{
-    d->m_readingSynchronously = !asynchronous;
-    const bool begun = d->attempt([&] {
-        if (asynchronous) {
-            d->beginTurn();
-            d->m_gatherer.startReading(path, mustStay);
-        } else {
-            d->m_gatherer.readNow(path);
-        }
-    });
-    d->m_readingSynchronously = false;
-    return begun;
-}
-
 void FileManager::cleanData()
 {
     leaveParentProcess();
@@ -131,6 +148,7 @@ void FileManager::cleanData()
     // Freeing a node for each of a million files takes longer than a click may.
     if (left.isLarge())
         Base::callInBackground([left = std::move(left)] {});
+    d->m_files = {};
     d->m_nameOrder.reset();
     if (d->m_namesOrdered)
         d->attempt([this] { d->m_nameOrder = std::make_unique<NameOrder>(); });
@@ -186,14 +204,14 @@ void FileManager::fileNameBatchReady()
 
 void FileManager::fileInfoBatchReady()
 {
-    const auto infos = d->m_gatherer.takeInfos();
+    const auto infos = d->takeInfos();
     updateInfo(infos.get(), true);
 }
 
 void FileManager::fileNameFinished(bool withInfo)
 {
     if (withInfo) {
-        const auto infos = d->m_gatherer.takeInfos();
+        const auto infos = d->takeInfos();
         updateInfo(infos.get(), false);
     }
     const QPointer<FileManager> alive = d->m_self;

@@ -12,6 +12,8 @@
 #include <map>
 #include <numeric>
 #include <random>
+#include <set>
+#include <string>
 
 using namespace Halvern::UI;
 
@@ -77,10 +79,10 @@ private:
 };
 
 // Whether the update succeeded.
-bool update(const BrowserParts& parts)
+bool update(const BrowserParts& parts, const ChangedNames& changed = std::nullopt)
 {
     QSignalSpy ends(parts.model(), &FileBrowser::DirectoryModel::updated);
-    return parts.model()->update() && (!ends.isEmpty() || ends.wait()) && ends.first().at(1).toBool();
+    return parts.model()->update(changed) && (!ends.isEmpty() || ends.wait()) && ends.first().at(1).toBool();
 }
 
 bool isRead(const BrowserParts& parts)
@@ -174,13 +176,13 @@ private slots:
         const QSignalSpy resets(window.model(), &QAbstractItemModel::modelReset);
         const PaintWatch paints(window);
         for (int round = 0; round < 12; ++round) {
-            edit(random, round % 5 == 0 ? 60 : 4);
+            const std::set<std::string> edited = edit(random, round % 5 == 0 ? 60 : 4);
             window.list()->clearSelection();
             for (int row = 0; row < window.proxy()->rowCount(); row += 1 + static_cast<int>(random() % 3))
                 window.list()->selectionModel()->select(
                     window.proxy()->index(row, 0), QItemSelectionModel::Select | QItemSelectionModel::Rows);
             const QStringList selected = selectedNames(window);
-            QVERIFY(update(window));
+            QVERIFY(update(window, round % 3 == 0 ? ChangedNames() : edited));
             fresh.model()->refreshList();
             QTRY_VERIFY(isRead(fresh));
             QTRY_COMPARE(cells(window), cells(fresh));
@@ -471,20 +473,22 @@ private:
         return descending ? Qt::DescendingOrder : Qt::AscendingOrder;
     }
 
-    // Makes, resizes, removes and replaces files, frames and folders.
-    void edit(std::mt19937& random, int edits) const
+    // Makes, resizes, removes and replaces files, frames and folders. Returns their names.
+    std::set<std::string> edit(std::mt19937& random, int edits) const
     {
+        std::set<std::string> names;
         for (int i = 0; i < edits; ++i) {
             const auto number = static_cast<int>(random() % 20);
             const char* const patterns[] = {"a.%04d.exr", "b%d.dpx", "B%d.dpx",
                                             "c.%d.txt",   "a%d",     "d%03d.exr"};
             const QString name = QString::asprintf(patterns[random() % std::size(patterns)], number);
             const QString path = m_folder->filePath(name);
+            names.insert(name.toStdString());
             switch (random() % 8) {
             case 0:
                 QDir(path).removeRecursively();
                 QFile::remove(path);
-                QVERIFY(QDir(m_folder->path()).mkdir(name));
+                QDir(m_folder->path()).mkdir(name);
                 break;
             case 1:
             case 2:
@@ -494,10 +498,10 @@ private:
                 break;
             default:
                 QDir(path).removeRecursively();
-                QVERIFY(
-                    SampleFiles::make(m_folder->path(), name.toUtf8(), static_cast<int>(random() % 3000)));
+                SampleFiles::make(m_folder->path(), name.toUtf8(), static_cast<int>(random() % 3000));
             }
         }
+        return names;
     }
 
     std::unique_ptr<QTemporaryDir> m_folder;

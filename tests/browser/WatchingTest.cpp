@@ -141,6 +141,43 @@ private slots:
         QTRY_COMPARE(window.dialog.selectedFiles(), QStringList(path("stays")));
     }
 
+    // Of a frame that comes, and of a part of the others.
+    void asksForFewAttributes()
+    {
+        QVERIFY(SampleFiles::makeFrames(m_folder, "s.%04d.exr", 1, 5000));
+        DialogWindow window(m_folder, true);
+        watch(window);
+        QTRY_VERIFY(window.model()->hasAllAttributes());
+        int last = 5000;
+        for (const bool isKnown : {false, true}) {
+            faultyCall = "fstatat";
+            faults[CallDelay] = 1;
+            faults[DelayedCalls] = 0;
+            ++last;
+            QVERIFY(SampleFiles::makeFrames(m_folder, "s.%04d.exr", last, last));
+            QTRY_COMPARE(window.rows(), QStringList("s.####.exr 1-" + QString::number(last)));
+            QCOMPARE(faults[DelayedCalls] < 1000, isKnown);
+        }
+    }
+
+    // Between the time that a folder gives their names and the time that they are asked for.
+    void vanishingFilesAreLeftOut()
+    {
+        QVERIFY(SampleFiles::makeFrames(m_folder, "f%02d.txt", 1, 40));
+        QVERIFY(QFile::link("nothing", path("link")));
+        const DialogWindow window(m_folder, false);
+        QTRY_VERIFY(window.model()->hasAllAttributes() && window.rows().size() == 41);
+        faultyCall = "fstatat";
+        faults[CallDelay] = 10000;
+        faults[DelayedCalls] = 0;
+        QVERIFY(window.model()->update());
+        QTRY_VERIFY(faults[DelayedCalls] > 0);
+        for (int frame = 1; frame <= 40; ++frame)
+            QVERIFY(QFile::remove(QString::asprintf("%s/f%02d.txt", qPrintable(m_folder), frame)));
+        QTRY_VERIFY(!window.model()->isUpdating());
+        QVERIFY(window.rows().size() < 41 && window.rows().contains("link"));
+    }
+
     // What a person does goes on while frames arrive.
     void nothingIsLostWhileFramesArrive()
     {

@@ -49,6 +49,13 @@ bool write(const QString& path)
     return file.open(QFile::WriteOnly) && file.write("x") == 1;
 }
 
+// That the system keeps until they are taken.
+int mostNotices()
+{
+    QFile file(QStringLiteral("/proc/sys/fs/inotify/max_queued_events"));
+    return file.open(QFile::ReadOnly) ? file.readAll().trimmed().toInt() : 0;
+}
+
 void fail(const char* call, int error)
 {
     faultyCall = call;
@@ -175,6 +182,41 @@ private slots:
         folder.watch.beginRead("/sys/kernel");
         folder.watch.endRead(0, false);
         QVERIFY(changes.wait());
+    }
+
+    void tellsWhichFilesChanged()
+    {
+        Watched folder({Never, Never, 1, 200});
+        const auto tells = [&](const ChangedNames& names, bool succeeds = true) {
+            const bool told =
+                (!folder.changes.isEmpty() || folder.changes.wait()) && folder.watch.changedNames() == names;
+            folder.changes.clear();
+            folder.watch.endRead(0, succeeds);
+            return told;
+        };
+        const auto writes = [&](const char* name) { return write(folder.file(name)); };
+        const ChangedNames any;
+        folder.watch.endRead(0, true);
+        QVERIFY(tells(any));
+        QVERIFY(writes("c") && tells(std::set<std::string>{"c"}) && tells(any));
+        QVERIFY(QFile::rename(folder.file("c"), folder.file("d")));
+        QVERIFY(tells(std::set<std::string>{"c", "d"}, false)); // so the reader does not know them yet
+        QVERIFY(writes("e") && tells(std::set<std::string>{"c", "d", "e"}));
+        QVERIFY(writes("e") && tells(std::set<std::string>{"e"}));
+        QVERIFY(::chmod(qPrintable(folder.path), 0500) == 0 && tells(any));
+        // Another folder of that name.
+        QVERIFY(QDir().rename(folder.path, folder.parent.filePath("away")) && tells(any));
+        QVERIFY(QDir().mkdir(folder.path) && tells(any));
+        QVERIFY(writes("f") && tells(std::set<std::string>{"f"}));
+        folder.watch.setActive(false);
+        QVERIFY(writes("g"));
+        folder.watch.setActive(true);
+        QVERIFY(tells(any));
+        if (const int most = mostNotices(); most > 0 && most < 100000) {
+            for (int i = 0; i <= most; ++i)
+                QVERIFY(writes(i % 2 == 0 ? "h" : "i"));
+            QVERIFY(tells(any));
+        }
     }
 
     void asksNothingInAPause()
