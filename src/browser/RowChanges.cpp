@@ -38,16 +38,15 @@ public:
         , m_placeOf(before.size(), None)
         , m_rowAt(after.size(), None)
     {
-        const auto fewer = static_cast<int>(std::min(before.size(), after.size()));
-        int first = 0;
-        for (; first < fewer && isSame(at(before, first), at(after, first)); ++first)
-            pair(first, first);
-        m_lastBefore = static_cast<int>(before.size());
-        m_lastAfter = static_cast<int>(after.size());
-        for (; std::min(m_lastBefore, m_lastAfter) > first &&
-               isSame(at(before, m_lastBefore - 1), at(after, m_lastAfter - 1));)
-            pair(--m_lastBefore, --m_lastAfter);
-        m_first = first;
+        int row = 0;
+        int place = 0;
+        while (findNear(row, place))
+            pair(row++, place++);
+        auto lastRow = static_cast<int>(before.size());
+        auto lastPlace = static_cast<int>(after.size());
+        while (lastRow > row && lastPlace > place &&
+               isSame(at(before, lastRow - 1), at(after, lastPlace - 1)))
+            pair(--lastRow, --lastPlace);
         match(&RowKey::name);
         match(&RowKey::firstFile);
         matchFrames(m_keysBefore, m_placeOf, m_keysAfter, m_rowAt,
@@ -64,32 +63,51 @@ private:
     {
         m_placeOf[static_cast<std::size_t>(row)] = place;
         m_rowAt[static_cast<std::size_t>(place)] = row;
+        ++m_pairs;
+    }
+    bool areAllPaired() const { return m_pairs == std::min(m_placeOf.size(), m_rowAt.size()); }
+
+    // Most rows stay in their order. Moves on to the next pair, past rows that vanish and new ones. False if
+    // no pair is near.
+    bool findNear(int& row, int& place) const
+    {
+        constexpr int Near = 32;
+        const auto rows = static_cast<int>(m_keysBefore.size());
+        const auto places = static_cast<int>(m_keysAfter.size());
+        const auto isPair = [&](int rowsPassed, int placesPassed) {
+            if (row + rowsPassed >= rows || place + placesPassed >= places ||
+                !isSame(at(m_keysBefore, row + rowsPassed), at(m_keysAfter, place + placesPassed)))
+                return false;
+            row += rowsPassed;
+            place += placesPassed;
+            return true;
+        };
+        for (int passed = 0; passed <= Near; ++passed) {
+            if (isPair(passed, 0) || isPair(0, passed) || isPair(passed, passed))
+                return true;
+        }
+        return false;
     }
 
     // Pairs rows of one name and kind. Rows of a name form a chain in their order. Of a sequence the runs
     // come by rising frames, so that a run that ends before the one looked for is passed for good.
     void match(Name name)
     {
-        if (m_first == m_lastAfter || m_first == m_lastBefore)
+        if (areAllPaired())
             return;
         std::unordered_map<std::string_view, int> chains[RowKey::Sequence + 1];
-        std::size_t counts[RowKey::Sequence + 1] = {};
-        for (int row = m_first; row < m_lastBefore; ++row)
-            ++counts[at(m_keysBefore, row).kind];
-        for (int kind = 0; kind <= RowKey::Sequence; ++kind)
-            chains[kind].reserve(counts[kind]);
-        std::vector<int> next(static_cast<std::size_t>(m_lastBefore - m_first), None);
-        for (int row = m_lastBefore - 1; row >= m_first; --row) {
+        std::vector<int> next(m_keysBefore.size(), None);
+        for (auto row = static_cast<int>(m_keysBefore.size()) - 1; row >= 0; --row) {
             const RowKey& key = at(m_keysBefore, row);
             if (placeOf(row) != None || isLeftOut(key, name))
                 continue;
             const auto [chain, isNew] = chains[key.kind].emplace(key.*name, row);
             if (!isNew) {
-                next[static_cast<std::size_t>(row - m_first)] = chain->second;
+                next[static_cast<std::size_t>(row)] = chain->second;
                 chain->second = row;
             }
         }
-        for (int place = m_first; place < m_lastAfter; ++place) {
+        for (int place = 0; place < static_cast<int>(m_keysAfter.size()); ++place) {
             const RowKey& key = at(m_keysAfter, place);
             if (!isNew(place) || isLeftOut(key, name))
                 continue;
@@ -98,11 +116,11 @@ private:
                 continue;
             int& row = chain->second;
             while (row != None && at(m_keysBefore, row).lastFrame < key.firstFrame)
-                row = next[static_cast<std::size_t>(row - m_first)];
+                row = next[static_cast<std::size_t>(row)];
             if (row == None || !haveCommonFrames(at(m_keysBefore, row), key))
                 continue;
             pair(row, place);
-            row = next[static_cast<std::size_t>(row - m_first)];
+            row = next[static_cast<std::size_t>(row)];
         }
     }
 
@@ -111,7 +129,7 @@ private:
     void matchFrames(const Keys& files, const std::vector<int>& pairedFiles, const Keys& sequences,
                      const std::vector<int>& pairedSequences, Pair pairRows)
     {
-        if (m_first == m_lastAfter || m_first == m_lastBefore)
+        if (areAllPaired())
             return;
         std::unordered_map<std::string_view, int> left;
         for (std::size_t row = 0; row < files.size(); ++row) {
@@ -141,10 +159,7 @@ private:
     const Keys& m_keysAfter;
     std::vector<int> m_placeOf;
     std::vector<int> m_rowAt;
-    // Rows before and after these are the same in both states.
-    int m_first = 0;
-    int m_lastBefore = 0;
-    int m_lastAfter = 0;
+    std::size_t m_pairs = 0;
 };
 
 void extend(std::vector<RowChanges::Range>& ranges, int row)
