@@ -59,12 +59,12 @@ QByteArray movie()
     const QByteArray stream =
         "vidsDIB " + littleEndian({0, 0, 0, 1, 24, 0, 2, bytes, 0, 0, 0, side | side << 16});
     const QByteArray format = littleEndian({40, side, side, 1 | 24 << 16, 0, bytes, 0, 0, 0, 0});
-    const auto picture = [](const char* bgr) {
-        return chunk("00db", QByteArray(bgr, 3).repeated(side * side));
+    const auto picture = [](const QByteArray& bgr) {
+        return chunk("00db", QByteArray::fromHex(bgr).repeated(side * side));
     };
     const QByteArray streams = chunk("LIST", "strl" + chunk("strh", stream) + chunk("strf", format));
     return chunk("RIFF", "AVI " + chunk("LIST", "hdrl" + chunk("avih", header) + streams) +
-                             chunk("LIST", "movi" + picture("\0\0\xff") + picture("\xff\0\0")));
+                             chunk("LIST", "movi" + picture("0000ff") + picture("ff0000")));
 }
 
 } // namespace
