@@ -7,6 +7,7 @@ usage: import_shots.py [FOLDER]
 """
 
 import os
+import re
 import sys
 from typing import Dict, List, Tuple
 
@@ -15,32 +16,33 @@ from qt import QtWidgets
 
 
 class Shots(FileSequenceEvaluator):
-    """Makes a row of each shot, and remembers the files of the rows."""
-
-    def __init__(self) -> None:
-        super().__init__()
-        self.names: Dict[str, List[str]] = {}
+    """Makes a row of each shot."""
 
     def evaluateFiles(self, files: Tuple[FileInfo, ...]) -> Tuple[FileInfo, ...]:
         shots: Dict[str, List[FileInfo]] = {}
         others: List[FileInfo] = []
         for file in files:
-            shot, layer, rest = file.fileName().partition("_")
-            is_frame = layer and frames.placeholder.split_frame(rest)
-            (shots.setdefault(shot, []) if is_frame else others).append(file)
-        rows = []
-        for shot, members in shots.items():
-            row = self.buildFileSequence(os.fsencode(f"{shot} ({len(members)} files)"), range(len(members)),
-                                         tuple(members))
-            self.names[row.fileName()] = [file.fileName() for file in members]
-            rows.append(row)
+            shot = shot_of(file.fileName())
+            (shots.setdefault(shot, []) if shot else others).append(file)
+        names = {shot: os.fsencode(f"{shot} ({len(members)} files)") for shot, members in shots.items()}
+        rows = [self.buildFileSequence(names[shot], range(len(members)), tuple(members)) for shot, members in shots.items()]
         return tuple(rows) + self.builtInRows(tuple(others))
 
-    def files(self, path: str) -> List[str]:
-        folder, name = os.path.split(path)
-        if name in self.names:
-            return [os.path.join(folder, member) for member in self.names[name]]
-        return [file for entry in list_directory(folder) if entry.path == path for file in entry.files()]
+
+def shot_of(name: str) -> str:
+    shot, _, rest = name.partition("_")
+    return shot if frames.placeholder.split_frame(rest) else ""
+
+
+def files(path: str) -> List[str]:
+    """The files of a row: a file itself, those of a shot, or those of a sequence."""
+    if os.path.isfile(path):
+        return [path]
+    folder, row = os.path.split(path)
+    shot = re.fullmatch(r"(.+) \(\d+ files\)", row)
+    if shot:
+        return [file.path for file in list_directory(folder, collapse=False) if shot_of(file.name) == shot[1]]
+    return [file for entry in list_directory(folder) if entry.path == path for file in entry.files()]
 
 
 def choose(folder: str) -> List[str]:
@@ -50,7 +52,7 @@ def choose(folder: str) -> List[str]:
     dialog.setSequencesEnabled(True)
     dialog.fileBrowser().setFileSequenceEvaluator(shots)
     dialog.setDirectory(folder)
-    return [file for path in dialog.selectedFiles() for file in shots.files(path)] if dialog.exec() else []
+    return [file for path in dialog.selectedFiles() for file in files(path)] if dialog.exec() else []
 
 
 if __name__ == "__main__":

@@ -259,6 +259,11 @@ void FileBrowser::SetAssumeZeroPadding(bool assume)
     Private::s_classWide.assumeZeroPadding = assume;
 }
 
+bool FileBrowser::GetAssumeZeroPadding()
+{
+    return Private::s_classWide.assumeZeroPadding;
+}
+
 void FileBrowser::SetDefaultPath(const QString& path)
 {
     Private::s_classWide.defaultPath = path;

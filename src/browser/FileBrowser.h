@@ -159,6 +159,7 @@ public:
     static SequenceMode GetDefaultSequenceMode();
     /// Whether new browsers show unpadded frame numbers of one width with that width (default: no).
     static void SetAssumeZeroPadding(bool assume);
+    static bool GetAssumeZeroPadding();
     /// What a leading "." stands for in typed folders like "./shots/"; by default the working directory.
     static void SetDefaultPath(const QString& path);
 

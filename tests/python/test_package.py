@@ -1,6 +1,7 @@
 import os
 import subprocess
 import sys
+import typing
 
 import pytest
 from conftest import QTest, choose, rows, until
@@ -57,7 +58,8 @@ def test_several_threads_may_list_before_there_is_an_application(frames):
 
 
 @pytest.mark.parametrize("frames, text, missing", [
-    ("1-10x2,15", "1-9x2,15", "2-10x2,11-14"), ([3, 1, 2, 9, 2], "1-3,9", "4-8"), ((), "", "")])
+    ("1-10x2,15", "1-9x2,15", "2-10x2,11-14"), ([3, 1, 2, 9, 2], "1-3,9", "4-8"), ((), "", ""),
+    (range(10, 0, -3), "1-10x3", "2-3,5-6,8-9")])
 def test_holds_frames(frames, text, missing):
     ranges = FrameRanges(frames)
     assert str(ranges) == text and str(ranges.missing()) == missing and ranges == FrameRanges(text) and ranges != text
@@ -68,15 +70,20 @@ def test_holds_frames(frames, text, missing):
     pytest.raises(IndexError, lambda: ranges[len(numbers)])
 
 
+def test_finds_missing_frames_of_a_long_run_at_once():
+    assert FrameRanges("1-2000000000x2").missing().runs() == (range(2, 1999999999, 2),)
+
+
 def test_refuses_other_frames(capfd):
-    for frames, error in (("1-x", ValueError), ([2**31], OverflowError), (["1"], TypeError), (3, TypeError)):
+    for frames, error in (("1-x", ValueError), ([2**31], OverflowError), (["1"], TypeError), (3, TypeError),
+                          ("1\0-3", ValueError), (b"1-3", TypeError)):
         pytest.raises(error, FrameRanges, frames)
     assert capfd.readouterr().out == ""
 
 
 def test_reads_and_writes_placeholders():
-    assert placeholder.with_token("/a/img.####.exr") == "/a/img.%04d.exr"
-    assert placeholder.with_hashes("img.%04d.exr") == "img.####.exr"
+    assert placeholder.with_token("/take#2/img.####.exr") == "/take#2/img.%04d.exr"
+    assert placeholder.with_hashes("/a%02d/img.%04d.exr") == "/a%02d/img.####.exr"
     assert placeholder.with_frame("/take#2/\udce9.####.exr", 7) == "/take#2/\udce9.0007.exr"
     assert placeholder.split_range("/a b/img.####.exr 1-100") == ("/a b/img.####.exr", 1, 100)
     assert placeholder.split_frame("/v1/img.0042.exr") == ("/v1/img.####.exr", 42)
@@ -85,17 +92,33 @@ def test_reads_and_writes_placeholders():
 
 
 def test_signals_hand_over_entries_that_outlive_the_browser(open_browser, frames):
+    for name in ("b.1.png", "b.02.png", "b.003.png"):
+        (frames / name).touch()
+    (frames / "sub").mkdir()
     browser = open_browser(kind=FileBrowser)
     taken, infos = [], []
     browser.fileSelected.connect(lambda info, folder: (infos.append(info), taken.append(Entry.from_info(info, folder))))
     choose(browser, "sh010_a.#.exr 1-2")
     choose(browser, "notes.txt")
     assert browser.acceptance() is FileBrowser.Acceptance.Open
+    choose(browser, "b.###.png 1-3")
+    browser.setDirectory(frames / "sub")
     del browser
     open_browser().grab()
-    assert [info.fileName() for info in infos] == [entry.name for entry in taken] == ["sh010_a.#.exr 1-2", "notes.txt"]
-    assert taken[0].files() == [str(frames / f"sh010_a.{frame}.exr") for frame in (1, 2)]
-    assert taken[1].files() == [str(frames / "notes.txt")] and taken[1].frames == FrameRanges()
+    names = ["sh010_a.#.exr 1-2", "notes.txt", "b.###.png 1-3"]
+    listed = {entry.name: entry for entry in list_directory(frames)}
+    assert [info.fileName() for info in infos] == names + [str(frames / "sub")]
+    assert taken[:3] == [listed[name] for name in names]
+    assert [entry.files() for entry in taken[:3]] == [listed[name].files() for name in names] and taken[2].padding == 3
+    assert (taken[3].path, taken[3].name, taken[3].is_directory) == (str(frames / "sub"), "sub", True)
+    typing.get_type_hints(Entry.from_info)
+
+
+def test_names_no_files_that_it_does_not_know(frames):
+    row = CoreUI.FileInfo("sh010 (2 files)", True)
+    row.setSequenceName("sh010 (2 files)")
+    row.insertSequenceFile(0, None)
+    pytest.raises(LookupError, Entry.from_info(row, frames).files).match("sh010")
 
 
 def test_widgets_reach_what_the_library_overrides(frames):
@@ -124,9 +147,24 @@ def test_widgets_reach_what_the_library_overrides(frames):
     QTest.mouseClick(slider, QtCore.Qt.MouseButton.LeftButton, pos=slider.rect().center())
     assert moved[-1] == slider.value() > 1001 and slider.sizeHint().height() == 31
     for call in (browser.setDirectory, dialog.setDirectory, preview.previewFile, slider.setCacheFrames):
-        name = f"{type(call.__self__).__name__}.{call.__name__}"
-        assert call.__doc__.startswith(f"{name}()\n\n{call.__name__}("), "it stands in error messages"
-        pytest.raises(TypeError, call, 3).match(rf"{name}\(\): argument 1 has unexpected type 'int'")
+        name = rf"{type(call.__self__).__name__}.{call.__name__}\(\)"
+        pytest.raises(TypeError, call, 3).match(f"{name}: argument 1 has unexpected type 'int'")
+
+
+def test_calls_have_help_and_keywords():
+    assert CoreUI.add_sequence_extension.__doc__
+    for kind in (FileBrowser, FileDialog, CoreUI.FilePreview, CoreUI.FrameSlider):
+        own = set(dir(kind)) - set(dir(QtWidgets.QDialog))
+        calls = [name for name in own if not isinstance(getattr(kind, name), (type, QtCore.pyqtSignal))]
+        assert [name for name in calls if not (getattr(kind, name).__doc__ or "").startswith(
+            f"{kind.__name__}.{name}()\n\n{name}(")] == [], "help also stands in error messages"
+        assert len(calls) > 5
+    browser = FileBrowser()
+    browser.setFilters(filters=["*.exr"], refresh=False)
+    for call in (browser.setSequencesEnabled, browser.setMayNotExist, browser.setButtonsVisible, browser.setShowChooserTypes):
+        call(on=True)
+    browser.setFileSequenceEvaluator(evaluator=None)
+    FileBrowser.RemoveFavoriteDir(name="none", type=0)
 
 
 def test_lists_the_remembered_folder(frames):
@@ -148,15 +186,19 @@ def test_favorites_take_paths(tmp_path):
     pytest.raises(TypeError, FileBrowser.AddFavoriteDir, "x", "", 3)
 
 
-def test_evaluators_hand_files_back(open_browser):
+def test_evaluators_hand_files_back(open_browser, frames):
     class NotesFirst(CoreUI.FileSequenceEvaluator):
         def evaluateFiles(self, files):
             notes = tuple(file for file in files if "notes" in file.fileName())
             return notes + self.builtInRows(tuple(file for file in files if file not in notes))
 
     evaluator = NotesFirst()
+    (frames / "sh010_a.5.exr").touch()
     browser = open_browser(evaluator, FileBrowser)
-    assert sorted(rows(browser)) == ["notes.txt", "sh010_a.#.exr 1-2", "sh010_b.1.exr", "sh020_a.7.exr"]
-    files = tuple(CoreUI.FileInfo(f"a.{frame}.exr", False) for frame in (1, 2, 5, 6))
-    assert [row.fileName() for row in evaluator.builtInRows(files)] == ["a.#.exr 1-6"]
-    assert [row.fileName() for row in evaluator.builtInRows(files, split=True)] == ["a.#.exr 1-2", "a.#.exr 5-6"]
+    assert sorted(rows(browser)) == ["notes.txt", "sh010_a.#.exr 1-5 ( 1-2 5 )", "sh010_b.1.exr", "sh020_a.7.exr"]
+    files = tuple(CoreUI.FileInfo(f"a.{frame}.exr", False) for frame in (11, 12, 15, 16))
+    FileBrowser.SetAssumeZeroPadding(True)
+    row, = evaluator.builtInRows(files)
+    FileBrowser.SetAssumeZeroPadding(False)
+    assert row.fileName() == "a.##.exr 11-16" and Entry.from_info(row, frames).padding == 2
+    assert [row.fileName() for row in evaluator.builtInRows(files, split=True)] == ["a.#.exr 11-12", "a.#.exr 15-16"]

@@ -61,15 +61,26 @@ def test_library_is_loaded_once_by_a_host_with_python_in_it(frames, tmp_path):
     assert listed.splitlines() == ["notes.txt", "sh010 (3 files)", "sh020 (1 files)"]
 
 
-def test_imports_shots(frames):
+def test_imports_shots(frames, tmp_path):
+    names = ["sh010_a.1.exr", "sh010_a.2.exr", "sh010_b.1.exr"]
+    others = [tmp_path / "others" / f"sh010_x.{frame}.exr" for frame in (7, 8, 9)]
+    others[0].parent.mkdir()
+    for other in others:
+        other.touch()
+
     def act():
         dialog = QtWidgets.QApplication.activeModalWidget()
         choose(dialog, "sh010 (3 files)", "notes.txt")
+        dialog.findChild(QtWidgets.QPushButton, "nextButton").click()
+        dialog.setDirectory(others[0].parent)
+        dialog.findChild(QtWidgets.QCheckBox, "sequencesCheck").setChecked(False)
+        choose(dialog, others[2].name)
         dialog.accept()
 
     QtCore.QTimer.singleShot(100, act)
-    assert sorted(import_shots.choose(str(frames))) == [
-        str(frames / name) for name in ("notes.txt", "sh010_a.1.exr", "sh010_a.2.exr", "sh010_b.1.exr")]
+    chosen = import_shots.choose(str(frames))
+    assert sorted(chosen) == [str(frames / name) for name in ["notes.txt", *names]] + [str(others[2])]
+    assert import_shots.files(f"{others[0].parent}/sh010 (3 files)") == list(map(str, others))
 
 
 def test_reports_missing_frames(frames):

@@ -47,3 +47,4 @@ def report(entry: Entry) -> None:
     for other in list_directory(entry.folder, hidden=True):
         print(other.name.upper(), FrameRanges("1-10") == other.frames, other.missing.runs()[0].step)
     list_directory(entry.folder, collapsed=True)  # wrong
+    FrameRanges(7)  # wrong

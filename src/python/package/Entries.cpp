@@ -1,5 +1,6 @@
 #include "python/package/Entries.h"
 
+#include "browser/FileBrowser.h"
 #include "catalogue/FileInfo.h"
 #include "catalogue/FileManager.h"
 #include "frames/FrameRanges.h"
@@ -20,6 +21,7 @@ namespace Python {
 using Halvern::Base::FileHandle;
 using Halvern::Base::FrameRange;
 using Halvern::Base::FrameRanges;
+using Halvern::UI::FileBrowser;
 using Halvern::UI::FileInfo;
 using Halvern::UI::FileManager;
 namespace Placeholder = Halvern::UI::Placeholder;
@@ -38,6 +40,15 @@ PyObject* changed(PyObject* path, Change change)
 {
     const auto bytes = toBytes(path);
     return bytes ? fromName(change(QString::fromLatin1(*bytes)).toLatin1().constData()) : nullptr;
+}
+
+// The name after the last "/" changes. The folders before it stay.
+PyObject* withChangedName(PyObject* path, QString (*change)(const QString&))
+{
+    return changed(path, [change](const QString& text) {
+        const auto begin = text.lastIndexOf(QLatin1Char('/')) + 1;
+        return QString(text.left(begin) + change(text.mid(begin)));
+    });
 }
 
 PyObject* fromRuns(const FrameRanges& ranges)
@@ -88,13 +99,23 @@ PyObject* fromMemberNames(const Members& members)
     return names;
 }
 
-// Takes the reference to names.
-PyObject* makeRow(const FileInfo& info, const std::vector<FrameRange>& frames, PyObject* names)
+// The width of the placeholder in the name that is shown. An evaluator's row has only the name.
+int paddingOf(const FileInfo& info)
 {
-    return Py_BuildValue("(NNNNiKLN)", fromName(info.displayName()), PyBool_FromLong(info.isDirectory()),
+    if (!info.isSequence())
+        return 0;
+    return info.numberOfHashes() > 0 ? info.numberOfHashes()
+                                     : static_cast<int>(std::strspn(
+                                           info.displayName() + std::strcspn(info.displayName(), "#"), "#"));
+}
+
+// Takes the reference to names.
+PyObject* makeRow(const FileInfo& info, bool isDirectory, const std::vector<FrameRange>& frames,
+                  PyObject* names)
+{
+    return Py_BuildValue("(NNNNiKLN)", fromName(info.displayName()), PyBool_FromLong(isDirectory),
                          PyBool_FromLong(info.isSequence()), fromRuns(*FrameRanges::unite(frames)),
-                         info.isSequence() ? info.numberOfHashes() : 0, info.size(), info.modificationTime(),
-                         names);
+                         paddingOf(info), info.size(), info.modificationTime(), names);
 }
 
 std::vector<FrameRange> framesOf(const Members& members)
@@ -140,6 +161,7 @@ bool read(FileManager& manager, PyObject* path)
 PyObject* listDirectory(PyObject* path, bool collapse, bool split, bool hidden)
 {
     FileManager manager;
+    manager.setAssumeZeroPadding(FileBrowser::GetAssumeZeroPadding());
     if (!read(manager, path))
         return nullptr;
     std::vector<FileInfo*> entries = rowsOf(manager, listType(collapse, split));
@@ -153,7 +175,8 @@ PyObject* listDirectory(PyObject* path, bool collapse, bool split, bool hidden)
         if (isDots || (name[0] == '.' && !hidden))
             continue;
         const Members members = (*entry)->isSequence() ? shownMembers(**entry) : Members();
-        if (!append(rows, makeRow(**entry, framesOf(members), fromMemberNames(members)))) {
+        if (!append(rows,
+                    makeRow(**entry, (*entry)->isDirectory(), framesOf(members), fromMemberNames(members)))) {
             Py_DecRef(rows);
             return nullptr;
         }
@@ -161,7 +184,7 @@ PyObject* listDirectory(PyObject* path, bool collapse, bool split, bool hidden)
     return rows;
 }
 
-PyObject* describe(const FileInfo& info)
+PyObject* describe(const FileInfo& info, const QDir& folder)
 {
     std::vector<FrameRange> frames;
     if (info.isSequence()) {
@@ -169,17 +192,19 @@ PyObject* describe(const FileInfo& info)
         if (frames.empty() && info.parentSequence())
             frames.push_back({info.startFrame(), info.endFrame(), 1});
     }
-    return makeRow(info, frames, PyTuple_New(0));
+    const bool isKnown = info.isInfoValid() || info.isDirectory();
+    return makeRow(info, isKnown ? info.isDirectory() : info.isDirSafe(folder), frames, PyTuple_New(0));
 }
 
 PyObject* group(const std::vector<FileInfo*>& files, bool split)
 {
     FileManager rules;
+    rules.setAssumeZeroPadding(FileBrowser::GetAssumeZeroPadding());
     std::list<std::string> names;
     std::vector<int> indexes;
     PyObject* rows = PyList_New(0);
     const auto appendFile = [&rows](int index) {
-        return append(rows, Py_BuildValue("(O()(i))", Py_None, index));
+        return append(rows, Py_BuildValue("(Oi()(i))", Py_None, 0, index));
     };
     bool done = rows != nullptr;
     for (int i = 0; done && i < static_cast<int>(files.size()); ++i) {
@@ -212,12 +237,21 @@ PyObject* group(const std::vector<FileInfo*>& files, bool split)
             frames.push_back(frame);
             members.push_back(indexOf[member]);
         }
-        done = append(rows,
-                      Py_BuildValue("(yNN)", row->displayName(), fromNumbers(frames), fromNumbers(members)));
+        done = append(
+            rows, Py_BuildValue("(yiNN)",
+                                row->parentSequence() ? row->parentSequence()->fileName() : row->fileName(),
+                                row->numberOfHashes(), fromNumbers(frames), fromNumbers(members)));
     }
     if (!done)
         Py_DecRef(rows);
     return done ? rows : nullptr;
+}
+
+void nameAsBuiltIn(FileInfo& sequence, int hashes)
+{
+    sequence.setFrameInformation(0, 0, hashes);
+    sequence.invalidateSequenceName();
+    sequence.constructSequenceName();
 }
 
 PyObject* parseRuns(const char* text)
@@ -237,12 +271,12 @@ PyObject* uniteRuns(const std::vector<int>& runs)
 
 PyObject* withToken(PyObject* name)
 {
-    return changed(name, &Placeholder::withToken);
+    return withChangedName(name, &Placeholder::withToken);
 }
 
 PyObject* withHashes(PyObject* name)
 {
-    return changed(name, &Placeholder::withHashes);
+    return withChangedName(name, &Placeholder::withHashes);
 }
 
 PyObject* withFrame(PyObject* path, int frame)

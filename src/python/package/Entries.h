@@ -2,6 +2,7 @@
 
 #include "python/Conversions.h"
 
+#include <QDir>
 #include <new>
 #include <vector>
 
@@ -33,19 +34,25 @@ PyObject* guarded(Call call)
 /// threads run meanwhile.
 PyObject* listDirectory(PyObject* path, bool collapse, bool split, bool hidden);
 
-/// The row of one entry, without the names of a sequence's files: those may be gone.
-PyObject* describe(const Halvern::UI::FileInfo& info);
+/// The row of one entry, without the names of a sequence's files: those may be gone. If its attributes have
+/// not arrived, the disk is asked whether it is a directory in @p folder.
+PyObject* describe(const Halvern::UI::FileInfo& info, const QDir& folder);
 
-/// Groups files by the built-in rules. Returns a list of (name, frames, indexes in @p files): the name of a
-/// sequence as bytes, or None for a row that is one of the files. Null entries are left out.
+/// Groups files by the built-in rules. Returns a list of (pattern, hashes, frames, indexes in @p files): the
+/// pattern of a sequence as bytes, "shot.#.exr", or None for a row that is one of the files. Null entries are
+/// left out.
 PyObject* group(const std::vector<Halvern::UI::FileInfo*>& files, bool split);
+
+/// Gives a sequence that has a pattern as its name the name of the built-in rules: "shot.####.exr 1-100".
+void nameAsBuiltIn(Halvern::UI::FileInfo& sequence, int hashes);
 
 /// The runs of a text like "1-10x2,15". Raises ValueError for other text.
 PyObject* parseRuns(const char* text);
 /// The runs of the frames that are in any of @p runs. Raises ValueError for runs that are none.
 PyObject* uniteRuns(const std::vector<int>& runs);
 
-/// The functions of frames/Placeholder.h. Names are text or an os.PathLike, and keep their bytes.
+/// The functions of frames/Placeholder.h. Names are text or an os.PathLike, and keep their bytes. Folders
+/// before a name stay as they are.
 PyObject* withToken(PyObject* name);
 PyObject* withHashes(PyObject* name);
 PyObject* withFrame(PyObject* path, int frame);

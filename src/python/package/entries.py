@@ -1,13 +1,22 @@
 """Listing folders: entries as values of Python's own."""
 
 import os
+import sys
 from dataclasses import dataclass, field
-from typing import List, Tuple, Union
+from typing import TYPE_CHECKING, List, Tuple, Union
 
 from _HvMirefoldCoreUI import Halvern
 
 from . import _native
 from .frames import FrameRanges, placeholder
+
+if TYPE_CHECKING:
+    from ._native import PathOrDir
+    _Path = Union[str, os.PathLike[str]]
+else:  # for typing.get_type_hints()
+    _Path = Union[str, os.PathLike]
+    _binding = Halvern.UI.FileBrowser.__base__.__module__.partition(".")[0]
+    PathOrDir = Union[_Path, sys.modules[_binding + ".QtCore"].QDir]
 
 __all__ = ["Entry", "list_directory"]
 
@@ -23,10 +32,10 @@ class Entry:
     is_directory: bool
     is_sequence: bool
     frames: FrameRanges  # of a sequence; empty for all else
-    padding: int  # digits of a sequence's frame number; 1 if they differ
+    padding: int  # of a sequence the number of "#" in its name: 4 for frames 0001 and up, 1 for 1 and up; 0 for all else
     size: int  # bytes, of a sequence all its files together
     modified: int  # seconds since the epoch, of a sequence the latest
-    _names: Tuple[str, ...] = field(default=(), repr=False)
+    _names: Tuple[str, ...] = field(default=(), repr=False, compare=False)
 
     @property
     def path(self) -> str:
@@ -45,20 +54,32 @@ class Entry:
         return self.frames.missing()
 
     def files(self) -> List[str]:
-        """The paths of the files on disk, by frame. Those of an entry from from_info() are made of its pattern."""
+        """The paths of the files on disk, by frame.
+
+        For a sequence from from_info() it reads the folder again. LookupError if that has no such sequence with these
+        frames, as for a row that an evaluator has grouped by a rule of its own: only the evaluator knows its files.
+        """
         if not self.is_sequence:
             return [self.path]
-        if self._names:
-            return [os.path.join(self.folder, name) for name in self._names]
-        return [placeholder.with_frame(self.pattern, frame) for frame in self.frames]
+        return [os.path.join(self.folder, name) for name in self._names or self._names_on_disk()]
+
+    def _names_on_disk(self) -> List[str]:
+        frames = set(self.frames)
+        for entry in list_directory(self.folder, hidden=True):
+            if entry.is_sequence and entry.pattern == self.pattern and frames.issubset(entry.frames):
+                return [name for frame, name in zip(entry.frames, entry._names) if frame in frames]
+        raise LookupError("the files of {!r} are not known".format(self.path))
 
     @classmethod
-    def from_info(cls, info: Halvern.UI.FileInfo, folder: "_native.PathOrDir") -> "Entry":
+    def from_info(cls, info: Halvern.UI.FileInfo, folder: PathOrDir) -> "Entry":
         """What an entry of the native module says, for slots of fileSelected(info, folder) and for evaluators.
 
-        Size and time are 0 until they have arrived.
+        Size and time are 0 until they have arrived. Until then the disk is asked whether the entry is a folder.
         """
-        return cls._of(_native.describe(info), _native.path_text(folder))
+        place, row = _native.path_text(folder), _native.describe(info, folder)
+        parent, name = os.path.split(row[0])
+        # Going to a folder emits fileSelected() for its path.
+        return cls._of((name, *row[1:]), parent) if parent and name else cls._of(row, place)
 
     @classmethod
     def _of(cls, row: _Row, folder: str) -> "Entry":
@@ -66,8 +87,7 @@ class Entry:
         return cls(folder, name, is_directory, is_sequence, FrameRanges._of(runs), padding, size, modified, names)
 
 
-def list_directory(path: Union[str, "os.PathLike[str]"], collapse: bool = True, split: bool = False,
-                   hidden: bool = False) -> List[Entry]:
+def list_directory(path: _Path, collapse: bool = True, split: bool = False, hidden: bool = False) -> List[Entry]:
     """Reads a folder at once and returns its entries, ordered by the bytes of their names.
 
     collapse joins numbered files of the registered kinds into sequences, split makes an entry of each run of frames

@@ -19,7 +19,12 @@ class FileSequenceEvaluator(Halvern.UI.FileSequenceEvaluator):
         split makes a row of each run of frames without a gap.
         """
         rows = []
-        for name, frames, indexes in _native.group(files, split):
+        for pattern, hashes, frames, indexes in _native.group(files, split):
             members = tuple(files[index] for index in indexes)
-            rows.append(members[0] if name is None else self.buildFileSequence(name, frames, members))
+            if pattern is None:
+                rows.append(members[0])
+                continue
+            row = self.buildFileSequence(pattern, frames, members)
+            _native.name_as_built_in(row, hashes)
+            rows.append(row)
         return tuple(rows)

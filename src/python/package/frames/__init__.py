@@ -1,6 +1,5 @@
 """Frame numbers: sets of frames, and in `placeholder` what stands for a frame in a name."""
 
-from collections.abc import Sequence
 from itertools import chain
 from typing import Iterable, Iterator, List, Tuple, Union, overload
 import typing
@@ -15,13 +14,17 @@ class FrameRanges(typing.Sequence[int]):
     """A set of frames, of a text like "1-10x2,15,20-30" or of numbers: a sequence of int in ascending order.
 
     It does not change after it was made. A range takes the same memory however long it is. ValueError says what cannot
-    be read, OverflowError which number is beyond 32 bits.
+    be read, OverflowError which number is beyond 32 bits. Bytes are a TypeError.
     """
 
     __slots__ = ("_runs",)
 
     def __init__(self, frames: Union[str, Iterable[int]] = ()) -> None:
+        if isinstance(frames, (bytes, bytearray)):
+            raise TypeError("frames are text or whole numbers, not {}".format(type(frames).__name__))
         if isinstance(frames, str):
+            if "\0" in frames:
+                raise ValueError("Frame range {!r}: there is a null character".format(frames))
             runs = _native.parse_runs(frames)
         else:
             runs = _united(frames.runs() if isinstance(frames, FrameRanges) else _as_runs(frames))
@@ -33,11 +36,18 @@ class FrameRanges(typing.Sequence[int]):
 
     def missing(self) -> "FrameRanges":
         """The frames between the first and the last one that are not in the set."""
-        # A run with a step has a gap after each of its frames.
-        parts = list(chain.from_iterable([run] if run.step == 1 else (range(frame, frame + 1) for frame in run)
-                                         for run in self._runs))
-        gaps = (range(before[-1] + 1, after[0]) for before, after in zip(parts, parts[1:]))
-        return self._of(_united(gap for gap in gaps if gap))
+        return self._of(_united(self._gaps()))
+
+    def _gaps(self) -> Iterator[range]:
+        last = None
+        for run in self._runs:
+            if last is not None:
+                yield range(last + 1, run[0])
+            last = run[-1]
+            if run.step == 2:
+                yield range(run[0] + 1, last, 2)
+            elif run.step > 2:
+                yield from (range(frame + 1, frame + run.step) for frame in run[:-1])
 
     @classmethod
     def _of(cls, runs: Tuple[int, ...]) -> "FrameRanges":
