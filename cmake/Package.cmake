@@ -54,6 +54,9 @@ set(CPACK_DEBIAN_LIBRARY_PACKAGE_RECOMMENDS ${COREUI_PICTURES_PACKAGE})
 if(COREUI_QT EQUAL 5)
     set(CPACK_DEBIAN_LIBRARY_PACKAGE_CONTROL_EXTRA ${PROJECT_SOURCE_DIR}/cmake/debian/triggers)
 endif()
+configure_file(${PROJECT_SOURCE_DIR}/cmake/debian/overrides.in ${COREUI_PACKAGING_DIR}/${COREUI_LIBRARY_PACKAGE} @ONLY)
+install(FILES ${COREUI_PACKAGING_DIR}/${COREUI_LIBRARY_PACKAGE} DESTINATION share/lintian/overrides
+    COMPONENT library EXCLUDE_FROM_ALL)
 
 coreui_package(development libdevel "file browser for image sequences with Qt ${COREUI_QT} - development"
 "Headers, CMake package, documents and examples of the CoreUI components.")

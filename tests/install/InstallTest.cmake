@@ -46,7 +46,7 @@ foreach(package IN LISTS packages)
     endif()
     if(NOT Depends MATCHES "${expected}" OR Depends MATCHES libpython3 OR (Depends MATCHES openimageio AND NOT Package MATCHES "-pictures$")
         OR (NOT Package STREQUAL "lib${name}" AND NOT Depends MATCHES "lib${name} \\(= ${exactly}\\)")
-        OR NOT Version MATCHES "^[0-9.]+[+](0|git20[0-9]+[.][0-9a-f]+([.]changed[0-9]+)?)$"
+        OR NOT Version MATCHES "^[0-9.]+[+](0|git20[0-9]+[.][0-9]+[.][0-9a-f]+([.]changed[0-9]+)?)$"
         OR NOT (Replaces MATCHES "${name} \\(<<" OR Package MATCHES "^${name}"))
         message(FATAL_ERROR "${Package} ${Version} replaces ${Replaces} and depends on ${Depends}")
     endif()
@@ -61,7 +61,11 @@ list(SORT names)
 if(NOT names STREQUAL expected)
     message(FATAL_ERROR "the packages are ${names}")
 endif()
-run(${SOURCE_DIR}/install/upgrade ${WORK_DIR}/packages ${WORK_DIR}/upgrade)
+execute_process(COMMAND ${SOURCE_DIR}/install/upgrade ${WORK_DIR}/packages ${WORK_DIR}/upgrade
+    RESULT_VARIABLE upgrade OUTPUT_VARIABLE output ERROR_VARIABLE output)
+if(NOT upgrade MATCHES "^(0|77)$")
+    message(FATAL_ERROR "upgrade: ${upgrade}\n${output}")
+endif()
 
 # The archive has the same files. It is used in a folder that neither the build nor the packages name.
 run(${CMAKE_COMMAND} -DOUTPUT_DIR=${WORK_DIR}/archive -P ${BUILD_DIR}/Archive.cmake)
@@ -73,7 +77,7 @@ endforeach()
 set(prefix "${WORK_DIR}/some where/${name}")
 file(GLOB_RECURSE files LIST_DIRECTORIES false RELATIVE ${WORK_DIR}/root/usr ${WORK_DIR}/root/usr/*)
 file(GLOB_RECURSE unpacked LIST_DIRECTORIES false RELATIVE ${prefix} ${prefix}/*)
-list(FILTER files EXCLUDE REGEX "/(copyright|changelog[.]gz)$")
+list(FILTER files EXCLUDE REGEX "/(copyright|changelog[.]gz|lintian/overrides/[^/]+)$")
 set(packaged ${files} ${unpacked})
 list(REMOVE_ITEM packaged ${unpacked})
 list(REMOVE_ITEM unpacked ${files})
@@ -120,3 +124,8 @@ foreach(python_path IN LISTS python_paths)
         QT_QPA_PLATFORM=xcb XDG_CONFIG_HOME=${WORK_DIR}/config
         ${PYTHON} ${SOURCE_DIR}/install/try_package.py ${python_path} ${WORK_DIR}/frames)
 endforeach()
+
+# Only if all else passed.
+if(upgrade EQUAL 77)
+    message("The upgrade was skipped: it needs root or fakeroot.")
+endif()
