@@ -1,8 +1,10 @@
 #include <QApplication>
 #include <QDockWidget>
 #include <QMainWindow>
+#include <QTemporaryDir>
 #include <browser/FileBrowser.h>
 #include <catalogue/FileInfo.h>
+#include <fstream>
 #include <iostream>
 #include <widgets/AppSettings.h>
 
@@ -14,9 +16,12 @@ int main(int argc, char** argv)
     QApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
 #endif
     QApplication application(argc, argv);
+    const QTemporaryDir folder;
+    for (const char* name : {"shot.0001.exr", "shot.0002.exr", "shot.0004.exr"})
+        std::ofstream(folder.filePath(name).toStdString());
     // Class-wide settings, before the first browser is made.
     Halvern::UI::AppSettings::SetName("Comp");
-    FileBrowser::SetPreferencesPath(QDir::homePath() + "/.comp-favorites", "Comp");
+    FileBrowser::SetPreferencesPath(folder.filePath(".favorites"), "Comp");
     FileBrowser::SetHighlightColor(application.palette().color(QPalette::AlternateBase));
 
     QMainWindow window;
@@ -31,7 +36,7 @@ int main(int argc, char** argv)
     browser->setFilters(filters, false);
     browser->setAcceptButtonText("Import");
     browser->setAcceptButtonEnabled(true); // only FileDialog does this by itself
-    browser->setDirectory(QDir::current(), false, true);
+    browser->setDirectory(QDir(folder.path()), false, true);
 
     QObject::connect(browser, &FileBrowser::fileSelected, [](const Halvern::UI::FileInfo& info, QDir) {
         std::cout << "selected " << info.displayName() << std::endl;

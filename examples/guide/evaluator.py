@@ -30,14 +30,14 @@ class StereoPairs(FileSequenceEvaluator):
         return tuple(rows) + self.builtInRows(tuple(others))  # a list is refused
 
 
-folder = Path(tempfile.mkdtemp())
-for name in ("take.left.0001.exr", "take.right.0001.exr", "plate.0001.exr", "plate.0002.exr"):
-    (folder / name).touch()
-application = QApplication(sys.argv)
-evaluator = StereoPairs()  # the browser does not keep it alive
-browser = FileBrowser()
-browser.setSequencesEnabled(True)
-browser.setFileSequenceEvaluator(evaluator)
-browser.setDirectory(folder)
-browser.show()
-sys.exit(application.exec())
+with tempfile.TemporaryDirectory() as folder:
+    for name in ("take.left.0001.exr", "take.right.0001.exr", "plate.0001.exr", "plate.0002.exr"):
+        (Path(folder) / name).touch()
+    application = QApplication(sys.argv)
+    evaluator = StereoPairs()  # the browser does not keep it alive
+    browser = FileBrowser()
+    browser.setSequencesEnabled(True)
+    browser.setFileSequenceEvaluator(evaluator)
+    browser.setDirectory(folder)
+    browser.show()
+    sys.exit(application.exec())

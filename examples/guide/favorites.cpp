@@ -1,4 +1,5 @@
 #include <QApplication>
+#include <QTemporaryDir>
 #include <browser/FileBrowser.h>
 #include <iostream>
 
@@ -17,7 +18,8 @@ public:
 int main(int argc, char** argv)
 {
     QApplication application(argc, argv);
-    FileBrowser::SetPreferencesPath(QDir::tempPath() + "/comp-favorites", "Comp");
+    const QTemporaryDir folder;
+    FileBrowser::SetPreferencesPath(folder.filePath("favorites"), "Comp");
     FileBrowser::SetDefaultFavoritePaths("", "/", "", "/opt/comp", false);
     FileBrowser::SetFavoriteExpressionEvaluator(new ShowPaths); // the browsers own it
     FileBrowser::InitFavs();

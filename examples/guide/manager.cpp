@@ -1,6 +1,8 @@
 #include <QCoreApplication>
+#include <QTemporaryDir>
 #include <catalogue/FileInfo.h>
 #include <catalogue/FileManager.h>
+#include <fstream>
 #include <iostream>
 
 using namespace Halvern::UI;
@@ -8,6 +10,9 @@ using namespace Halvern::UI;
 int main(int argc, char** argv)
 {
     QCoreApplication application(argc, argv);
+    const QTemporaryDir folder;
+    for (const char* name : {"shot.0001.exr", "shot.0002.exr", "shot.0004.exr"})
+        std::ofstream(folder.filePath(name).toStdString());
     FileManager manager;
     // Names arrive first. Sizes and times follow in batches.
     QObject::connect(&manager, &FileManager::refreshList, [&] {
@@ -25,7 +30,7 @@ int main(int argc, char** argv)
         std::cout << bytes << " bytes" << std::endl;
         application.quit();
     });
-    if (!manager.getFilesFromFolder(".", false))
+    if (!manager.getFilesFromFolder(folder.path().toStdString(), false))
         return 1;
     return application.exec();
 }
