@@ -31,10 +31,10 @@ using FrameNumber = qint32;
 ///   sliderRangeReset().
 ///
 /// "The view" is the visible range, "the play range" lies from the in to the out point, and "the frame range"
-/// is the whole range. Setters emit nothing: signals report what the user did. A slot of any signal may
-/// delete the slider. All sliders share the drag in progress, the colours and the key frames. A disabled
-/// slider is drawn in its palette's text colour. The tooltip lists the mouse actions. GUI thread only. The
-/// slider is 31 pixels high and as wide as its layout allows.
+/// is the whole range. Setters emit nothing, except setScrubbing(): the other signals report what the user
+/// did. A slot of any signal may delete the slider. All sliders share the drag in progress, the colours and
+/// the key frames. A disabled slider is drawn in its palette's text colour. The tooltip lists the mouse
+/// actions. GUI thread only. The slider is 31 pixels high and as wide as its layout allows.
 class HVCOREUI_EXPORT FrameSlider : public QWidget
 {
     Q_OBJECT
