@@ -165,9 +165,8 @@ public:
 
     /// The favourites of the process, in the order of the panels; null until something needed it.
     static QList<Favorite>* Favorites();
-    /// The file of the persistent favourites (empty: none), and the product's name for its header and for
-    /// the favourite of the product's folder. To be called before the first browser is made; later,
-    /// LoadFavorites() and SaveFavorites() use it at once.
+    /// The file of the persistent favourites (empty: none), and the product's name for its header and for the
+    /// favourite of its folder. Called before the first browser is made; later, loads and saves use it.
     static void SetPreferencesPath(const QString& path, const QString& productName);
     /// Folders of the default favourites Home, Root, Current and of the product; the home folder and the
     /// working directory stand in for empty ones. @p persist says whether they are kept in the file. A new
