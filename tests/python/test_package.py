@@ -91,6 +91,12 @@ def test_reads_and_writes_placeholders():
     pytest.raises(TypeError, placeholder.with_token, None).match("NoneType")
 
 
+class Preview(QtWidgets.QLabel):
+    @QtCore.pyqtSlot(CoreUI.FileInfo, QtCore.QDir)
+    def fileSelected(self, info, folder):
+        self.setText(Entry.from_info(info, folder).path)
+
+
 def test_signals_hand_over_entries_that_outlive_the_browser(open_browser, frames):
     for name in ("b.1.png", "b.02.png", "b.003.png"):
         (frames / name).touch()
@@ -99,8 +105,10 @@ def test_signals_hand_over_entries_that_outlive_the_browser(open_browser, frames
     taken, infos = [], []
     browser.fileSelected.connect(lambda info, folder: (infos.append(info), taken.append(Entry.from_info(info, folder))))
     choose(browser, "sh010_a.#.exr 1-2")
+    preview = Preview()
+    browser.setPreviewWidget(preview)
     choose(browser, "notes.txt")
-    assert browser.acceptance() is FileBrowser.Acceptance.Open
+    assert browser.acceptance() is FileBrowser.Acceptance.Open and preview.text() == str(frames / "notes.txt")
     choose(browser, "b.###.png 1-3")
     browser.setDirectory(frames / "sub")
     del browser
