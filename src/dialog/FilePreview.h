@@ -20,7 +20,8 @@ struct Picture;
 /// visible: what was selected before is looked at when it is shown. PictureReader reads the pictures; while
 /// the pane is hidden it has no process and keeps no picture. The picture before stays until the next one is
 /// read. The label is empty until then, and then says what is shown, or why nothing is: "No preview
-/// available." if the file is missing or of a kind that is never shown.
+/// available." if the file is missing or of a kind that is never shown. A text that is too long for the pane
+/// is painted with "…" at its end; the label's tooltip is the whole text.
 ///
 /// The slider has no in and out marks. It shows the range of the sequence that was selected last, until its
 /// user zooms or its host calls updateRange(); its head stays. If the sequence grows, which is selected again
