@@ -5,7 +5,6 @@
 #include "browser/DirectoryModel.h"
 #include "browser/FileBrowserPrivate.h"
 #include "browser/ListNotice.h"
-#include "browser/PickListLine.h"
 #include "browser/ProxyModel.h"
 #include "frames/Placeholder.h"
 #include "paths/Path.h"
@@ -18,24 +17,18 @@
 #include <QFileInfo>
 #include <QLabel>
 #include <QPushButton>
-#include <QScopedValueRollback>
 #include <algorithm>
-#include <cstring>
 
 namespace Halvern::UI {
 
-namespace {
-
 // The part of the filename field's text after its last separator, which narrows the listing.
-QString namePrefixOf(const QString& text)
+QString FileBrowser::Private::namePrefixOf(const QString& text)
 {
     auto separator = text.lastIndexOf(QLatin1Char('/'));
     if (separator < 0 || text.endsWith(QLatin1Char('\\')))
         separator = text.lastIndexOf(QLatin1Char('\\'));
     return text.mid(separator + 1);
 }
-
-} // namespace
 
 void FileBrowser::refresh()
 {
@@ -44,7 +37,7 @@ void FileBrowser::refresh()
     d->m_proxy->setNamePrefix(QString());
     d->m_model->setDirectory(d->m_directory, getSequenceMode(), false);
     d->m_proxy->setFilterBlocked(d->m_filterBlock);
-    d->m_proxy->setNamePrefix(namePrefixOf(d->m_controls.filenameEdit->text()));
+    d->m_proxy->setNamePrefix(Private::namePrefixOf(d->m_controls.filenameEdit->text()));
     d->m_proxy->setFilterPattern(d->m_controls.filterCombo->currentText());
     d->m_proxy->apply();
     d->m_filesList->clearSelection();
@@ -103,6 +96,37 @@ void FileBrowser::Private::awaitChoice()
     m_awaited.selected.unite(choice.selected);
     if (!choice.current.first.isEmpty())
         m_awaited.current = choice.current;
+    const QModelIndex shown = shownSequence();
+    if (shown.isValid()) {
+        m_awaited.text = m_controls.filenameEdit->text();
+        m_awaited.textRow = m_filesList->nameOf(shown.row());
+    }
+}
+
+// The selected sequence whose path the filename field shows, which selectedFiles() gives beside the selected
+// rows; invalid if there is none.
+QModelIndex FileBrowser::Private::shownSequence() const
+{
+    const QItemSelection& selection = m_filesList->selectionModel()->selection();
+    const bool isSingle = selection.size() == 1 && selection.first().height() == 1;
+    if (!isSingle && q->getSequenceMode() == SequenceMode::Expanded)
+        return {};
+    const QString text = m_controls.filenameEdit->text();
+    const QModelIndexList rows = m_filesList->selectedSourceRows();
+    const auto shown = std::find_if(rows.begin(), rows.end(), [&](const QModelIndex& row) {
+        return (isSingle || m_model->entry(row.row())->isSequence()) &&
+               normalizeFile(m_model->getFullFilePath(row)) == text;
+    });
+    return shown == rows.end() ? QModelIndex() : *shown;
+}
+
+void FileBrowser::Private::chooseAwaited()
+{
+    m_filesList->choose(m_awaited);
+    QLineEdit& edit = *m_controls.filenameEdit;
+    const int row = edit.text() == m_awaited.text ? m_filesList->find(m_awaited.textRow) : -1;
+    if (row >= 0)
+        showText(normalizeFile(m_model->getFullFilePath(row)));
 }
 
 void FileBrowser::setFilterBlock(bool block)
@@ -179,7 +203,7 @@ void FileBrowser::Private::buildRows()
     awaitChoice();
     m_model->buildRunningList();
     if (m_model->isListReady())
-        m_filesList->choose(m_awaited);
+        chooseAwaited();
     // Names that are still to come, or that a failed read did not give, may be among the awaited ones.
     if (m_model->isListReady() && !m_model->isReading() && m_model->readError() == 0)
         m_awaited = {};
@@ -229,75 +253,16 @@ void FileBrowser::Private::showArrivedAttributes()
     m_attributesTimer.setInterval(std::max(ShortestPause, PauseFactor * static_cast<int>(timer.elapsed())));
 }
 
-// The rows are about to change in place. If the filename field shows the path of the row that is selected, it
-// goes on to do so. It is set at the end, because its text is announced to the host.
-void FileBrowser::Private::beginUpdate(const RowChanges& changes, const DirectoryRows& rows)
+// Puts another path into the filename field, with the cursor where it was.
+void FileBrowser::Private::showText(const QString& text)
 {
-    m_rowsUpdating = true;
-    updatePickList(changes, rows);
-    const QItemSelection& selection = m_filesList->selectionModel()->selection();
-    if (selection.size() != 1 || selection.first().height() != 1)
+    QLineEdit& edit = *m_controls.filenameEdit;
+    const int cursor = edit.cursorPosition();
+    if (edit.text() == text)
         return;
-    const int row = m_proxy->mapToSource(selection.first().topLeft()).row();
-    if (!m_model->entry(row) || changes.vanishes(row))
-        return;
-    const auto place = static_cast<std::size_t>(changes.places()[static_cast<std::size_t>(row)]);
-    const QString before = normalizeFile(m_model->getFullFilePath(row));
-    const QString after = normalizeFile(m_model->getFullFilePath(*rows.entries[place]));
-    if (after == before || m_controls.filenameEdit->text() != before)
-        return;
-    m_choiceUpdated = true;
-    m_updatedText = after;
-    if (m_proxy->namePrefix() == Placeholder::withHashes(namePrefixOf(before)).toStdString())
-        m_proxy->setNamePrefix(namePrefixOf(after));
-}
-
-// Sequences in the pick list that have other frames from now on stay in it.
-void FileBrowser::Private::updatePickList(const RowChanges& changes, const DirectoryRows& rows)
-{
-    QHash<QString, QString> successors;
-    for (int row = 0; row < changes.rowsBefore() && !m_pickList.isEmpty(); ++row) {
-        const auto place = static_cast<std::size_t>(changes.places()[static_cast<std::size_t>(row)]);
-        const FileInfo* before = m_model->entry(row);
-        const FileInfo* after = changes.vanishes(row) ? nullptr : rows.entries[place];
-        if (!before || !after || std::strcmp(before->displayName(), after->displayName()) == 0)
-            continue;
-        const QString path = normalizeFile(m_model->getFullFilePath(*before));
-        if (m_pickList.contains(path))
-            successors.insert(path, normalizeFile(m_model->getFullFilePath(*after)));
-    }
-    if (successors.isEmpty())
-        return;
-    m_pickList.replace(successors);
-    m_pickListUpdated = true;
-}
-
-// All rows are in their places. Whoever is told of what changed may change the browser.
-void FileBrowser::Private::endUpdate(bool succeeded)
-{
-    if (!std::exchange(m_rowsUpdating, false))
-        return;
-    const bool isChoiceUpdated = std::exchange(m_choiceUpdated, false);
-    const bool isPickListUpdated = std::exchange(m_pickListUpdated, false);
-    if (isPickListUpdated)
-        m_controls.pickListLine->showPaths(m_pickList.paths());
-    const QScopedValueRollback<bool> known(m_rowsKnow, succeeded);
-    const QString text = std::exchange(m_updatedText, {});
-    if (succeeded && !m_awaited.isEmpty()) {
-        awaitChoice();
-        m_filesList->choose(std::exchange(m_awaited, {}));
-    }
-    if (!text.isEmpty()) {
-        QLineEdit& edit = *m_controls.filenameEdit;
-        const int cursor = edit.cursorPosition();
-        edit.setText(text);
-        if (edit.text() == text)
-            edit.setCursorPosition(cursor);
-    }
-    if (isChoiceUpdated)
-        q->fileSelectionChanged();
-    else if (isPickListUpdated)
-        emit q->choiceChanged();
+    edit.setText(text);
+    if (edit.text() == text)
+        edit.setCursorPosition(cursor);
 }
 
 void FileBrowser::Private::showNotice()

@@ -70,6 +70,7 @@ public:
 
     // FileBrowserNavigation.cpp
     static bool isOnDisk(const QDir& dir);
+    static QString namePrefixOf(const QString& text);
     void awaitFolder(const QDir& left);
     void clearFilterBlock();
     void completeTypedName();
@@ -80,6 +81,9 @@ public:
     bool isAwaited() const;
     bool awaitsSelection() const;
     void awaitChoice();
+    void chooseAwaited();
+    void showText(const QString& text);
+    QModelIndex shownSequence() const;
     bool isAcceptable() const;
     bool isTypedFolder() const;
     bool isAcceptable(const FileInfo& info) const;
@@ -112,9 +116,14 @@ public:
     bool m_listed = false; // refresh() ran, and no directory was set without it since
 
     // What is done when the list of the present read is there.
-    FilesList::Choice m_awaited; // rows to be found again
-    QString m_updatedText;       // of the filename field when all rows are in their places; empty if it stays
-    bool m_awaitsTop = false;    // a list of another folder is shown from its top
+    /// Rows to be found again. If the filename field shows the path of one of several, it goes on to do so.
+    struct Awaited : FilesList::Choice
+    {
+        QString text;
+        FilesList::RowName textRow;
+    } m_awaited;
+    QString m_updatedText;    // of the filename field when all rows are in their places; empty if it stays
+    bool m_awaitsTop = false; // a list of another folder is shown from its top
     bool m_awaitsTypedRow = false;
     bool m_rowsUpdating = false; // what is chosen is looked at when all rows are in their places
     bool m_choiceUpdated = false;

@@ -4,6 +4,14 @@
 
 #include "browser/DirectoryModel.h"
 #include "browser/FileBrowserPrivate.h"
+#include "browser/PickListLine.h"
+#include "browser/ProxyModel.h"
+#include "frames/Placeholder.h"
+#include "widgets/FilePathEdit.h"
+
+#include <QScopedValueRollback>
+#include <cstring>
+#include <utility>
 
 namespace Halvern::UI {
 
@@ -55,6 +63,70 @@ void FileBrowser::Private::noteReading()
     const bool failed = m_model->readError() != 0;
     if (!m_model->isReading() && !m_model->isUpdating() && (failed || m_model->hasAllAttributes()))
         m_watch.endRead(0, !failed);
+}
+
+// The rows are about to change in place. If the filename field shows the path of a selected row, it goes on
+// to do so. It is set at the end, because its text is announced to the host.
+void FileBrowser::Private::beginUpdate(const RowChanges& changes, const DirectoryRows& rows)
+{
+    m_rowsUpdating = true;
+    updatePickList(changes, rows);
+    const int row = shownSequence().row();
+    if (row < 0 || changes.vanishes(row))
+        return;
+    const auto place = static_cast<std::size_t>(changes.places()[static_cast<std::size_t>(row)]);
+    const QString before = normalizeFile(m_model->getFullFilePath(row));
+    const QString after = normalizeFile(m_model->getFullFilePath(*rows.entries[place]));
+    if (after == before)
+        return;
+    m_choiceUpdated = true;
+    m_updatedText = after;
+    if (m_proxy->namePrefix() == Placeholder::withHashes(namePrefixOf(before)).toStdString())
+        m_proxy->setNamePrefix(namePrefixOf(after));
+}
+
+// Sequences in the pick list that have other frames from now on stay in it.
+void FileBrowser::Private::updatePickList(const RowChanges& changes, const DirectoryRows& rows)
+{
+    QHash<QString, QString> successors;
+    for (int row = 0; row < changes.rowsBefore() && !m_pickList.isEmpty(); ++row) {
+        const auto place = static_cast<std::size_t>(changes.places()[static_cast<std::size_t>(row)]);
+        const FileInfo* before = m_model->entry(row);
+        const FileInfo* after = changes.vanishes(row) ? nullptr : rows.entries[place];
+        if (!before || !after || std::strcmp(before->displayName(), after->displayName()) == 0)
+            continue;
+        const QString path = normalizeFile(m_model->getFullFilePath(*before));
+        if (m_pickList.contains(path))
+            successors.insert(path, normalizeFile(m_model->getFullFilePath(*after)));
+    }
+    if (successors.isEmpty())
+        return;
+    m_pickList.replace(successors);
+    m_pickListUpdated = true;
+}
+
+// All rows are in their places. Whoever is told of what changed may change the browser.
+void FileBrowser::Private::endUpdate(bool succeeded)
+{
+    if (!std::exchange(m_rowsUpdating, false))
+        return;
+    const bool isChoiceUpdated = std::exchange(m_choiceUpdated, false);
+    const bool isPickListUpdated = std::exchange(m_pickListUpdated, false);
+    if (isPickListUpdated)
+        m_controls.pickListLine->showPaths(m_pickList.paths());
+    const QScopedValueRollback<bool> known(m_rowsKnow, succeeded);
+    const QString text = std::exchange(m_updatedText, {});
+    if (succeeded && !m_awaited.isEmpty()) {
+        awaitChoice();
+        chooseAwaited();
+        m_awaited = {};
+    }
+    if (!text.isEmpty())
+        showText(text);
+    if (isChoiceUpdated)
+        q->fileSelectionChanged();
+    else if (isPickListUpdated)
+        emit q->choiceChanged();
 }
 
 } // namespace Halvern::UI

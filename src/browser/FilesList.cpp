@@ -226,6 +226,12 @@ QSet<int> FileBrowser::FilesList::find(const QSet<RowName>& names) const
     return found;
 }
 
+int FileBrowser::FilesList::find(const RowName& name) const
+{
+    const QSet<int> found = name.first.isEmpty() ? QSet<int>() : find(QSet<RowName>{name});
+    return found.isEmpty() ? -1 : *found.begin();
+}
+
 void FileBrowser::FilesList::choose(const Choice& choice)
 {
     if (choice.isEmpty())
@@ -241,11 +247,7 @@ void FileBrowser::FilesList::choose(const Choice& choice)
         selection.select(m_proxy->index(*first, 0), m_proxy->index(*last, DirectoryModel::ColumnCount - 1));
         first = last + 1;
     }
-    QModelIndex current;
-    if (!choice.current.first.isEmpty()) {
-        for (const int source : find({choice.current}))
-            current = m_proxy->mapFromSource(m_model->index(source, 0));
-    }
+    const QModelIndex current = m_proxy->mapFromSource(m_model->index(find(choice.current), 0));
     const bool scrolls = hasAutoScroll();
     setAutoScroll(false);
     selectionModel()->setCurrentIndex(current, QItemSelectionModel::NoUpdate);

@@ -49,6 +49,9 @@ public:
     /// A sequence that has other frames by now is found by its name without the range, once all names are
     /// read and if one row alone has that name. The scroll position stays.
     void choose(const Choice& choice);
+    /// The source row that choose() would select for this name; -1 for none.
+    int find(const RowName& name) const;
+    RowName nameOf(int sourceRow) const;
 
     /// A text in the middle of the list, in place of rows; empty for none.
     void setNotice(const QString& text);
@@ -83,7 +86,6 @@ private:
     bool navigates(const QKeyEvent& event);
     bool sorts(const QKeyEvent& event);
     QModelIndex nextStaying(QModelIndex index, const RowChanges& changes) const;
-    RowName nameOf(int sourceRow) const;
     QSet<int> find(const QSet<RowName>& names) const;
 
     DirectoryModel* m_model;
