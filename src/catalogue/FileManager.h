@@ -48,7 +48,7 @@ public:
     /// if nothing begins, for lack of memory or from within a synchronous read.
     bool readAgain(const std::string& path, KnownFiles known);
     bool isUnchanged() const;      ///< Whether readAgain() found just what was known.
-    KnownFiles knownFiles() const; ///< What the last read found, if it succeeded.
+    KnownFiles knownFiles() const; ///< What the last read found; empty if it failed or is under way.
     /// Forgets every entry, and gives back their memory but for what the next small directory needs.
     void release();
     /// Why the listing of the current directory is empty or incomplete: an error number of the system, ENOMEM

@@ -2,7 +2,6 @@
 
 #include "catalogue/FileGatherer.h"
 #include "catalogue/FileManager.h"
-#include "catalogue/KnownFiles.h"
 #include "catalogue/NameOrder.h"
 #include "catalogue/SequenceIndex.h"
 
@@ -47,7 +46,6 @@ struct FileManager::Private
 
     void insert(const NameBatch& names);
     void takeNames();
-    FileGatherer::InfoQueue::BatchPointer takeInfos();
     bool prepareList();
     void trimPool();
 
@@ -59,7 +57,6 @@ struct FileManager::Private
     QTimer m_arrivalsTimer; // its timeout begins the next turn
     QElapsedTimer m_turn;
     FileGatherer::NameQueue::BatchPointer m_pendingNames;
-    KnownFiles m_files;                     // as the worker read them
     std::unique_ptr<NameOrder> m_nameOrder; // of all files; null if it is not wanted
     int m_readError = 0;
     unsigned m_generation = 0;

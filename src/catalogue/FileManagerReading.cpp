@@ -39,16 +39,8 @@ void FileManager::Private::insert(const NameBatch& names)
 
 void FileManager::Private::takeNames()
 {
-    if (const auto names = m_gatherer.takeNames()) {
+    if (const auto names = m_gatherer.takeNames())
         insert(*names);
-        m_files.add(names);
-    }
-}
-
-FileGatherer::InfoQueue::BatchPointer FileManager::Private::takeInfos()
-{
-    auto infos = m_gatherer.takeInfos();
-    return infos && attempt([&] { m_files.add(infos); }) ? infos : nullptr;
 }
 
 // Does what is left to do when all names are taken; false if the turn is over before all is done.
@@ -129,7 +121,18 @@ bool FileManager::isUnchanged() const
 
 KnownFiles FileManager::knownFiles() const
 {
-    return d->m_readError == 0 ? d->m_files : KnownFiles();
+    if (d->m_readError != 0 || !isInfoComplete())
+        return {};
+    try {
+        KnownFiles files;
+        std::vector<FileInfo*> entries;
+        d->m_index.rows(entries, Base::FileHandle::AllFiles);
+        for (const FileInfo* entry : entries)
+            files.add(entry->fileName(), {entry->size(), entry->isDirectory(), entry->modificationTime()});
+        return files;
+    } catch (const std::bad_alloc&) {
+        return {};
+    }
 }
 
 void FileManager::release()
@@ -148,7 +151,6 @@ void FileManager::cleanData()
     // Freeing a node for each of a million files takes longer than a click may.
     if (left.isLarge())
         Base::callInBackground([left = std::move(left)] {});
-    d->m_files = {};
     d->m_nameOrder.reset();
     if (d->m_namesOrdered)
         d->attempt([this] { d->m_nameOrder = std::make_unique<NameOrder>(); });
@@ -204,14 +206,14 @@ void FileManager::fileNameBatchReady()
 
 void FileManager::fileInfoBatchReady()
 {
-    const auto infos = d->takeInfos();
+    const auto infos = d->m_gatherer.takeInfos();
     updateInfo(infos.get(), true);
 }
 
 void FileManager::fileNameFinished(bool withInfo)
 {
     if (withInfo) {
-        const auto infos = d->takeInfos();
+        const auto infos = d->m_gatherer.takeInfos();
         updateInfo(infos.get(), false);
     }
     const QPointer<FileManager> alive = d->m_self;

@@ -4,7 +4,6 @@
 #include "catalogue/NameBatch.h"
 
 #include <atomic>
-#include <memory>
 #include <optional>
 #include <set>
 #include <string>
@@ -18,7 +17,7 @@ namespace Halvern::UI {
 using ChangedNames = std::optional<std::set<std::string>>;
 
 /// What a read of a directory found, and which of it may have changed since. The next read of the directory
-/// asks the disk only for that. A plain value; copies share the batches, which do not change.
+/// asks the disk only for that.
 class KnownFiles
 {
 public:
@@ -30,13 +29,8 @@ public:
     /// The names are borrowed.
     using ByName = std::unordered_map<std::string_view, File>;
 
-    /// The next batch of names, in reading order.
-    void add(std::shared_ptr<const NameBatch> names);
-    /// The next batch of attributes, in the order of the names.
-    void add(std::shared_ptr<const std::vector<FileInfoWrapper>> infos);
-    /// Whether all names have attributes.
-    bool isComplete() const { return m_nameCount == m_infoCount; }
-
+    /// The next file in reading order. Throws `std::bad_alloc`.
+    void add(const char* name, const FileInfoWrapper& info);
     /// @p names changed since the read began. Changes may have gone unnoticed, so a part of the other files
     /// counts as changed too: another part with each @p round, and each file in one of 16 rounds.
     void setChanged(ChangedNames names, unsigned round);
@@ -45,10 +39,8 @@ public:
     ByName byName(const std::atomic<bool>& keepRunning) const;
 
 private:
-    std::vector<std::shared_ptr<const NameBatch>> m_names;
-    std::vector<std::shared_ptr<const std::vector<FileInfoWrapper>>> m_infos;
-    std::size_t m_nameCount = 0;
-    std::size_t m_infoCount = 0;
+    NameBatch m_names;
+    std::vector<FileInfoWrapper> m_infos;
     ChangedNames m_changed;
     unsigned m_round = 0;
 };
