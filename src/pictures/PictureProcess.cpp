@@ -6,6 +6,12 @@ namespace Halvern::UI {
 
 using namespace PictureProtocol;
 
+namespace {
+
+constexpr int TimeToEnd = 50; // milliseconds, for a program that was killed
+
+} // namespace
+
 PictureProcess::PictureProcess()
     : m_process(new QProcess)
 {
@@ -25,6 +31,12 @@ PictureProcess::PictureProcess()
     connect(m_process, &QProcess::errorOccurred, this, [this, failToStart](QProcess::ProcessError error) {
         if (error == QProcess::FailedToStart)
             QTimer::singleShot(0, this, failToStart);
+        // The program has ended or reads no more. QProcess would watch the pipe that it has closed, with a
+        // warning, until it knows of the end.
+        if (error == QProcess::WriteError) {
+            m_process->kill();
+            waitForEnd(TimeToEnd);
+        }
     });
 }
 
