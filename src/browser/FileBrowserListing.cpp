@@ -103,8 +103,8 @@ void FileBrowser::Private::awaitChoice()
     }
 }
 
-// The selected sequence whose path the filename field shows, which selectedFiles() gives beside the selected
-// rows; invalid if there is none.
+// The selected row whose path the filename field shows; invalid if there is none. Of several selected rows
+// only sequences count, because only their paths change when the directory is read again.
 QModelIndex FileBrowser::Private::shownSequence() const
 {
     const QItemSelection& selection = m_filesList->selectionModel()->selection();

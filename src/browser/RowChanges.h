@@ -61,7 +61,6 @@ public:
     /// The new rows, by their rows after, ascending.
     std::vector<Range> added() const;
     int rowsBefore() const { return m_before; }
-    int rowsAfter() const { return m_after; }
 
 private:
     int m_before = 0;
