@@ -45,23 +45,6 @@ class DirectoryModelTest : public Test
 private slots:
     void init() { AppSettings().clear(); }
 
-    void modelsAreConsistent()
-    {
-        const SampleFolder first("a%d.txt", 1, 300);
-        const SampleFolder second{"b"};
-        BrowserWindow window(first.path());
-        const auto mode = QAbstractItemModelTester::FailureReportingMode::Warning;
-        const QAbstractItemModelTester model(window.model(), mode);
-        const QAbstractItemModelTester proxy(window.proxy(), mode);
-        QTRY_COMPARE(window.rows().size(), 300);
-        window.browser.setDirectory(QDir(second.path()), false, true);
-        QTRY_COMPARE(window.rows(), QStringList("b"));
-        window.control<QCheckBox>("sequencesCheck")->click();
-        window.list()->sortByColumn(1, Qt::DescendingOrder);
-        window.browser.setDirectory(QDir(first.path()), false, true);
-        QTRY_COMPARE(window.rows().size(), 300);
-    }
-
     void filtersRows()
     {
         const SampleFolder folder{"dark/",     "day.01.exr", "day.02.exr",
@@ -171,6 +154,9 @@ private slots:
         const SampleFolder folder{"a", "b"};
         const SampleFolder other{"c", "d"};
         BrowserWindow window(folder.path());
+        const auto mode = QAbstractItemModelTester::FailureReportingMode::Warning;
+        const QAbstractItemModelTester model(window.model(), mode);
+        const QAbstractItemModelTester proxy(window.proxy(), mode);
         QTRY_COMPARE(window.rows(), (QStringList{"a", "b"}));
         int asked = 0;
         // Makes one row of two files, and one of nothing.
@@ -199,29 +185,6 @@ private slots:
         QTRY_COMPARE(window.browser.directory(), QDir(other.path()));
         window.browser.setFileSequenceEvaluator(nullptr);
         QTRY_COMPARE(window.rows(), (QStringList{"c", "d"}));
-    }
-
-    // Its rows may be its own: it frees them when it is asked again, and has the list painted.
-    void evaluatorMayFreeItsRows()
-    {
-        const SampleFolder folder{"a"};
-        std::unique_ptr<FileInfo> own;
-        BrowserWindow window(folder.path());
-        QTRY_COMPARE(window.rows(), QStringList("a"));
-        Evaluator owner([&](Evaluator& /*self*/, const Files& /*files*/) {
-            own.reset();
-            window.browser.grab();
-            own = std::make_unique<FileInfo>("own", false);
-            return Files{own.get()};
-        });
-        for (int i = 0; i < 2; ++i) {
-            window.browser.setFileSequenceEvaluator(&owner);
-            QCOMPARE(window.rows(), QStringList("own"));
-            QVERIFY(i == 0 || window.list()->selectionModel()->isRowSelected(0, QModelIndex()));
-            window.list()->setCurrentIndex(window.proxy()->index(0, 0));
-        }
-        window.browser.setFileSequenceEvaluator(nullptr);
-        QCOMPARE(window.rows(), QStringList("a"));
     }
 
     void oddNamesAreShown()
@@ -276,19 +239,14 @@ private slots:
         for (const char* name : {"a", "b", "c", "ab", "z", "[ab", "("})
             QVERIFY2(!unreadable.matches(name), name);
         QVERIFY(unreadable.matches("a.exr") && unreadable.matches("xyz"));
-    }
 
-    // More than one expression can hold, and each pattern counts.
-    void filtersByThousandsOfPatterns()
-    {
+        // More than one expression can hold, and each pattern counts.
         QStringList patterns;
         for (int i = 0; i < 10000; ++i)
-            patterns += QString(i % 2 ? "*.x%1" : "f%1_*.?xr").arg(i);
-        const NameFilter filter(patterns.join(' '));
-        for (int i = 0; i < 10000; i += 99) {
-            QCOMPARE(filter.matches(QStringLiteral("a.x%1").arg(i)), i % 2 == 1);
-            QCOMPARE(filter.matches(QStringLiteral("f%1_a.exr").arg(i)), i % 2 == 0);
-        }
+            patterns += QString("f%1_*.?xr").arg(i);
+        const NameFilter many(patterns.join(' '));
+        for (int i = 0; i < 20000; i += 99)
+            QCOMPARE(many.matches(QString("f%1_a.exr").arg(i)), i < 10000);
     }
 };
 

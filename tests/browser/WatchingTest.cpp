@@ -5,41 +5,9 @@
 #include "widgets/AppSettings.h"
 
 #include <QLabel>
-#include <QScrollBar>
 #include <thread>
 
 using namespace Halvern::UI;
-
-namespace {
-
-/// Counts the paints of a list, and those with an empty cell.
-class PaintWatch : public QObject
-{
-public:
-    explicit PaintWatch(const BrowserParts& parts)
-        : m_list(*parts.list())
-    {
-        m_list.viewport()->installEventFilter(this);
-    }
-    bool eventFilter(QObject* /*watched*/, QEvent* event) override
-    {
-        if (event->type() != QEvent::Paint)
-            return false;
-        ++paints;
-        for (QModelIndex row = m_list.indexAt(QPoint(1, 1)); row.isValid(); row = m_list.indexBelow(row)) {
-            for (int column = 0; column < 3; ++column)
-                blank += row.sibling(row.row(), column).data().isValid() ? 0 : 1;
-        }
-        return false;
-    }
-    int paints = 0;
-    int blank = 0;
-
-private:
-    const QTreeView& m_list;
-};
-
-} // namespace
 
 /// A folder that changes while a person looks.
 class WatchingTest : public Test
@@ -125,22 +93,6 @@ private slots:
         QVERIFY(resets.isEmpty());
     }
 
-    void filesVanishAtOnce()
-    {
-        QVERIFY(SampleFiles::makeFrames(m_folder, "f%05d.txt", 1, 10000));
-        QVERIFY(SampleFiles::make(m_folder, {"stays"}));
-        DialogWindow window(m_folder, true);
-        watch(window);
-        window.dialog.setSequencesEnabled(false);
-        QTRY_COMPARE(window.rows().size(), 10001);
-        QTRY_VERIFY(window.model()->hasAllAttributes());
-        window.select({"f00042.txt", "stays"});
-        for (int frame = 1; frame <= 10000; ++frame)
-            QVERIFY(QFile::remove(QString::asprintf("%s/f%05d.txt", qPrintable(m_folder), frame)));
-        QTRY_COMPARE_WITH_TIMEOUT(window.rows(), QStringList("stays"), 20000);
-        QTRY_COMPARE(window.dialog.selectedFiles(), QStringList(path("stays")));
-    }
-
     // Of a frame that comes, and of a part of the others.
     void asksForFewAttributes()
     {
@@ -176,53 +128,6 @@ private slots:
             QVERIFY(QFile::remove(QString::asprintf("%s/f%02d.txt", qPrintable(m_folder), frame)));
         QTRY_VERIFY(!window.model()->isUpdating());
         QVERIFY(window.rows().size() < 41 && window.rows().contains("link"));
-    }
-
-    // What a person does goes on while frames arrive.
-    void nothingIsLostWhileFramesArrive()
-    {
-        for (int shot = 10; shot < 90; ++shot)
-            QVERIFY(SampleFiles::makeFrames(
-                m_folder, ("s" + QByteArray::number(shot) + ".%04d.exr").constData(), 1, 3));
-        for (const bool types : {false, true}) {
-            DialogWindow window(m_folder, true);
-            watch(window);
-            QTRY_VERIFY(window.model()->hasAllAttributes() && window.rows().size() >= 80);
-            window.list()->scrollTo(window.row("s40.####.exr 1-3"), QAbstractItemView::PositionAtTop);
-            QStringList chosen;
-            if (types) {
-                window.edit()->setText(path(""));
-                QTest::keyClick(window.edit(), Qt::Key_S);
-                window.list()->scrollTo(window.row("s40.####.exr 1-3"), QAbstractItemView::PositionAtTop);
-            } else {
-                window.clickRow("s42.####.exr 1-3");
-                window.clickRow("s45.####.exr 1-3", Qt::ShiftModifier);
-                chosen = window.dialog.selectedFiles();
-                QCOMPARE(chosen.size(), 4);
-            }
-            const QString top = window.list()->indexAt(QPoint(1, 1)).data().toString();
-            const PaintWatch paints(window);
-            // Above what is seen: a sequence that grows, and others that begin.
-            const int first = types ? 40 : 10;
-            for (int frame = first; frame < first + 30; ++frame) {
-                QVERIFY(SampleFiles::makeFrames(m_folder, "s20.%04d.exr", frame, frame));
-                QVERIFY(SampleFiles::makeFrames(m_folder, "s0%d.exr", frame, frame));
-                QTest::qWait(50);
-            }
-            const QString last = QString::number(first + 29);
-            QTRY_VERIFY(window.rows().filter("s20.").join(' ').contains(last));
-            QVERIFY(paints.paints > 0);
-            QCOMPARE(paints.blank, 0);
-            QCOMPARE(window.list()->indexAt(QPoint(1, 1)).data().toString(), top);
-            if (types) {
-                QCOMPARE(window.edit()->text(), path("s"));
-                QCOMPARE(window.edit()->cursorPosition(), path("s").size());
-            } else {
-                QCOMPARE(window.dialog.selectedFiles(), chosen);
-                window.clickRow("s44.####.exr 1-3", Qt::ShiftModifier);
-                QCOMPARE(window.dialog.selectedFiles(), chosen.mid(0, 3)); // the anchor stayed
-            }
-        }
     }
 
     // Only the question of the watch is about the path of the folder.
