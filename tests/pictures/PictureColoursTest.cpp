@@ -92,9 +92,6 @@ bool write(ImageOutput& output, const ImageSpec& spec, const Pixels& pixels)
 
 } // namespace
 
-Q_DECLARE_METATYPE(ImageSpec)
-Q_DECLARE_METATYPE(Pixels)
-
 /// The pixels of files that are read with OpenImageIO, beside values that are computed here.
 class PictureColoursTest : public Test
 {
@@ -109,51 +106,43 @@ class PictureColoursTest : public Test
                output->close();
     }
 
-    static void compare(const Program::Answer& answer, const QSize& size, const Pixels& wanted)
+    // What is wrong with the answer, or an empty text.
+    static QString fault(const Program::Answer& answer, const QSize& size, const Pixels& wanted)
     {
-        QCOMPARE(answer.reason, QString());
-        QCOMPARE(answer.size, size);
+        if (!answer.reason.isEmpty() || answer.size != size)
+            return QString("%1 %2 x %3")
+                .arg(answer.reason)
+                .arg(answer.size.width())
+                .arg(answer.size.height());
         const auto* byte = reinterpret_cast<const uchar*>(answer.pixels.constData());
         for (int y = 0; y < size.height(); ++y) {
-            for (int x = 0; x < size.width(); ++x, byte += 4) {
-                const Pixel pixel = wanted(x, y);
-                for (size_t c = 0; c < 4; ++c) {
-                    const int expected = int(std::lround(pixel[c] * 255));
-                    QVERIFY2(std::abs(byte[c] - expected) <= 1,
-                             qPrintable(QString("%1, %2, channel %3: %4 for %5")
-                                            .arg(x)
-                                            .arg(y)
-                                            .arg(c)
-                                            .arg(byte[c])
-                                            .arg(expected)));
+            for (int x = 0; x < size.width(); ++x) {
+                for (const float value : wanted(x, y)) {
+                    if (std::abs(*byte++ - std::lround(value * 255)) > 1)
+                        return QString("%1, %2: %3 for %4").arg(x).arg(y).arg(byte[-1]).arg(value * 255);
                 }
             }
         }
+        return {};
     }
 
 private slots:
-    void showsRightPixels_data()
+    void showsRightPixels()
     {
-        QTest::addColumn<QString>("name");
-        QTest::addColumn<ImageSpec>("spec");
-        QTest::addColumn<Pixels>("written");
-        QTest::addColumn<QSize>("room");
-        QTest::addColumn<QSize>("size");
-        QTest::addColumn<Pixels>("wanted");
-        const auto row = [](const char* title, const char* name, const ImageSpec& spec, const Pixels& written,
-                            const Pixels& wanted, QSize room = {}, QSize size = {}) {
-            if (room.isEmpty())
-                room = {4096, 4096};
-            if (size.isEmpty())
-                size = {spec.full_width, spec.full_height};
-            QTest::newRow(title) << QString::fromLatin1(name) << spec << written << room << size << wanted;
+        const auto row = [&](const char* title, const char* name, const ImageSpec& spec,
+                             const Pixels& written, const Pixels& wanted, const QSize& room = {4096, 4096},
+                             const QSize& size = {}) {
+            QVERIFY2(make(file(name), spec, written), title);
+            const Program::Answer answer =
+                m_program.ask(file(name), quint32(room.width()), quint32(room.height()));
+            const QSize full(spec.full_width, spec.full_height);
+            QCOMPARE(title + fault(answer, size.isEmpty() ? full : size, wanted), QString(title));
         };
         const std::vector<std::string> rgb{"R", "G", "B"};
         const std::vector<std::string> rgba{"R", "G", "B", "A"};
         const Pixels ramp = [](int x, int) { return Pixel{float(x) / 255, float(255 - x) / 255, 0.5F, 1}; };
 
         row("8 bit png", "a.png", specOf(256, 1, rgb, TypeDesc::UINT8), ramp, ramp);
-        row("8 bit tiff", "a.tif", specOf(256, 1, rgb, TypeDesc::UINT8), ramp, ramp);
         row("16 bit tiff", "a.tif", specOf(256, 1, rgb, TypeDesc::UINT16), ramp, ramp);
         row(
             "alpha of png", "a.png", with(specOf(256, 1, rgba, TypeDesc::UINT8), "oiio:UnassociatedAlpha", 1),
@@ -162,10 +151,6 @@ private slots:
         const Pixels bright = [](int x, int) { return Pixel{float(x) / 16, float(x) / 64, 0, 1}; };
         const Pixels brightShown = [](int x, int) { return shown(float(x) / 16, float(x) / 64, 0); };
         row("half floats beyond 1", "a.exr", specOf(64, 1, rgb, TypeDesc::HALF), bright, brightShown);
-        row(
-            "radiance", "a.hdr", specOf(64, 1, rgb, TypeDesc::FLOAT),
-            [](int x, int) { return grey(float(x) / 16); },
-            [](int x, int) { return grey(srgb(float(x) / 16)); });
         row("floats of tiff", "a.tif", specOf(64, 1, rgb, TypeDesc::FLOAT), bright, brightShown);
         row(
             "alpha of exr, and light without alpha", "a.exr", specOf(65, 1, rgba, TypeDesc::FLOAT),
@@ -204,12 +189,12 @@ private slots:
         const Pixels columns = [](int x, int) { return grey(float(x) / 8); };
         const Pixels columnsShown = [](int x, int) { return grey(srgb(float(x) / 8)); };
         row("pixels twice as wide", "a.exr",
-            with(specOf(8, 4, rgb, TypeDesc::HALF), "PixelAspectRatio", 2.0F), columns, columnsShown, {},
-            {8, 2});
+            with(specOf(8, 4, rgb, TypeDesc::HALF), "PixelAspectRatio", 2.0F), columns, columnsShown,
+            {4096, 4096}, {8, 2});
         row(
             "pixels half as wide", "a.exr", with(specOf(4, 8, rgb, TypeDesc::HALF), "PixelAspectRatio", 0.5F),
             [](int, int y) { return grey(float(y) / 8); },
-            [](int, int y) { return grey(srgb(float(y) / 8)); }, {}, {2, 8});
+            [](int, int y) { return grey(srgb(float(y) / 8)); }, {4096, 4096}, {2, 8});
         // Every pixel of the result is the mean of 4 by 4.
         const Pixels fine = [](int x, int y) {
             return grey(float(x % 4 + y % 4) / 8 + float(y / 4 % 7) / 32);
@@ -221,7 +206,8 @@ private slots:
             {4, 8192}, {4, 512});
         row(
             "lying on its side", "a.tif", with(specOf(2, 1, rgb, TypeDesc::UINT8), "Orientation", 6),
-            [](int x, int) { return grey(float(x)); }, [](int, int y) { return grey(float(y)); }, {}, {1, 2});
+            [](int x, int) { return grey(float(x)); }, [](int, int y) { return grey(float(y)); },
+            {4096, 4096}, {1, 2});
 
         const Pixels values = all({0.5F, 0.25F, 0.125F, 0.5F});
         row("one channel", "a.exr", specOf(1, 1, {"Z"}, TypeDesc::FLOAT), values, all(grey(srgb(0.5F))));
@@ -232,19 +218,6 @@ private slots:
         row("a layer beside others", "a.exr",
             specOf(1, 1, {"N.X", "beauty.R", "beauty.G", "beauty.B", "x.Y"}, TypeDesc::HALF), values,
             all(shown(0.25F, 0.125F, 0.5F)));
-    }
-
-    void showsRightPixels()
-    {
-        QFETCH(QString, name);
-        QFETCH(ImageSpec, spec);
-        QFETCH(Pixels, written);
-        QFETCH(QSize, room);
-        QFETCH(QSize, size);
-        QFETCH(Pixels, wanted);
-        const QString path = m_folder.filePath(name);
-        QVERIFY(make(path, spec, written));
-        compare(m_program.ask(path, quint32(room.width()), quint32(room.height())), size, wanted);
     }
 
     void readsASmallerLevel()
@@ -262,8 +235,8 @@ private slots:
         output.reset();
         const std::pair<int, float> rows[] = {{64, 0.125F}, {40, 0.125F}, {32, 0.25F}, {16, 0.5F}, {1, 0.5F}};
         for (const auto& [side, value] : rows) {
-            compare(m_program.ask(file("mip.exr"), quint32(side), quint32(side)), {side, side},
-                    all(grey(srgb(value))));
+            const auto answer = m_program.ask(file("mip.exr"), quint32(side), quint32(side));
+            QCOMPARE(fault(answer, {side, side}, all(grey(srgb(value)))), QString());
         }
     }
 
@@ -294,11 +267,12 @@ private slots:
             QVERIFY(make(file(name), specOf(16, 1, {"R", "G", "B"}, TypeDesc::HALF), written));
             const Program::Answer answer = program.ask(file(name));
             QCOMPARE(answer.colourSpace, isDark ? QString("dim") : QString("light"));
+            const auto wanted = [=](int x, int) {
+                const float light = float(x) / 15 / (isDark ? 2.0F : 1.0F);
+                return grey(light * light);
+            };
             if (!answer.compression.contains(QLatin1String("jpeg")))
-                compare(answer, {16, 1}, [=](int x, int) {
-                    const float light = float(x) / 15 / (isDark ? 2.0F : 1.0F);
-                    return grey(light * light);
-                });
+                QCOMPARE(fault(answer, {16, 1}, wanted), QString());
         }
         Program lost(QString("coreui-pictures-oiio"), file("none.ocio"));
         const Program::Answer answer = lost.ask(file("dark.exr"));

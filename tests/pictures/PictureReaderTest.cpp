@@ -63,40 +63,37 @@ private slots:
         QTRY_COMPARE(children(), QString());
     }
 
-    void saysWhyNothingIsRead_data()
-    {
-        QTest::addColumn<QString>("reason");
-        QTest::newRow("broken") << "The file is broken";
-        for (const char* name : {"hang", "stop", "fifo"})
-            QTest::newRow(name) << "longer than 0.5 seconds";
-        QTest::newRow("die") << "ended while";
-        for (const char* name : {"flood", "chatter", "nonsense"})
-            QTest::newRow(name) << "fake-pictures sent";
-        QTest::newRow("version") << "another version";
-        QTest::newRow("/no/such/program") << "can't be started";
-    }
-
     // … and shows the next file.
     void saysWhyNothingIsRead()
     {
-        QFETCH(QString, reason);
-        const QByteArray name = QTest::currentDataTag();
-        if (name.startsWith('/'))
-            qputenv("COREUI_PICTURES", name);
-        if (name == "version")
-            qputenv("FAKE_OTHER_VERSION", "1");
-        if (name == "fifo")
-            QCOMPARE(mkfifo(QFile::encodeName(path("fifo")).constData(), 0600), 0);
-        m_reader->setTimeLimit(500);
-        read(name.mid(name.lastIndexOf('/') + 1).constData());
-        QTRY_COMPARE(m_log.size(), 1);
-        QVERIFY2(m_log.first().contains(reason), qPrintable(m_log.first()));
-        qunsetenv("FAKE_OTHER_VERSION");
-        qputenv("COREUI_PICTURES", FAKE_PICTURES);
-        m_reader->setTimeLimit(10000);
-        read("good");
-        QTRY_COMPARE(m_log.last(), QStringLiteral("good"));
-        QCOMPARE(children().size(), 1);
+        const std::pair<const char*, const char*> rows[] = {{"broken", "The file is broken"},
+                                                            {"hang", "longer than 0.5 seconds"},
+                                                            {"stop", "longer than 0.5 seconds"},
+                                                            {"fifo", "longer than 0.5 seconds"},
+                                                            {"die", "ended while"},
+                                                            {"flood", "fake-pictures sent"},
+                                                            {"chatter", "fake-pictures sent"},
+                                                            {"nonsense", "fake-pictures sent"},
+                                                            {"version", "another version"},
+                                                            {"program", "can't be started"}};
+        QCOMPARE(mkfifo(QFile::encodeName(path("fifo")).constData(), 0600), 0);
+        for (const auto& [name, reason] : rows) {
+            init();
+            if (name == QByteArray("program"))
+                qputenv("COREUI_PICTURES", "/no/such/program");
+            if (name == QByteArray("version"))
+                qputenv("FAKE_OTHER_VERSION", "1");
+            m_reader->setTimeLimit(500);
+            read(name);
+            QTRY_COMPARE(m_log.size(), 1);
+            QVERIFY2(m_log.first().contains(reason), qPrintable(m_log.first()));
+            qunsetenv("FAKE_OTHER_VERSION");
+            qputenv("COREUI_PICTURES", FAKE_PICTURES);
+            m_reader->setTimeLimit(10000);
+            read("good");
+            QTRY_COMPARE(m_log.last(), QStringLiteral("good"));
+            QCOMPARE(children().size(), 1);
+        }
     }
 
     void waitsAfterThreeFailures()
