@@ -101,7 +101,7 @@ private:
     /// Names that have not vanished, and their attributes.
     struct PresentFiles
     {
-        std::shared_ptr<NameBatch> names;
+        NameQueue::BatchPointer names;
         std::shared_ptr<std::vector<FileInfoWrapper>> infos;
         std::size_t unchanged; ///< How many are as they were known.
     };
@@ -120,7 +120,8 @@ private:
 
     // FileGathererAgain.cpp
     void readAgain(int folder);
-    PresentFiles presentFiles(const NameBatch& names, const KnownFiles::ByName& known, int folder) const;
+    PresentFiles presentFiles(const NameQueue::BatchPointer& batch, const KnownFiles::File* known,
+                              int folder) const;
 
     void prepareWhileWaited(std::size_t mostWaiting);
     template <class Announcement>

@@ -38,14 +38,16 @@ void FileGatherer::readAgain(int folder)
     endBatch();
     const auto allNames = std::exchange(m_readNames, {});
     const auto before = std::exchange(m_known, std::nullopt);
-    const KnownFiles::ByName known = before->byName(m_keepRunning);
+    const std::vector<KnownFiles::File> known = before->find(allNames, m_keepRunning);
+    auto nextKnown = known.begin();
     std::vector<PresentFiles> all;
     std::size_t count = 0;
     std::size_t unchanged = 0;
     for (const auto& names : allNames) {
         if (!m_keepRunning || m_error != 0)
             return;
-        all.push_back(presentFiles(*names, known, folder));
+        all.push_back(presentFiles(names, &*nextKnown, folder));
+        nextKnown += static_cast<std::ptrdiff_t>(names->size());
         count += all.back().infos->size();
         unchanged += all.back().unchanged;
     }
@@ -53,7 +55,7 @@ void FileGatherer::readAgain(int folder)
         m_error = errno;
     if (!m_keepRunning || m_error != 0)
         return;
-    m_isUnchanged = !known.empty() && count == known.size() && count == unchanged;
+    m_isUnchanged = count > 0 && count == before->size() && count == unchanged;
     for (const PresentFiles& files : all) {
         if (m_isUnchanged)
             break;
@@ -62,18 +64,17 @@ void FileGatherer::readAgain(int folder)
     }
 }
 
-FileGatherer::PresentFiles FileGatherer::presentFiles(const NameBatch& names, const KnownFiles::ByName& known,
-                                                      int folder) const
+// Of each of the names @p known is what is known of it.
+FileGatherer::PresentFiles FileGatherer::presentFiles(const NameQueue::BatchPointer& batch,
+                                                      const KnownFiles::File* known, int folder) const
 {
-    std::vector<const FileInfoWrapper*> before(names.size());
+    const NameBatch& names = *batch;
     std::vector<std::optional<FileInfoWrapper>> now(names.size());
     std::vector<std::size_t> asked;
     for (std::size_t i = 0; i < names.size(); ++i) {
-        const auto found = known.find(names[i].text);
-        if (found != known.end())
-            before[i] = found->second.info;
-        if (before[i] && !found->second.mayHaveChanged && before[i]->isDirectory == names[i].isDirectory)
-            now[i] = *before[i];
+        const FileInfoWrapper* const before = known[i].info;
+        if (before && !known[i].mayHaveChanged && before->isDirectory == names[i].isDirectory)
+            now[i] = *before;
         else
             asked.push_back(i);
     }
@@ -86,15 +87,19 @@ FileGatherer::PresentFiles FileGatherer::presentFiles(const NameBatch& names, co
         if (errno != ENOENT || isThere(folder, name.text))
             now[asked[index]] = info;
     });
-    PresentFiles files{std::make_shared<NameBatch>(), std::make_shared<std::vector<FileInfoWrapper>>(), 0};
+    PresentFiles files{batch, std::make_shared<std::vector<FileInfoWrapper>>(), 0};
+    const auto present = std::make_shared<NameBatch>();
+    const bool areAllThere = std::find(now.begin(), now.end(), std::nullopt) == now.end();
     for (std::size_t i = 0; i < names.size(); ++i) {
         if (!now[i])
             continue;
-        files.names->add(names[i].text, names[i].isDirectory);
+        if (!areAllThere)
+            present->add(names[i].text, names[i].isDirectory);
         files.infos->push_back(*now[i]);
-        files.unchanged += before[i] && areSame(*before[i], *now[i]) ? 1 : 0;
+        files.unchanged += known[i].info && areSame(*known[i].info, *now[i]) ? 1 : 0;
     }
-    files.names->squeeze();
+    if (!areAllThere)
+        files.names = present;
     return files;
 }
 

@@ -152,20 +152,22 @@ private:
     void platformSpecificInitialization();
     bool collectFrameRanges();
 
-    long long m_modificationTime = 0;
-    char m_fileName[NameSize];
-    char m_sequenceName[NameSize];
-    char m_sortName[SortNameSize];
+    // What is used together lies together: a folder has many entries, and each touches as little memory as
+    // may be.
     unsigned m_flags = 0;
-    unsigned long long m_size = 0;
     int m_sequenceFileCount = 0;
-    std::vector<FrameRange> m_frameRanges;
-    std::map<int, FileInfo*> m_sequenceFiles;
+    unsigned long long m_size = 0;
+    long long m_modificationTime = 0;
+    std::size_t m_fileNameLength = 0;
     int m_startFrame = 0;
     int m_endFrame = 0;
     int m_numberOfHashes = 0;
     FileInfo* m_parentSequence = nullptr;
-    std::size_t m_fileNameLength = 0;
+    std::vector<FrameRange> m_frameRanges;
+    std::map<int, FileInfo*> m_sequenceFiles;
+    char m_sortName[SortNameSize];
+    char m_fileName[NameSize];
+    char m_sequenceName[NameSize];
 };
 
 } // namespace Halvern::UI

@@ -12,12 +12,12 @@ namespace {
 
 constexpr std::size_t Ahead = 16; // entries that are fetched from memory meanwhile
 
-// Tells the processor what will be read of the entry: its name, its key and its last member.
+// Tells the processor what will be read of the entry: its flags, its key and its name.
 void fetch(const FileInfo& entry)
 {
-    __builtin_prefetch(entry.fileName());
+    __builtin_prefetch(&entry);
     __builtin_prefetch(entry.getStringSortName());
-    __builtin_prefetch(reinterpret_cast<const char*>(&entry + 1) - 1);
+    __builtin_prefetch(entry.fileName());
 }
 
 } // namespace

@@ -11,12 +11,13 @@
 #include <map>
 #include <numeric>
 #include <random>
-#include <set>
 #include <string>
 
 using namespace Halvern::UI;
 
 namespace {
+
+using NameSet = ChangedNames::value_type;
 
 // Makes a row of the files of each first letter, all rows its own, and has the list painted meanwhile.
 class ByLetter : public FileSequenceEvaluator
@@ -175,7 +176,7 @@ private slots:
         const QSignalSpy resets(window.model(), &QAbstractItemModel::modelReset);
         const PaintWatch paints(window);
         for (int round = 0; round < 12; ++round) {
-            const std::set<std::string> edited = edit(random, round % 5 == 0 ? 60 : 4);
+            const NameSet edited = edit(random, round % 5 == 0 ? 60 : 4);
             window.list()->clearSelection();
             for (int row = 0; row < window.proxy()->rowCount(); row += 1 + static_cast<int>(random() % 3))
                 window.list()->selectionModel()->select(
@@ -225,7 +226,7 @@ private slots:
             window.clickRow("f204.txt", Qt::NoModifier, Qt::RightButton);
             const QPoint place = window.place("f201.txt");
             // Rows come above, in the selection and below, and the first that is seen goes.
-            std::set<std::string> changed{"f200.txt", "f150.txt", "f300.txt"};
+            NameSet changed{"f200.txt", "f150.txt", "f300.txt"};
             for (const std::string& name : changed)
                 QCOMPARE(QFile::remove(m_folder->filePath(name.c_str())), column == 0);
             for (const char* name : {"a", "f1000.txt", "f203b.txt", "z"}) {
@@ -466,9 +467,9 @@ private slots:
 
 private:
     // Makes, resizes, removes and replaces files, frames and folders. Returns their names.
-    std::set<std::string> edit(std::mt19937& random, int edits) const
+    NameSet edit(std::mt19937& random, int edits) const
     {
-        std::set<std::string> names;
+        NameSet names;
         for (int i = 0; i < edits; ++i) {
             const auto number = static_cast<int>(random() % 20);
             const char* const patterns[] = {"a.%04d.exr", "b%d.dpx", "B%d.dpx",

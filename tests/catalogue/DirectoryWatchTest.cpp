@@ -12,6 +12,7 @@ using namespace Halvern::UI;
 namespace {
 
 constexpr int Never = 1000000; // milliseconds
+using NameSet = ChangedNames::value_type;
 
 /// A folder with two files, its watch, and what the watch told.
 class Watched
@@ -192,16 +193,16 @@ private slots:
         const ChangedNames any;
         folder.watch.endRead(0, true);
         QVERIFY(tells(any));
-        QVERIFY(writes("c") && tells(std::set<std::string>{"c"}) && tells(any));
+        QVERIFY(writes("c") && tells(NameSet{"c"}) && tells(any));
         QVERIFY(QFile::rename(folder.file("c"), folder.file("d")));
-        QVERIFY(tells(std::set<std::string>{"c", "d"}, false)); // so the reader does not know them yet
-        QVERIFY(writes("e") && tells(std::set<std::string>{"c", "d", "e"}));
-        QVERIFY(writes("e") && tells(std::set<std::string>{"e"}));
+        QVERIFY(tells(NameSet{"c", "d"}, false)); // so the reader does not know them yet
+        QVERIFY(writes("e") && tells(NameSet{"c", "d", "e"}));
+        QVERIFY(writes("e") && tells(NameSet{"e"}));
         QVERIFY(::chmod(qPrintable(folder.path), 0500) == 0 && tells(any));
         // Another folder of that name.
         QVERIFY(QDir().rename(folder.path, folder.parent.filePath("away")) && tells(any));
         QVERIFY(QDir().mkdir(folder.path) && tells(any));
-        QVERIFY(writes("f") && tells(std::set<std::string>{"f"}));
+        QVERIFY(writes("f") && tells(NameSet{"f"}));
         folder.watch.setActive(false);
         QVERIFY(writes("g"));
         folder.watch.setActive(true);
