@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <iterator>
-#include <random>
 
 using namespace Halvern::UI;
 
@@ -66,44 +65,6 @@ private slots:
              {1, 0}}};
         for (const auto& [before, after, places] : table)
             QCOMPARE(RowChanges(before, after).places(), places);
-    }
-
-    // The steps that the changes give lead to the rows after.
-    void stepsLeadToTheNewRows()
-    {
-        std::mt19937 random(7);
-        for (int round = 0; round < 300; ++round) {
-            std::vector<std::string_view> before;
-            std::vector<std::string_view> after;
-            const std::string_view letters = "abcdefghijklmno";
-            for (std::size_t i = 0; i < letters.size(); ++i) {
-                if (random() % 3 != 0)
-                    before.push_back(letters.substr(i, 1));
-                if (random() % 3 != 0)
-                    after.push_back(letters.substr(i, 1));
-            }
-            const bool shuffles = round % 3 == 0;
-            if (shuffles)
-                std::shuffle(after.begin(), after.end(), random);
-            const RowChanges changes(files(before), files(after));
-            std::vector<std::string_view> rows = before;
-            const auto vanishing = changes.vanishing();
-            for (auto range = vanishing.rbegin(); range != vanishing.rend(); ++range)
-                rows.erase(rows.begin() + range->first, rows.begin() + range->first + range->count);
-            const std::vector<std::string_view> staying = rows;
-            for (const auto& range : changes.added())
-                rows.insert(rows.begin() + range.first, after.begin() + range.first,
-                            after.begin() + range.first + range.count);
-            QCOMPARE(rows == after, changes.keepsOrder());
-            QVERIFY(shuffles || changes.keepsOrder());
-            QCOMPARE(changes.isNone(), before == after);
-            for (std::size_t row = 0; row < before.size(); ++row) {
-                const auto place = static_cast<std::size_t>(changes.places()[row]);
-                const bool stays = std::count(staying.begin(), staying.end(), before[row]) == 1;
-                QCOMPARE(place < after.size(), stays);
-                QVERIFY(!stays || after[place] == before[row]);
-            }
-        }
     }
 };
 

@@ -28,7 +28,7 @@ public:
         watch.setActive(true);
     }
 
-    QString file(const char* name) const { return path + QLatin1Char('/') + QLatin1String(name); }
+    QString file(const char* name) const { return path + '/' + QLatin1String(name); }
     /// Whether a change is told. The reader is done with it after @p milliseconds.
     bool tells(int milliseconds = 0)
     {
@@ -39,7 +39,7 @@ public:
     }
 
     QTemporaryDir parent;
-    const QString path = parent.filePath(QStringLiteral("folder"));
+    const QString path = parent.filePath(QString("folder"));
     DirectoryWatch watch;
     QSignalSpy changes;
 };
@@ -53,7 +53,7 @@ bool write(const QString& path)
 // That the system keeps until they are taken.
 int mostNotices()
 {
-    QFile file(QStringLiteral("/proc/sys/fs/inotify/max_queued_events"));
+    QFile file(QString("/proc/sys/fs/inotify/max_queued_events"));
     return file.open(QFile::ReadOnly) ? file.readAll().trimmed().toInt() : 0;
 }
 
@@ -109,8 +109,7 @@ private slots:
             {"another folder", [&] { return QDir().mkdir(folder.path); }},
             {"file in it", [&] { return write(folder.file("f")); }},
             {"file written in it", [&] { return write(folder.file("f")); }, true},
-            {"replaced folder", [&] { return rename(folder.path, elsewhere) && QDir().mkdir(folder.path); }},
-        };
+            {"replaced folder", [&] { return rename(folder.path, elsewhere) && QDir().mkdir(folder.path); }}};
         folder.watch.endRead(0, true);
         QTRY_VERIFY(faults[Calls] > 2); // by the second question
         for (const auto& step : steps) {
@@ -169,7 +168,7 @@ private slots:
         }
 
         // What did not change for long is as it was read.
-        QVERIFY(QDir(QStringLiteral("/sys/kernel")).exists());
+        QVERIFY(QDir(QString("/sys/kernel")).exists());
         folder.watch.beginRead("/sys/kernel");
         folder.watch.endRead(0, true);
         changes.clear();

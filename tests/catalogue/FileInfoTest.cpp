@@ -35,23 +35,11 @@ private slots:
         FileInfo* sequence = makeSequence(pool, "x.#.exr", {0, 1, 4, 6, 7});
         sequence->setFrameInformation(0, 0, 4);
         sequence->constructSequenceName();
-        QCOMPARE(sequence->getSequenceLongName(), QStringLiteral("x.####.exr 0-7 ( 0-1 4 6-7 )"));
+        QCOMPARE(sequence->getSequenceLongName(), QString("x.####.exr 0-7 ( 0-1 4 6-7 )"));
         sequence->insertSequenceFile(2147483647, nullptr);
         sequence->invalidateSequenceName();
         sequence->constructSequenceName();
         QCOMPARE(sequence->sequenceName(), "x.####.exr 0-2147483647");
-    }
-
-    void settlesTheWidth()
-    {
-        const std::tuple<QByteArrayList, bool, int> rows[] = {
-            {{"0009", "0010", "11"}, false, 4}, {{"10", "11"}, true, 2}, {{"10", "100", "5", "11"}, true, 1}};
-        for (const auto& [numbers, assumePadding, expected] : rows) {
-            FileInfo sequence("x.#.exr", true);
-            for (const QByteArray& number : numbers)
-                sequence.setNumberOfHashes(int(number.size()), number.startsWith('0'), assumePadding);
-            QCOMPARE(sequence.numberOfHashes(), expected);
-        }
     }
 
     // A run has its own size too.
@@ -91,7 +79,7 @@ private slots:
     void poolsGivePagesBack()
     {
         const auto resident = [] {
-            QFile file(QStringLiteral("/proc/self/statm"));
+            QFile file(QString("/proc/self/statm"));
             return file.open(QFile::ReadOnly) ? file.readAll().split(' ').value(1).toLongLong() * 4096 : 0;
         };
         constexpr std::size_t Blocks = 20;

@@ -193,19 +193,6 @@ private slots:
         }
     }
 
-    void leftoverSignalsAnnounceNothing()
-    {
-        FileGatherer gatherer;
-        QSignalSpy finished(&gatherer, SIGNAL(finishedGatheringFiles()));
-        gatherer.startReading(m_path);
-        QVERIFY(gatherer.wait(10000));
-        gatherer.stop();
-        QCoreApplication::processEvents();
-        QCOMPARE(finished.size(), 0);
-        gatherer.startReading(m_path);
-        QTRY_COMPARE(finished.size(), 1);
-    }
-
     void forkedProcessesDoNotWait()
     {
         int alarms = 0;

@@ -191,19 +191,6 @@ private slots:
         QCOMPARE(index.pool().blockCount(), blocks);
     }
 
-    void forgetsEverything()
-    {
-        SequenceIndex index;
-        for (int round = 0; round < 2; ++round) {
-            insert(index, frames("a.%d.exr", {1, 2}) + QStringList("b"));
-            index.apply(records(2, 5, 5));
-            QCOMPARE(names(index, FileHandle::Sequences), (QStringList{"a.#.exr 1-2", "b"}));
-            QCOMPARE(rows(index, FileHandle::Sequences).at(0)->size(), 10ULL);
-            index.clear();
-            QVERIFY(rows(index, FileHandle::Sequences).empty() && index.size() + index.knownCount() == 0);
-        }
-    }
-
     void collapsesAndSplits()
     {
         // The files, the collapsed and the split entries.

