@@ -33,7 +33,7 @@ class Walk
 public:
     explicit Walk(const QString& folder)
         : path(folder)
-        , window(folder)
+        , window(folder, false)
     {
         window.browser.setSequencesEnabled(false);
     }

@@ -36,6 +36,11 @@ public:
     FileBrowser::ProxyModel* proxy() const { return m_top.findChild<FileBrowser::ProxyModel*>(); }
     FilePathEdit* edit() const { return m_top.findChild<FilePathEdit*>(); }
 
+    /// Whether the folder has been read, with all attributes.
+    bool isRead() const
+    {
+        return model()->isListReady() && !model()->isReading() && model()->hasAllAttributes();
+    }
     /// The names as the list shows them.
     QStringList rows() const
     {
@@ -91,11 +96,11 @@ private:
     const QWidget& m_top;
 };
 
-/// A shown browser with sequences collapsed.
+/// A shown browser with sequences collapsed. If it @p waits, it has read the folder.
 class BrowserWindow : public BrowserParts
 {
 public:
-    explicit BrowserWindow(const QString& folder)
+    explicit BrowserWindow(const QString& folder, bool waits = true)
         : BrowserParts(browser)
     {
         browser.setSequencesEnabled(true);
@@ -103,6 +108,8 @@ public:
         browser.resize(900, 600);
         browser.show();
         QApplication::setActiveWindow(&browser);
+        if (waits)
+            QTRY_VERIFY(isRead());
     }
 
     FileBrowser browser;

@@ -60,7 +60,6 @@ private slots:
     {
         const SampleFolder folder("f%03d.txt", 1, 200);
         BrowserWindow window(folder.path());
-        QTRY_COMPARE(window.rows().size(), 200);
         window.focusList();
         QTest::keyClick(window.list(), Qt::Key_1, Qt::ControlModifier);
         QCOMPARE(window.rows().first(), QString("f200.txt"));

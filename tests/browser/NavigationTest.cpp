@@ -100,7 +100,6 @@ private slots:
         QVERIFY(SampleFiles::make(path("b"), {"cut/", "./:x/", "cutout", "notes", "Shot_a", "shot_b",
                                               "w.1.exr", "w.2.exr", "w.4.exr", "w.5.exr"}));
         BrowserWindow window(path("b"));
-        QTRY_COMPARE(window.rows().size(), 7);
         for (const auto& [typed, completed] : {std::pair("no", "b/notes"),
                                                {"s", "b/Shot_"},
                                                {":", "b/:x/"},
@@ -108,7 +107,7 @@ private slots:
                                                {"c", "b/cut/"}}) {
             window.edit()->setText(path("b/"));
             QTest::keyClicks(window.edit(), QLatin1String(typed));
-            QTRY_VERIFY(window.model()->isListReady());
+            QTRY_VERIFY(window.isRead());
             QTest::keyClick(window.edit(), Qt::Key_Tab);
             QCOMPARE(window.edit()->text(), path(completed));
         }

@@ -21,8 +21,7 @@ private slots:
         m_folder = std::make_unique<SampleFolder>(
             std::initializer_list<const char*>{"sub/", "a", "b", "s.01.exr", "s.02.exr", "s.03.exr"});
         m_window = std::make_unique<BrowserWindow>(m_folder->path());
-        QTRY_COMPARE(m_window->rows(), (QStringList{"a", "b", m_sequence, "sub/"}));
-        QTRY_VERIFY(m_window->proxy()->index(3, 2).data().toDateTime().toSecsSinceEpoch() > 0);
+        QCOMPARE(m_window->rows(), (QStringList{"a", "b", m_sequence, "sub/"}));
         m_window->browser.setMultipleSelections(true);
     }
 

@@ -29,7 +29,7 @@ private slots:
         QVERIFY(SampleFiles::makeFrames(m_folder->path(), "f%04d.txt", 1, 6000));
         for (const int column : {0, 2}) {
             delayCalls("fstatat", 2000);
-            BrowserWindow window(m_folder->path());
+            BrowserWindow window(m_folder->path(), false);
             window.browser.setMultipleSelections(true);
             window.list()->sortByColumn(column, Qt::AscendingOrder);
             QTRY_COMPARE(window.rows().size(), 6000);
@@ -61,7 +61,7 @@ private slots:
     {
         QVERIFY(SampleFiles::make(m_folder->path(), {"a", "b", "c"}));
         const DialogWindow window(m_folder->path(), true);
-        QTRY_COMPARE(window.rows(), (QStringList{"a", "b", "c"}));
+        window.dialog.setSelectionType(FileBrowser::SelectionType::FilesAndDirectories);
         window.focusList();
         window.select({"a", "c"});
         QCOMPARE(window.buttons(), QString("ON"));
@@ -97,7 +97,6 @@ private slots:
     {
         QVERIFY(SampleFiles::make(m_folder->path(), {"a.1.exr", "a.2.exr", "b.1.exr", "b.2.exr"}));
         const DialogWindow window(m_folder->path(), true);
-        QTRY_COMPARE(window.rows(), (QStringList{"a.#.exr 1-2", "b.#.exr 1-2"}));
         window.focusList();
         window.select({"a.#.exr 1-2"});
         delayCalls("readdir", 20000);
@@ -117,29 +116,12 @@ private slots:
         QCOMPARE(window.dialog.selectedFiles(), QStringList(path("a.#.exr 1-5")));
     }
 
-    void nextTakesNoParentInMidRead()
-    {
-        QVERIFY(SampleFiles::make(m_folder->path(), {"sub/"}));
-        const DialogWindow window(m_folder->path(), true);
-        window.dialog.setSelectionType(FileBrowser::SelectionType::Directories);
-        QTRY_COMPARE(window.rows(), QStringList("sub/"));
-        window.focusList();
-        window.select({"sub/"});
-        delayCalls("readdir", 50000);
-        QTest::keyClick(window.list(), Qt::Key_F5);
-        QVERIFY(QMetaObject::invokeMethod(window.dialog.fileBrowser(), "nextClicked"));
-        QTRY_VERIFY(window.next()->isEnabled());
-        window.next()->click();
-        QCOMPARE(window.dialog.fileBrowser()->pickedFiles(), QStringList(path("sub")));
-    }
-
     void typedRowBecomesCurrentWhenItIsListed()
     {
         QVERIFY(SampleFiles::make(m_folder->path(), {"sub/", "sub/only", "sub/only.bak", "sub/other"}));
         for (const char* name : {"only", "other"}) {
             endFaults();
             const DialogWindow window(m_folder->path());
-            QTRY_COMPARE(window.rows(), QStringList("sub/"));
             delayCalls("readdir", 20000);
             QApplication::clipboard()->setText(path("sub/") + name);
             window.edit()->selectAll();
@@ -162,7 +144,7 @@ private slots:
             const auto* label = window.control<QLabel>("problemLabel");
             return label->isVisible() ? label->text() : QString();
         };
-        QTRY_VERIFY(says("This folder is empty."));
+        QVERIFY(says("This folder is empty."));
 
         failCalls("opendir", EACCES);
         window.browser.setDirectory(QDir(path("locked")), false, true);
@@ -211,9 +193,7 @@ private slots:
         auto& model = *window.model();
         int rows = 41;
         int place = 0;
-        const auto isWhole = [&] {
-            return window.rows().size() == rows && !model.isReading() && model.hasAllAttributes();
-        };
+        const auto isWhole = [&] { return window.isRead() && window.rows().size() == rows; };
         // After the proxy and the view have got the signal: only the model's own allocations fail.
         const auto beginToFail = [&] { faults[FirstAllocation] = std::exchange(place, 0); };
         connect(&model, &QAbstractItemModel::modelAboutToBeReset, this, beginToFail);
@@ -244,7 +224,6 @@ private slots:
         QVERIFY(QDir(m_folder->path()).mkdir("a") && QDir(m_folder->path()).mkdir("b"));
         BrowserWindow window(m_folder->path());
         window.browser.setSelectionType(FileBrowser::SelectionType::Directories);
-        QTRY_VERIFY(window.rows() == QStringList({"a/", "b/"}) && window.model()->hasAllAttributes());
         window.list()->setCurrentIndex(window.row("b/"));
         std::vector<FileBrowser::Acceptance> answers;
         connect(&window.browser, &FileBrowser::choiceChanged, this,

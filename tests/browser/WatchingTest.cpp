@@ -28,15 +28,12 @@ private slots:
     {
         QVERIFY(SampleFiles::make(m_folder, {"a"}));
         DialogWindow window(m_folder, false);
-        QTRY_COMPARE(window.rows(), QStringList("a"));
-        QTRY_VERIFY(window.model()->hasAllAttributes());
         QVERIFY(!window.dialog.isWatched());
         // Whether the disk is asked, and the list follows.
         const auto follows = [&](const char* name) {
             const int calls = faults[Calls];
             SampleFiles::make(m_folder, {name});
-            return QTest::qWaitFor([&] { return window.rows().contains(name); }, 1500) &&
-                   faults[Calls] > calls;
+            return QTest::qWaitFor([&] { return window.rows().contains(name); }) && faults[Calls] > calls;
         };
         const auto asksNothing = [&](const char* name) {
             const int calls = faults[Calls];
@@ -69,7 +66,6 @@ private slots:
         QVERIFY(SampleFiles::make(m_folder, {"gone", "old", "replaced", "shot.1.exr", "shot.2.exr"}));
         DialogWindow window(m_folder, true);
         watch(window);
-        QTRY_COMPARE(window.rows().size(), 4);
         const QSignalSpy resets(window.proxy(), SIGNAL(modelReset()));
         QVERIFY(QFile::remove(path("gone")) && QFile::rename(path("old"), path("new")));
         QVERIFY(QFile::remove(path("replaced")) && QDir().mkdir(path("replaced")));
@@ -80,12 +76,14 @@ private slots:
         // Rows stay while the folder is away.
         const auto& problem = *window.control<QLabel>("problemLabel");
         const QString away = m_parent->filePath("away");
+        window.clickRow("new");
         QVERIFY(QFile::rename(m_folder, away));
-        QTRY_VERIFY(problem.isVisible());
+        QTRY_VERIFY(problem.isVisible() && problem.text().startsWith("This folder can't be read: no such"));
         QCOMPARE(window.rows(), rows);
         QVERIFY(SampleFiles::make(away, {"shot.4.exr"}) && QFile::rename(away, m_folder));
         QTRY_COMPARE(window.rows().last(), QString("shot.#.exr 1-4"));
         QTRY_VERIFY(!problem.isVisible());
+        QCOMPARE(window.dialog.selectedFiles(), QStringList(path("new")));
         QVERIFY(QFile::rename(m_folder, away) && QDir().mkdir(m_folder));
         QTRY_COMPARE(window.rows(), QStringList());
         QVERIFY(SampleFiles::make(m_folder, {"first"}));
@@ -99,7 +97,6 @@ private slots:
         QVERIFY(SampleFiles::makeFrames(m_folder, "s.%04d.exr", 1, 5000));
         DialogWindow window(m_folder, true);
         watch(window);
-        QTRY_VERIFY(window.model()->hasAllAttributes());
         int last = 5000;
         for (const bool isKnown : {false, true}) {
             faultyCall = "fstatat";
@@ -118,7 +115,6 @@ private slots:
         QVERIFY(SampleFiles::makeFrames(m_folder, "f%02d.txt", 1, 40));
         QVERIFY(QFile::link("nothing", path("link")));
         const DialogWindow window(m_folder, false);
-        QTRY_VERIFY(window.model()->hasAllAttributes() && window.rows().size() == 41);
         faultyCall = "fstatat";
         faults[CallDelay] = 10000;
         faults[DelayedCalls] = 0;
@@ -143,7 +139,7 @@ private slots:
         QElapsedTimer timer;
         timer.start();
         {
-            DialogWindow window(m_folder, true);
+            DialogWindow window(m_folder, true, false);
             window.dialog.setWatched(true);
             QTRY_COMPARE(window.rows(), (QStringList{"a", "b"}));
             QTRY_VERIFY(faults[DelayedCalls] > 0);

@@ -5,13 +5,14 @@
 
 #include <QPointer>
 
-/// A shown dialog with sequences collapsed. It may be destroyed early.
+/// A shown dialog with sequences collapsed. If it @p waits, it has read the folder. It may be destroyed
+/// early.
 class DialogWindow : public BrowserParts
 {
 public:
     using FileDialog = Halvern::UI::FileDialog;
 
-    explicit DialogWindow(const QString& folder, bool multiple = false)
+    explicit DialogWindow(const QString& folder, bool multiple = false, bool waits = true)
         : DialogWindow(new FileDialog(nullptr, "Import", nullptr))
     {
         dialog.setSequencesEnabled(true);
@@ -19,6 +20,8 @@ public:
         dialog.setDirectory(QDir(folder), false, true);
         dialog.show();
         QApplication::setActiveWindow(&dialog);
+        if (waits)
+            QTRY_VERIFY(isRead());
     }
     DialogWindow(const DialogWindow&) = delete;
     DialogWindow& operator=(const DialogWindow&) = delete;
