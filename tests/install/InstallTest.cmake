@@ -107,7 +107,7 @@ if(result EQUAL 0 OR NOT output MATCHES "built with Qt ${QT}, but this project u
 endif()
 run(${CMAKE_COMMAND} -E env QT_QPA_PLATFORM=offscreen GUIDE_UNATTENDED=1 XDG_CONFIG_HOME=${WORK_DIR}/config
     ${CMAKE_COMMAND} -E chdir ${WORK_DIR}/frames ${WORK_DIR}/build/client)
-if(NOT output MATCHES "/frames/shot\\.####\\.exr 1-4")
+if(NOT output MATCHES "/shot\\.####\\.exr 1-4")
     message(FATAL_ERROR "the client printed: ${output}")
 endif()
 run(ldd ${WORK_DIR}/build/client)
