@@ -1,4 +1,3 @@
-#include "pictures/PictureProgram.h"
 #include "pictures/Program.h"
 #include "support/SampleFiles.h"
 #include "support/Test.h"
@@ -60,15 +59,6 @@ private slots:
         damaged[5].frameRate = -1;
         for (const Answer& one : damaged)
             QVERIFY(!readAnswer(frame(one).mid(4)));
-    }
-
-    void findsTheProgram()
-    {
-        QVERIFY(pictureProgram().startsWith(QCoreApplication::applicationDirPath() +
-                                            QStringLiteral("/coreui-pictures")));
-        qputenv("COREUI_PICTURES", "/another");
-        QCOMPARE(pictureProgram(), QStringLiteral("/another"));
-        qunsetenv("COREUI_PICTURES");
     }
 
     void readsPicturesWithQt()
