@@ -1,18 +1,9 @@
 #include "paths/Glob.h"
 
 #include <algorithm>
-#include <utility>
 #include <vector>
 
 namespace {
-
-/// The places of a pattern that the bytes of a name read so far can lead to, each once. All are followed at
-/// the same time: to try them in turn would take time exponential in the number of "*" and "{".
-struct Places
-{
-    std::vector<std::size_t> list;
-    std::vector<bool> has;
-};
 
 /// The first unmatched "}" from @p from on or, with @p atSeparators, a separator outside nested braces before
 /// it. The end of the pattern if there is none.
@@ -52,28 +43,18 @@ struct Ends
     std::vector<std::size_t> group;
 };
 
-/// Adds @p place and all that follows from it without a byte of the name.
-void reach(std::string_view pattern, const Ends& ends, std::size_t place, Places& reached)
+/// Adds the places that follow from @p place without a byte of the name. All are after it.
+void reach(std::string_view pattern, const Ends& ends, std::size_t place, std::vector<bool>& reached)
 {
-    std::vector<std::size_t> pending{place};
-    while (!pending.empty()) {
-        place = pending.back();
-        pending.pop_back();
-        if (reached.has[place])
-            continue;
-        reached.has[place] = true;
-        reached.list.push_back(place);
-        const char byte = place < pattern.size() ? pattern[place] : '\0';
-        if (byte == '*' || byte == '}') {
-            pending.push_back(place + 1);
-        } else if (byte == '{') {
-            for (std::size_t end = place; end < pattern.size() && (end == place || pattern[end] != '}');) {
-                pending.push_back(end + 1);
-                end = ends.alternative[end];
-            }
-        } else if (byte == ',' || byte == '|') {
-            pending.push_back(std::min(ends.group[place] + 1, pattern.size()));
-        }
+    const char byte = place < pattern.size() ? pattern[place] : '\0';
+    if (byte == '*' || byte == '}') {
+        reached[place + 1] = true;
+    } else if (byte == '{') {
+        for (std::size_t end = place; end < pattern.size() && (end == place || pattern[end] != '}');
+             end = ends.alternative[end])
+            reached[end + 1] = true;
+    } else if (byte == ',' || byte == '|') {
+        reached[std::min(ends.group[place] + 1, pattern.size())] = true;
     }
 }
 
@@ -99,8 +80,7 @@ bool takesFromSet(std::string_view pattern, std::size_t& place, char byte)
     return found != negated;
 }
 
-/// Whether the pattern goes on from @p place over @p byte of the name; then @p place becomes the place after
-/// it.
+/// Whether the pattern goes on over @p byte from @p place, which then becomes the place after it.
 bool takes(std::string_view pattern, std::size_t& place, char byte)
 {
     switch (place < pattern.size() ? pattern[place] : '}') {
@@ -127,20 +107,25 @@ bool takes(std::string_view pattern, std::size_t& place, char byte)
 
 } // namespace
 
+// The places of the pattern that the bytes read so far can lead to are followed at the same time. To try them
+// in turn would take time exponential in the number of "*" and "{".
 bool globMatches(std::string_view name, std::string_view pattern)
 {
     const Ends ends(pattern);
-    const Places none{{}, std::vector<bool>(pattern.size() + 1)};
-    Places reached = none;
-    reach(pattern, ends, 0, reached);
-    for (const char byte : name) {
-        const Places before = std::exchange(reached, none);
-        for (std::size_t place : before.list) {
-            if (takes(pattern, place, byte))
-                reach(pattern, ends, place, reached);
+    std::vector<bool> reached(pattern.size() + 1);
+    reached[0] = true;
+    for (std::size_t i = 0; i <= name.size(); ++i) {
+        std::vector<bool> next(pattern.size() + 1);
+        for (std::size_t place = 0; place <= pattern.size(); ++place) {
+            if (!reached[place])
+                continue;
+            reach(pattern, ends, place, reached);
+            std::size_t after = place;
+            if (i < name.size() && takes(pattern, after, name[i]))
+                next[after] = true;
         }
-        if (reached.list.empty())
-            return false;
+        if (i < name.size())
+            reached.swap(next);
     }
-    return reached.has[pattern.size()];
+    return reached[pattern.size()];
 }

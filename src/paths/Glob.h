@@ -2,6 +2,5 @@
 
 #include <string_view>
 
-/// Whether all of @p name matches the glob @p pattern; filename_match() tells what it may hold. The time is
-/// bounded whatever the pattern is.
+/// Whether all of @p name matches the glob @p pattern, see filename_match(). The time is bounded.
 bool globMatches(std::string_view name, std::string_view pattern);
