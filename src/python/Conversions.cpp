@@ -2,18 +2,10 @@
 
 #include <algorithm>
 #include <exception>
-#include <memory>
 
 namespace Python {
 
 namespace {
-
-struct Release
-{
-    void operator()(PyObject* object) const { Py_DecRef(object); }
-};
-
-using Owned = std::unique_ptr<PyObject, Release>;
 
 // The length is only a hint: __len__ may be wrong, raise, or return more than there is memory for.
 std::size_t expectedCount(PyObject* iterable)

@@ -12,6 +12,14 @@
 /// error set. Nothing throws.
 namespace Python {
 
+struct Release
+{
+    void operator()(PyObject* object) const { Py_DecRef(object); }
+};
+
+/// A reference that is given up at its end.
+using Owned = std::unique_ptr<PyObject, Release>;
+
 /// Prints the pending error and clears it, as PyErr_Print() does. SystemExit is only printed, too.
 void printError();
 
@@ -28,8 +36,7 @@ std::string toText(PyObject* object);
 /// either, UnicodeDecodeError is raised.
 PyObject* fromText(const std::string& text);
 
-/// A name as ASCII. Other bytes become surrogates, as in Python's own file names; os.fsencode() turns them
-/// back into bytes.
+/// A name as ASCII. Other bytes become surrogates, as in Python's file names, for os.fsencode() to turn back.
 PyObject* fromFileName(const char* name);
 
 /// Whether an iterator can be made of @p object.

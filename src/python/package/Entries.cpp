@@ -7,7 +7,6 @@
 #include "frames/Placeholder.h"
 #include "python/package/Path.h"
 
-#include <QByteArray>
 #include <QString>
 #include <algorithm>
 #include <cerrno>
@@ -42,15 +41,6 @@ PyObject* changed(PyObject* path, Change change)
     return bytes ? fromName(change(QString::fromLatin1(*bytes)).toLatin1().constData()) : nullptr;
 }
 
-// The name after the last "/" changes. The folders before it stay.
-PyObject* withChangedName(PyObject* path, QString (*change)(const QString&))
-{
-    return changed(path, [change](const QString& text) {
-        const auto begin = text.lastIndexOf(QLatin1Char('/')) + 1;
-        return QString(text.left(begin) + change(text.mid(begin)));
-    });
-}
-
 PyObject* fromRuns(const FrameRanges& ranges)
 {
     std::vector<int> numbers;
@@ -68,11 +58,10 @@ PyObject* fromRunsOrError(const std::optional<FrameRanges>& ranges, const std::s
 }
 
 /// Takes the reference to @p item. False with a Python error if there is none, or no memory.
-bool append(PyObject* list, PyObject* item)
+bool append(const Owned& list, PyObject* item)
 {
-    const bool done = item && PyList_Append(list, item) == 0;
-    Py_DecRef(item);
-    return done;
+    const Owned taken(item);
+    return item && PyList_Append(list.get(), item) == 0;
 }
 
 /// The members that an entry shows: a run shows those of its sequence that it covers.
@@ -86,17 +75,15 @@ Members shownMembers(const FileInfo& info)
 
 PyObject* fromMemberNames(const Members& members)
 {
-    PyObject* names = PyTuple_New(static_cast<Py_ssize_t>(members.size()));
+    Owned names(PyTuple_New(static_cast<Py_ssize_t>(members.size())));
     Py_ssize_t index = 0;
     for (auto member = members.begin(); names && member != members.end(); ++member) {
         PyObject* name = fromName(member->second->fileName());
-        if (!name) {
-            Py_DecRef(names);
+        if (!name)
             return nullptr;
-        }
-        PyTuple_SetItem(names, index++, name);
+        PyTuple_SetItem(names.get(), index++, name);
     }
-    return names;
+    return names.release();
 }
 
 // The width of the placeholder in the name that is shown. An evaluator's row has only the name.
@@ -168,7 +155,7 @@ PyObject* listDirectory(PyObject* path, bool collapse, bool split, bool hidden)
     std::sort(entries.begin(), entries.end(), [](const FileInfo* a, const FileInfo* b) {
         return std::strcmp(a->displayName(), b->displayName()) < 0;
     });
-    PyObject* rows = PyList_New(0);
+    Owned rows(PyList_New(0));
     for (auto entry = entries.begin(); rows && entry != entries.end(); ++entry) {
         const char* name = (*entry)->displayName();
         const bool isDots = std::strcmp(name, ".") == 0 || std::strcmp(name, "..") == 0;
@@ -176,12 +163,10 @@ PyObject* listDirectory(PyObject* path, bool collapse, bool split, bool hidden)
             continue;
         const Members members = (*entry)->isSequence() ? shownMembers(**entry) : Members();
         if (!append(rows,
-                    makeRow(**entry, (*entry)->isDirectory(), framesOf(members), fromMemberNames(members)))) {
-            Py_DecRef(rows);
+                    makeRow(**entry, (*entry)->isDirectory(), framesOf(members), fromMemberNames(members))))
             return nullptr;
-        }
     }
-    return rows;
+    return rows.release();
 }
 
 PyObject* describe(const FileInfo& info, const QDir& folder)
@@ -202,20 +187,19 @@ PyObject* group(const std::vector<FileInfo*>& files, bool split)
     rules.setAssumeZeroPadding(FileBrowser::GetAssumeZeroPadding());
     std::list<std::string> names;
     std::vector<int> indexes;
-    PyObject* rows = PyList_New(0);
+    Owned rows(PyList_New(0));
     const auto appendFile = [&rows](int index) {
         return append(rows, Py_BuildValue("(Oi()(i))", Py_None, 0, index));
     };
-    bool done = rows != nullptr;
-    for (int i = 0; done && i < static_cast<int>(files.size()); ++i) {
+    for (int i = 0; rows && i < static_cast<int>(files.size()); ++i) {
         const FileInfo* file = files[static_cast<std::size_t>(i)];
         if (!file)
             continue;
-        if (file->isDirectory() || file->isSequence()) {
-            done = appendFile(i);
-        } else {
+        if (!file->isDirectory() && !file->isSequence()) {
             names.emplace_back(file->fileName());
             indexes.push_back(i);
+        } else if (!appendFile(i)) {
+            return nullptr;
         }
     }
     rules.setFiles(names);
@@ -225,26 +209,22 @@ PyObject* group(const std::vector<FileInfo*>& files, bool split)
     for (std::size_t i = 0; i < all.size(); ++i)
         indexOf[all[i]] = indexes[i];
     for (const FileInfo* row : rowsOf(rules, listType(true, split))) {
-        if (!done)
-            break;
-        if (!row->isSequence()) {
-            done = appendFile(indexOf[row]);
+        if (!rows || (!row->isSequence() && !appendFile(indexOf[row])))
+            return nullptr;
+        if (!row->isSequence())
             continue;
-        }
         std::vector<int> frames;
         std::vector<int> members;
         for (const auto& [frame, member] : shownMembers(*row)) {
             frames.push_back(frame);
             members.push_back(indexOf[member]);
         }
-        done = append(
-            rows, Py_BuildValue("(yiNN)",
-                                row->parentSequence() ? row->parentSequence()->fileName() : row->fileName(),
-                                row->numberOfHashes(), fromNumbers(frames), fromNumbers(members)));
+        const FileInfo* whole = row->parentSequence() ? row->parentSequence() : row;
+        if (!append(rows, Py_BuildValue("(yiNN)", whole->fileName(), row->numberOfHashes(),
+                                        fromNumbers(frames), fromNumbers(members))))
+            return nullptr;
     }
-    if (!done)
-        Py_DecRef(rows);
-    return done ? rows : nullptr;
+    return rows.release();
 }
 
 void nameAsBuiltIn(FileInfo& sequence, int hashes)
@@ -269,14 +249,12 @@ PyObject* uniteRuns(const std::vector<int>& runs)
     return fromRunsOrError(FrameRanges::unite(ranges, &error), error);
 }
 
-PyObject* withToken(PyObject* name)
+PyObject* withChangedName(PyObject* path, QString (*change)(const QString&))
 {
-    return withChangedName(name, &Placeholder::withToken);
-}
-
-PyObject* withHashes(PyObject* name)
-{
-    return withChangedName(name, &Placeholder::withHashes);
+    return changed(path, [change](const QString& text) {
+        const auto begin = text.lastIndexOf(QLatin1Char('/')) + 1;
+        return QString(text.left(begin) + change(text.mid(begin)));
+    });
 }
 
 PyObject* withFrame(PyObject* path, int frame)

@@ -39,8 +39,7 @@ PyObject* listDirectory(PyObject* path, bool collapse, bool split, bool hidden);
 PyObject* describe(const Halvern::UI::FileInfo& info, const QDir& folder);
 
 /// Groups files by the built-in rules. Returns a list of (pattern, hashes, frames, indexes in @p files): the
-/// pattern of a sequence as bytes, "shot.#.exr", or None for a row that is one of the files. Null entries are
-/// left out.
+/// pattern of a sequence as bytes, "shot.#.exr", or None for a row that is a file. Null entries are left out.
 PyObject* group(const std::vector<Halvern::UI::FileInfo*>& files, bool split);
 
 /// Gives a sequence that has a pattern as its name the name of the built-in rules: "shot.####.exr 1-100".
@@ -51,10 +50,9 @@ PyObject* parseRuns(const char* text);
 /// The runs of the frames that are in any of @p runs. Raises ValueError for runs that are none.
 PyObject* uniteRuns(const std::vector<int>& runs);
 
-/// The functions of frames/Placeholder.h. Names are text or an os.PathLike, and keep their bytes. Folders
-/// before a name stay as they are.
-PyObject* withToken(PyObject* name);
-PyObject* withHashes(PyObject* name);
+/// The functions of frames/Placeholder.h, of which @p change is one. Paths are text or an os.PathLike, and
+/// keep their bytes. Folders before a name stay as they are.
+PyObject* withChangedName(PyObject* path, QString (*change)(const QString& name));
 PyObject* withFrame(PyObject* path, int frame);
 /// "shot.####.exr 1-100" gives ("shot.####.exr", 1, 100), a name without a range None.
 PyObject* splitRange(PyObject* path);

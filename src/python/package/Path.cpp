@@ -12,9 +12,7 @@ std::optional<QByteArray> toBytes(PyObject* object)
     PyObject* encoded = nullptr;
     if (!PyUnicode_FSConverter(object, &encoded))
         return std::nullopt;
-    QByteArray bytes(PyBytes_AsString(encoded));
-    Py_DecRef(encoded);
-    return bytes;
+    return QByteArray(PyBytes_AsString(Owned(encoded).get()));
 }
 
 bool toPath(PyObject* object, Path& path)
