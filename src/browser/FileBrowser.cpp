@@ -19,16 +19,9 @@
 #include <QCoreApplication>
 #include <QGridLayout>
 #include <QHeaderView>
-#include <QMutex>
 #include <QPushButton>
 
 namespace Halvern::UI {
-
-namespace {
-
-QMutex colourMutex;
-
-} // namespace
 
 FileBrowser::Private::ClassWide FileBrowser::Private::s_classWide;
 
@@ -214,7 +207,7 @@ void FileBrowser::showPreview(bool state)
 
 void FileBrowser::SetHighlightColor(const QColor& colour)
 {
-    const QMutexLocker lock(&colourMutex);
+    const QMutexLocker lock(&Private::s_classWide.colourMutex);
     Private::s_classWide.highlightColour = colour;
 }
 
@@ -225,7 +218,7 @@ const QColor& FileBrowser::GetHightlightColor()
 
 void FileBrowser::SetQueuedColor(const QColor& colour)
 {
-    const QMutexLocker lock(&colourMutex);
+    const QMutexLocker lock(&Private::s_classWide.colourMutex);
     Private::s_classWide.queuedColour = colour;
 }
 

@@ -31,11 +31,15 @@ void FileBrowser::Private::initFavorites()
         action->setObjectName(QLatin1String(name));
         return action;
     };
-    QAction* edit = addAction("editFavoriteAction", tr("Edit..."), SLOT(editFavorite()));
-    QAction* remove = addAction("removeFavoriteAction", tr("Remove"), SLOT(removeFavorite()));
+    m_editFavoriteAction = addAction("editFavoriteAction", tr("Edit..."), SLOT(editFavorite()));
+    m_removeFavoriteAction = addAction("removeFavoriteAction", tr("Remove"), SLOT(removeFavorite()));
     menu->addSeparator();
     addAction("addCurrentAction", tr("Add Current..."), SLOT(addFavorite()));
-    m_favoritesList->setMenu(menu, edit, remove);
+    QObject::connect(m_favoritesList, &QWidget::customContextMenuRequested, menu,
+                     [this, menu](const QPoint& position) {
+                         enableFavoriteEditing();
+                         menu->popup(m_favoritesList->viewport()->mapToGlobal(position));
+                     });
 
     QObject::connect(m_favoritesList->selectionModel(),
                      SIGNAL(currentChanged(const QModelIndex&, const QModelIndex&)), q,
@@ -70,10 +74,7 @@ void FileBrowser::Private::resetFavoritesModel()
 
 void FileBrowser::favoriteSelected(QModelIndex current)
 {
-    const Favorite* favorite = d->m_favoritesProxy->favorite(current);
-    const bool editable = favorite && favorite->isEditable();
-    d->m_controls.editFavoriteButton->setEnabled(editable);
-    d->m_controls.removeFavoriteButton->setEnabled(editable);
+    d->enableFavoriteEditing();
     const int row = d->m_favoritesProxy->sourceRow(current);
     if (row < 0)
         return;
@@ -103,19 +104,33 @@ void FileBrowser::addFavorite()
     d->m_favoritesChanged = true;
 }
 
-// A copy of the favourite in a row, if the user may change it.
-std::optional<Favorite> FileBrowser::Private::editableFavorite(int row) const
+int FileBrowser::Private::currentFavorite() const
 {
-    const Favorite* favorite = m_favoritesModel->favorite(row);
+    return m_favoritesProxy->sourceRow(m_favoritesList->currentIndex());
+}
+
+// A copy of the current favourite, if the user may change it.
+std::optional<Favorite> FileBrowser::Private::editableFavorite() const
+{
+    const Favorite* favorite = m_favoritesModel->favorite(currentFavorite());
     return favorite && favorite->isEditable() ? std::optional<Favorite>(*favorite) : std::nullopt;
+}
+
+void FileBrowser::Private::enableFavoriteEditing()
+{
+    const bool editable = editableFavorite().has_value();
+    m_controls.editFavoriteButton->setEnabled(editable);
+    m_controls.removeFavoriteButton->setEnabled(editable);
+    m_editFavoriteAction->setEnabled(editable);
+    m_removeFavoriteAction->setEnabled(editable);
 }
 
 // While a dialog is open its host may change the favourites: what was asked about is looked up again.
 
 void FileBrowser::editFavorite()
 {
-    const int row = d->m_favoritesProxy->sourceRow(d->m_favoritesList->currentIndex());
-    const std::optional<Favorite> before = d->editableFavorite(row);
+    const int row = d->currentFavorite();
+    const std::optional<Favorite> before = d->editableFavorite();
     if (!before)
         return;
     Favorite edited = *before;
@@ -133,8 +148,8 @@ void FileBrowser::editFavorite()
 
 void FileBrowser::removeFavorite()
 {
-    const int row = d->m_favoritesProxy->sourceRow(d->m_favoritesList->currentIndex());
-    const std::optional<Favorite> before = d->editableFavorite(row);
+    const int row = d->currentFavorite();
+    const std::optional<Favorite> before = d->editableFavorite();
     if (!before)
         return;
     const QPointer<QMessageBox> box = new QMessageBox(

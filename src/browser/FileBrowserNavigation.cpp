@@ -31,7 +31,7 @@ QDir FileBrowser::directory() const
 
 void FileBrowser::setDirectory(QDir dir, bool keepFilename, bool doRefresh)
 {
-    if (d->m_hasDirectory && dir == d->m_directory) {
+    if (!d->m_history.isEmpty() && dir == d->m_directory) {
         if (doRefresh && !d->m_listed)
             refresh();
         return;
@@ -39,7 +39,6 @@ void FileBrowser::setDirectory(QDir dir, bool keepFilename, bool doRefresh)
     if (!Private::isOnDisk(dir))
         return;
     d->m_directory = dir;
-    d->m_hasDirectory = true;
     d->m_listed = false;
     d->m_awaited = {};
     d->m_awaitsTop = true;

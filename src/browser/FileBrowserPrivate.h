@@ -8,11 +8,12 @@
 #include "browser/ShownState.h"
 #include "catalogue/DirectoryWatch.h"
 
+#include <QMutex>
 #include <QPointer>
 #include <QTimer>
 #include <optional>
 
-class QMenu;
+class QAction;
 
 namespace Halvern::UI {
 
@@ -23,13 +24,13 @@ struct DirectoryRows;
 class ListNotice;
 class RowChanges;
 
-/// What a browser consists of, and what its member functions share.
 class FileBrowser::Private
 {
 public:
     /// What all browsers of the process share. The first five settings keys get a namespace.
     struct ClassWide
     {
+        QMutex colourMutex;
         QColor highlightColour = Qt::black;
         QColor queuedColour = Qt::red;
         bool useLastSavedDir = true;
@@ -56,15 +57,14 @@ public:
     // FileBrowserFavorites.cpp
     void initFavorites();
     void resetFavoritesModel();
-    std::optional<Favorite> editableFavorite(int row) const;
+    int currentFavorite() const;
+    std::optional<Favorite> editableFavorite() const;
+    void enableFavoriteEditing();
 
     // FileBrowserListing.cpp
     void selectTypedRow();
     void buildRows();
     void showArrivedAttributes();
-    void beginUpdate(const RowChanges& changes, const DirectoryRows& rows);
-    void updatePickList(const RowChanges& changes, const DirectoryRows& rows);
-    void endUpdate(bool succeeded);
     void showNotice();
     void updateSplitSequencesButton();
 
@@ -97,6 +97,9 @@ public:
     void initWatch();
     void watchIfShown();
     void noteReading();
+    void beginUpdate(const RowChanges& changes, const DirectoryRows& rows);
+    void updatePickList(const RowChanges& changes, const DirectoryRows& rows);
+    void endUpdate(bool succeeded);
 
     FileBrowser* const q;
 
@@ -112,7 +115,6 @@ public:
     PickList m_pickList;
     History m_history;
     QDir m_directory;
-    bool m_hasDirectory = false;
     bool m_listed = false; // refresh() ran, and no directory was set without it since
 
     // What is done when the list of the present read is there.
@@ -137,6 +139,8 @@ public:
     FavoritesModel* m_favoritesModel = nullptr;
     FavoritesProxy* m_favoritesProxy = nullptr;
     FavoritesList* m_favoritesList = nullptr;
+    QAction* m_editFavoriteAction = nullptr;
+    QAction* m_removeFavoriteAction = nullptr;
     DirectoryModel* m_model = nullptr;
     ProxyModel* m_proxy = nullptr;
     FilesList* m_filesList = nullptr;

@@ -5,11 +5,11 @@
 
 namespace Halvern::UI {
 
-/// The directories that a browser went to, with a cursor at the present one. "Forward" goes to those after
-/// it.
+/// The directories that a browser went to, with a cursor at the present one. "Forward" goes to the next.
 class History
 {
 public:
+    bool isEmpty() const { return m_directories.isEmpty(); }
     bool canGoBack() const { return m_position > 0; }
     bool canGoForward() const { return m_position + 1 < m_directories.size(); }
     /// Move the cursor and return the directory there. Only if canGoBack() or canGoForward().

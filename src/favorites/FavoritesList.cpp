@@ -4,8 +4,7 @@
 #include "favorites/FavoritesProxy.h"
 #include "widgets/LegibleDelegate.h"
 
-#include <QContextMenuEvent>
-#include <QMenu>
+#include <QMouseEvent>
 
 namespace Halvern::UI {
 
@@ -20,25 +19,8 @@ FavoritesList::FavoritesList(FavoritesProxy* proxy, QWidget* parent)
     setIconSize(QSize(IconSize, IconSize));
     // Asking ten thousand rows for their sizes would take seconds.
     setUniformItemSizes(true);
+    setContextMenuPolicy(Qt::CustomContextMenu);
     setModel(proxy);
-}
-
-void FavoritesList::setMenu(QMenu* menu, QAction* edit, QAction* remove)
-{
-    m_menu = menu;
-    m_editAction = edit;
-    m_removeAction = remove;
-}
-
-void FavoritesList::contextMenuEvent(QContextMenuEvent* event)
-{
-    if (!m_menu)
-        return;
-    const Favorite* current = m_favorites->favorite(currentIndex());
-    const bool editable = current && current->isEditable();
-    m_editAction->setEnabled(editable);
-    m_removeAction->setEnabled(editable);
-    m_menu->popup(event->globalPos());
 }
 
 void FavoritesList::focusInEvent(QFocusEvent* event)

@@ -19,11 +19,6 @@ void FavoritesProxy::setFaveType(FaveType type)
     invalidateFilter();
 }
 
-const Favorite* FavoritesProxy::favorite(const QModelIndex& index) const
-{
-    return m_favorites->favorite(sourceRow(index));
-}
-
 bool FavoritesProxy::filterAcceptsRow(int row, const QModelIndex& parent) const
 {
     return sourceModel() && row >= 0 && row < sourceModel()->rowCount(parent) &&

@@ -17,15 +17,11 @@ public:
     explicit FavoritesProxy(FavoritesModel* model, QObject* parent = nullptr);
 
     /// The bits of the browser's kind; FaveAll, the initial one, leaves only what every browser shows.
-    FaveType faveType() const { return m_faveType; }
-    /// Filters again if the kind changes.
     void setFaveType(FaveType type);
 
     FavoritesModel* favoritesModel() const { return m_favorites; }
     /// The row of the model for an index of this proxy, -1 for an invalid one.
     int sourceRow(const QModelIndex& index) const { return mapToSource(index).row(); }
-    /// The favourite of an index of this proxy; null if there is none any more.
-    const Favorite* favorite(const QModelIndex& index) const;
 
 protected:
     bool filterAcceptsRow(int row, const QModelIndex& parent) const override;
