@@ -7,8 +7,7 @@
 
 namespace Halvern::Base {
 
-/// A descriptor of a file, closed with the object. Calls that a signal interrupts are made again. What fails
-/// sets `errno`.
+/// A descriptor of a file, closed with the object. Interrupted calls are made again. Failures set `errno`.
 class OpenFile
 {
 public:

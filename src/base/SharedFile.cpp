@@ -4,7 +4,6 @@
 #include "base/OpenFile.h"
 
 #include <cerrno>
-#include <chrono>
 #include <cstdio>
 #include <fcntl.h>
 #include <limits.h>

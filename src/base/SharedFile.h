@@ -5,16 +5,14 @@
 #include <functional>
 #include <string>
 
-/// Small files that several programs, on several machines, read and write. Calls that a signal interrupts are
-/// made again.
+/// Small files that several programs, on several machines, read and write. Interrupted calls are made again.
 namespace Halvern::Base::SharedFile {
 
 /// What is larger is refused.
 inline constexpr std::size_t MostBytes = 16 << 20;
 
 /// Reads a whole file into @p contents. Returns 0, or the system's error number with @p contents empty:
-/// ENOENT only if there is no such file, EFBIG if it has more than MostBytes. A device or pipe reads as
-/// empty.
+/// ENOENT only if there is no such file, EFBIG for more than MostBytes. A device or pipe reads as empty.
 int read(const std::string& path, std::string& contents);
 
 /// Turns the old contents of a file into the new ones. @p error is what read() returned; @p contents holds

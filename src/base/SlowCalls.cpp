@@ -43,8 +43,7 @@ std::size_t callUntilSlow(std::size_t count, const Call& call)
     return count;
 }
 
-// What the callers share. A helper that starts late finds no call left and does not touch `call`, which is
-// gone by then.
+// What the callers share. A helper that starts late finds no call left; `call` is gone by then.
 struct Calls
 {
     void makeSome()

@@ -28,7 +28,6 @@ public:
     /// After the last terminator.
     const char* end() const { return m_bytes.data() + m_bytes.size(); }
 
-    /// The entries of @p indexes, in that order.
     SortKeys inOrder(const std::vector<int>& indexes) const;
 
 private:

@@ -137,18 +137,10 @@ QVariant FileBrowser::DirectoryModel::headerData(int section, Qt::Orientation /*
 {
     if (role == Qt::TextAlignmentRole)
         return alignment(section);
-    if (role != Qt::DisplayRole)
+    if (role != Qt::DisplayRole || section < 0 || section >= ColumnCount)
         return {};
-    switch (section) {
-    case NameColumn:
-        return tr("Name");
-    case SizeColumn:
-        return tr("Size");
-    case ModifiedColumn:
-        return tr("Modified");
-    default:
-        return {};
-    }
+    const QString titles[ColumnCount] = {tr("Name"), tr("Size"), tr("Modified")};
+    return titles[section];
 }
 
 void FileBrowser::DirectoryModel::setDirectory(const QDir& dir, SequenceMode /*mode*/, bool force)

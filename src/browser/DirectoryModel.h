@@ -9,6 +9,7 @@
 #include <QAbstractItemModel>
 #include <QDir>
 #include <memory>
+#include <string>
 #include <vector>
 
 namespace Halvern::UI {
@@ -59,8 +60,8 @@ public:
     /// mode in force is that of setSequenceMode(). A present directory that can't be opened keeps its rows.
     void setDirectory(const QDir& dir, SequenceMode mode, bool force);
     const QDir& directory() const { return m_directory; }
-    /// Rebuilds the rows from the entries that have arrived and resets the model. While an evaluator
-    /// is asked it waits for the answer.
+    std::string path() const { return m_directory.absolutePath().toStdString(); } ///< In UTF-8.
+    /// Rebuilds the rows from what has arrived and resets the model. While an evaluator is asked it waits.
     void buildRunningList();
     /// Reads the present directory again. Does nothing while there are no rows, unless the last read failed.
     void refreshList();
@@ -82,9 +83,7 @@ public:
     /// of rows one by one, which is the fastest.
     void setShownAsOrdered(bool shown) { m_shownAsOrdered = shown; }
     void resetModel();
-    /// Announces the cells from @p from to @p to as changed.
     void refreshModel(const QModelIndex& from, const QModelIndex& to) { emit dataChanged(from, to); }
-    /// Announces all cells as changed.
     void updateInfo(int first, int count);
 
     /// The row under the mouse, -1 for none. Setting it announces nothing.
@@ -104,7 +103,6 @@ public:
     bool isListReady() const { return m_listReady; }
     /// Why the listing is empty or incomplete: an error number of the system, 0 if it succeeded.
     int readError() const { return m_buildError != 0 ? m_buildError : m_manager->readError(); }
-    /// Whether names are still to come.
     bool isReading() const { return m_reading; }
     /// Whether every file that was read has its size and time.
     bool hasAllAttributes() const { return m_manager->isInfoComplete(); }
@@ -113,7 +111,6 @@ public:
     const std::vector<FileInfo*>& rows() const { return m_rows.entries; }
     /// Of rows(), as they were when these were built. Rows beyond it are about to be removed.
     const NameOrder& nameOrder() const { return m_rows.names; }
-    /// See DirectoryRows::isInNameOrder().
     bool isInNameOrder() const { return m_rows.isInNameOrder(); }
     /// The name of a row with an entry, as it is displayed, without range and "/".
     const char* displayName(int row) const { return m_rows.name(static_cast<std::size_t>(row)); }
@@ -138,10 +135,8 @@ signals:
     void readFailed();
     /// Entries die, or an evaluator is asked, which may free rows of its own making.
     void entriesExpire();
-    /// Each entry of @p before was replaced by that of @p after at the same index, null if there is none, and
-    /// must not be followed any more.
+    /// Each entry of @p before is replaced by that of @p after at its index, null for none, and then dies.
     void entriesReplaced(const std::vector<FileInfo*>& before, const std::vector<FileInfo*>& after);
-    /// The rows are about to become @p rows.
     void rowsAboutToBeUpdated(const Halvern::UI::RowChanges& changes, const Halvern::UI::DirectoryRows& rows);
     /// The rows stand as announced.
     void rowsUpdated();

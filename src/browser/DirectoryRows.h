@@ -11,8 +11,7 @@ namespace Halvern::UI {
 class FileInfo;
 class FileManager;
 
-/// The rows of a directory in the order of the model. The entries are borrowed, and may be null if an
-/// evaluator gave them.
+/// The rows of a directory in the order of the model. Entries are borrowed, and an evaluator's may be null.
 struct DirectoryRows
 {
     DirectoryRows();
@@ -26,8 +25,7 @@ struct DirectoryRows
     /// What each row is recognised by. The texts belong to the entries, and to those of @p manager.
     std::vector<RowKey> keys(const FileManager& manager) const;
 
-    /// Whether sorting by name leaves the rows as they are. False if names have equal keys, which change
-    /// places then.
+    /// Whether sorting by name leaves the rows as they are; names with equal keys would change places.
     bool isInNameOrder() const;
 
     std::vector<FileInfo*> entries;

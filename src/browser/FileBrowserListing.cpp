@@ -50,8 +50,7 @@ void FileBrowser::refresh()
     d->noteReading();
 }
 
-// The row that the filename field names becomes the current row. A row that is the only one may differ from
-// what was typed in case.
+// The row that the filename field names becomes the current row; in any letter case if it is the only one.
 void FileBrowser::Private::selectTypedRow()
 {
     const QString text = m_controls.filenameEdit->text();

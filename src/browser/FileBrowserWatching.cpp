@@ -15,15 +15,6 @@
 
 namespace Halvern::UI {
 
-namespace {
-
-std::string pathOf(const FileBrowser::DirectoryModel& model)
-{
-    return model.directory().absolutePath().toStdString();
-}
-
-} // namespace
-
 void FileBrowser::setWatched(bool watched)
 {
     d->m_watched = watched;
@@ -46,7 +37,7 @@ void FileBrowser::Private::initWatch()
     // Rows are also empty while an evaluator is asked, which reads nothing.
     QObject::connect(m_model, &DirectoryModel::readStarted, &m_watch, [this] {
         if (m_model->isReading())
-            m_watch.beginRead(pathOf(*m_model));
+            m_watch.beginRead(m_model->path());
     });
 }
 
@@ -58,8 +49,8 @@ void FileBrowser::Private::watchIfShown()
 // Tells the watch when the list is complete, and of a folder that could not be opened.
 void FileBrowser::Private::noteReading()
 {
-    if (m_watch.path() != pathOf(*m_model))
-        m_watch.beginRead(pathOf(*m_model));
+    if (m_watch.path() != m_model->path())
+        m_watch.beginRead(m_model->path());
     const bool failed = m_model->readError() != 0;
     if (!m_model->isReading() && !m_model->isUpdating() && (failed || m_model->hasAllAttributes()))
         m_watch.endRead(0, !failed);

@@ -80,8 +80,7 @@ void FileBrowser::FilesList::mousePressEvent(QMouseEvent* event)
     QTreeView::mousePressEvent(event);
 }
 
-// The first click may have opened the folder that it was on. The second was meant for that folder too, not
-// for what is in its place now.
+// The first click may have opened its folder. The second does not mean what is in that place now.
 void FileBrowser::FilesList::mouseDoubleClickEvent(QMouseEvent* event)
 {
     if (m_pressedFolder.isEmpty() || m_pressedFolder == m_model->directory().path())

@@ -43,7 +43,6 @@ public:
         bool isEmpty() const { return selected.isEmpty() && current.first.isEmpty(); }
     };
     Choice choice() const;
-    /// The name of the current row.
     RowName currentName() const { return nameOf(m_proxy->mapToSource(currentIndex()).row()); }
     /// Selects the rows of @p choice that exist, and no others, and makes its current row the current one.
     /// A sequence that has other frames by now is found by its name without the range, once all names are

@@ -19,18 +19,13 @@ public:
     /// All outlive the menu. The actions call slots of @p browser, which is the parent.
     FilesMenu(DirectoryModel* model, FilesList* list, const PickList& pickList, QWidget* browser);
 
-    /// Makes the actions and connects them.
     void defaultSetup();
-    /// Shows or hides "Add" and "Remove".
     void setEditActionsVisible(bool visible);
-    /// Collects the items for a shortcut. The menu's items are kept if it was opened before and @p force
-    /// is not set.
+    /// Collects the items for a shortcut, or keeps those of a menu that was opened unless @p force is set.
     void updateEditData(bool force);
     void prepareItemsForEditing();
-    /// Enables all actions.
     void enableActions();
 
-    /// The entries that the next "Add" or "Remove" acts on.
     const QList<FileInfo*>& items() const { return m_editItems; }
     /// "Add" or "Remove" was carried out: the next shortcut collects its items anew.
     void finishEditing() { m_menuOpen = false; }

@@ -46,18 +46,16 @@ void ListNotice::update()
         if (m_waitedLong)
             empty = FileBrowser::tr("Reading ") + QChar(0x2026);
     } else {
-        const auto failure = [](int error) {
-            return FileBrowser::tr("This folder can't be read: %1").arg(errorText(error));
-        };
-        const int error = m_model->readError();
-        const int errorNow = m_model->updateError();
-        if (error != 0 && hasNames())
-            problem = FileBrowser::tr("Not all of this folder could be read: %1").arg(errorText(error));
-        else if (errorNow != 0 && hasNames())
-            problem = failure(errorNow);
-        if ((error != 0 || errorNow != 0) && problem.isEmpty())
-            empty = failure(error != 0 ? error : errorNow);
-        else if (m_proxy->rowCount() == 0)
+        const int readError = m_model->readError();
+        const int error = readError != 0 ? readError : m_model->updateError();
+        if (error != 0) {
+            const bool isIncomplete = hasNames();
+            const QString text = isIncomplete && readError != 0
+                                     ? FileBrowser::tr("Not all of this folder could be read: %1")
+                                     : FileBrowser::tr("This folder can't be read: %1");
+            (isIncomplete ? problem : empty) = text.arg(errorText(error));
+        }
+        if (empty.isEmpty() && m_proxy->rowCount() == 0)
             empty = m_proxy->reasonForNoRows();
     }
     if (empty == m_emptyText && problem == m_problemText)

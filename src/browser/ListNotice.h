@@ -16,8 +16,7 @@ public:
     /// @p model is the source of @p proxy.
     ListNotice(FileBrowser::DirectoryModel* model, FileBrowser::ProxyModel* proxy, QObject* parent);
 
-    /// To be shown in place of rows: "This folder is empty.", or that a read takes its time. Empty while
-    /// there are rows to see.
+    /// In place of rows: "This folder is empty.", or that reading takes long. Empty if there are rows.
     const QString& emptyText() const { return m_emptyText; }
     /// To be shown beside rows: that the folder could not be read to its end. Empty if it could.
     const QString& problemText() const { return m_problemText; }

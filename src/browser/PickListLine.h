@@ -4,8 +4,7 @@
 
 namespace Halvern::UI {
 
-/// The line below the list that tells how many paths the pick list has. Its tooltip lists them. It hides
-/// itself while there are none.
+/// The line below the list with the number of paths in the pick list, hidden if none. Its tooltip lists them.
 class PickListLine : public QLabel
 {
     Q_OBJECT
@@ -16,7 +15,6 @@ public:
     void showPaths(const QStringList& paths);
 
 signals:
-    /// A mouse button was pressed on the line.
     void menuRequested(const QPoint& globalPosition);
 
 protected:

@@ -200,10 +200,9 @@ bool FileBrowser::ProxyModel::matchesPrefix(const char* name) const
     if (name[0] == '.' && (m_namePrefix.empty() || m_namePrefix[0] != '.'))
         return false;
     // A name that ends early differs at its terminator.
-    return (m_namePrefix.empty() || name[0] != '\0') &&
-           std::equal(m_namePrefix.begin(), m_namePrefix.end(), name, [](char wanted, char present) {
-               return Base::lowerCase(wanted) == Base::lowerCase(present);
-           });
+    return std::equal(m_namePrefix.begin(), m_namePrefix.end(), name, [](char wanted, char present) {
+        return Base::lowerCase(wanted) == Base::lowerCase(present);
+    });
 }
 
 bool FileBrowser::ProxyModel::isNameLess(const RowKey& left, const RowKey& right)

@@ -10,8 +10,7 @@
 namespace Halvern::UI {
 
 /// Filters and orders the rows of a DirectoryModel: hides names that begin with ".", applies the wildcard
-/// filter and the typed name prefix, and sorts. It filters and sorts when it is told to, not when data
-/// change.
+/// filter and the typed name prefix, and sorts. It does so when it is told to, not when data change.
 class FileBrowser::ProxyModel : public QSortFilterProxyModel
 {
     Q_OBJECT
@@ -20,8 +19,7 @@ public:
     /// @p model is the source. It outlives the proxy.
     ProxyModel(DirectoryModel* model, QObject* parent);
 
-    /// Rows must begin with @p text in any letter case, with "#" in place of printf tokens; a leading "."
-    /// shows hidden names too.
+    /// Rows must begin with @p text in any case, "#" for printf tokens. A leading "." shows hidden names too.
     void setNamePrefix(const QString& text);
     /// As the rows must begin, in UTF-8; empty if any may.
     const std::string& namePrefix() const { return m_namePrefix; }

@@ -22,7 +22,6 @@ public:
         m_batches.push_back(std::move(batch));
     }
 
-    /// The next batch, or null.
     BatchPointer take()
     {
         const std::lock_guard<std::mutex> lock(m_mutex);
@@ -40,7 +39,6 @@ public:
         return m_batches.size();
     }
 
-    /// Forgets the batches that wait.
     void clear()
     {
         const std::lock_guard<std::mutex> lock(m_mutex);

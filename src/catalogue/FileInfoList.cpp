@@ -16,8 +16,7 @@ namespace Halvern::UI {
 
 namespace {
 
-/// The names of a directory, sorted. Names and keys stand close together, so that sorting does not wait for
-/// memory.
+/// The names of a directory, sorted. Names and keys stand close together, so that sorting is fast.
 class DirectoryScan
 {
 public:

@@ -73,8 +73,7 @@ public:
     /// to date. Records beyond the last entry are ignored, and so is a null batch. With @p announce it emits
     /// infoUpdated(), or refreshList() while re-evaluation is on.
     void updateInfo(const std::vector<FileInfoWrapper>* batch, bool announce);
-    /// Whether unpadded frame numbers of one width count as padded to it (default: no). Concerns sequences
-    /// built from now on.
+    /// Whether unpadded frame numbers of one width count as padded to it, in new sequences (default: no).
     void setAssumeZeroPadding(bool assume);
     /// Whether every batch of attributes groups all files anew first (default: no).
     void setReevaluationEnabled(bool enabled);
@@ -91,8 +90,8 @@ public:
     void buildRunningList(std::vector<FileInfo*>* out, Base::FileHandle::ListType type);
 
     /// Reads @p name as a frame. On true, @p frame is the number, @p pattern (at least 1024 bytes) the name
-    /// with the digits replaced by one "#", @p digits their number and @p padded whether they begin with "0".
-    /// Example: "img.0042.exr" gives 42, "img.#.exr", 4 and true.
+    /// with the digits replaced by one "#", @p digits their number, @p padded whether the first of several is
+    /// "0". Example: "img.0042.exr" gives 42, "img.#.exr", 4 and true.
     static bool isSequence(const char* name, int& frame, char* pattern, int& digits, bool& padded);
     /// See FileInfo::addSequenceFileExtension().
     static void addSequenceFileExtension(const char* extension);

@@ -14,7 +14,6 @@
 
 namespace Halvern::UI {
 
-/// What a manager reads with, and what it has read.
 struct FileManager::Private
 {
     static constexpr qint64 TurnShare = 8; // milliseconds

@@ -222,8 +222,7 @@ void FileManager::fileNameFinished(bool withInfo)
         emit infoUpdated(0, -1);
 }
 
-// The worker runs in the process that forked this one. Here nobody would ever end it, and the locks that it
-// held stay locked.
+// The worker runs in the process that forked this one. Here nobody would end it or unlock its locks.
 void FileManager::leaveToParentProcess()
 {
     [[maybe_unused]] static Private* left; // for leak checkers

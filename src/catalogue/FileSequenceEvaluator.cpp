@@ -15,10 +15,9 @@ FileSequenceEvaluator::FileSequenceEvaluator()
 }
 
 FileSequenceEvaluator::FileSequenceEvaluator(const FileSequenceEvaluator& other)
-    : m_manager(other.m_manager)
-    , m_ownEntries(std::make_shared<EntryPool>())
-    , m_lifetime(std::make_shared<bool>())
+    : FileSequenceEvaluator()
 {
+    m_manager = other.m_manager;
 }
 
 FileSequenceEvaluator& FileSequenceEvaluator::operator=(const FileSequenceEvaluator& other)

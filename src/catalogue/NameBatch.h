@@ -7,8 +7,7 @@
 
 namespace Halvern::UI {
 
-/// Names as a directory gave them, close together in memory: those of a million files are read one after the
-/// other by two threads.
+/// Names as a directory gave them, close together in memory: two threads read those of a million files.
 class NameBatch
 {
 public:

@@ -29,8 +29,7 @@ public:
     /// The order of @p entries, finished.
     explicit NameOrder(const std::vector<FileInfo*>& entries, Places places = ByKey);
 
-    /// Whether the sort keys of two entries decide their order by name: both names are shorter than 129
-    /// bytes.
+    /// Whether the sort keys decide the order of two entries by name: the names are shorter than 129 bytes.
     static bool isKeyed(const FileInfo& entry);
 
     /// The next entry, which may be null. Nothing is added after finish().
@@ -39,7 +38,6 @@ public:
     void finish();
     bool isFinished() const { return m_finished; }
 
-    /// How many were added.
     std::size_t size() const { return m_keys.size(); }
     /// The number of each in the sequence of adding.
     const std::vector<int>& places() const { return m_places; }

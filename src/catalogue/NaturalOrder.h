@@ -11,8 +11,7 @@ namespace Halvern::UI {
 /// zeros count), and of two equally long runs the one with the larger first differing digit. Other bytes
 /// compare by value in lower case, a lower-case letter before the same letter in upper case.
 ///
-/// Names are turned into keys once. The order of keys by `strcmp` is the natural order of their names, and
-/// only equal names have equal keys.
+/// Names are turned into keys once. `strcmp` orders the keys, and only equal names have equal keys.
 class NaturalOrder
 {
 public:

@@ -35,10 +35,8 @@ public:
     std::size_t apply(const std::vector<FileInfoWrapper>& infos);
     /// How many entries have attributes from apply().
     std::size_t knownCount() const { return m_known; }
-    /// How many files and folders were added.
     std::size_t size() const { return m_files.size(); }
 
-    /// Replaces @p out by the rows of the given list type.
     void rows(std::vector<FileInfo*>& out, Base::FileHandle::ListType type);
 
     /// Forgets all entries; their memory is used again. Destroying what is returned takes time in proportion

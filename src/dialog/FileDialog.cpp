@@ -1,7 +1,6 @@
 #include "dialog/FileDialog.h"
 
 #include "widgets/AppSettings.h"
-#include "widgets/FilePathEdit.h"
 
 #include <QComboBox>
 #include <QDragEnterEvent>

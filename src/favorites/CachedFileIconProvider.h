@@ -10,8 +10,7 @@ namespace Halvern::UI {
 class CachedFileIconProvider
 {
 public:
-    /// The icon of the folder with the absolute path @p path: the home and the root folder have icons of
-    /// their own.
+    /// The icon of the folder with this absolute path: the home and the root folder have their own.
     QIcon folderIcon(const QString& path);
     static QIcon driveIcon();
     /// The icon in an image file, read at the size that icons are shown in. Null if @p path names no image

@@ -18,7 +18,6 @@ class EditFavoriteDialog : public QDialog
     Q_OBJECT
 
 public:
-    /// Shows the values of @p favorite, which it does not keep.
     EditFavoriteDialog(QWidget* parent, Favorite& favorite);
 
     /// Shows or hides the boxes for the kinds of browser (default: shown).

@@ -27,11 +27,9 @@ std::string format(const QList<Favorite>& favorites, const QString& productName)
 /// Nothing is an error. Each single space ends a field, and both kinds of quotes group; one that never closes
 /// reaches to the end of its line. Lines whose first field does not hold "add_favorite_dir" are skipped.
 /// Fields that are missing are empty. The name is read where the key text could stand. Folders are cleaned:
-/// "/shots//a/../b/" gives "/shots/b". Options and fields that have no meaning here are kept with the
-/// favourite.
+/// "/shots//a/../b/" gives "/shots/b". Options and fields without a meaning here are kept.
 QList<Favorite> parse(const std::string& text);
 
-/// Whether some line has more than MostLineBytes.
 bool hasOverlongLine(const std::string& text);
 
 /// @p text as a line can hold it: up to its first line end, at most 4000 characters, with typographic
@@ -40,8 +38,7 @@ QString holdable(const QString& text);
 /// The same for a name, which an option would be read in place of: "-old" gives "_-old".
 QString holdableName(const QString& text);
 
-/// What the file holds of each persistent favourite, as it is read back: equal for favourites that have equal
-/// lines.
+/// What the file holds of each persistent favourite, as it is read back. Equal lines give equal keys.
 using Keys = std::vector<std::string>;
 Keys keys(const QList<Favorite>& favorites);
 

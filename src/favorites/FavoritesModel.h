@@ -8,15 +8,13 @@
 
 namespace Halvern::UI {
 
-/// The favourites as rows of one column. It shows the list as it was at the last resetModel(): others change
-/// the list without telling.
+/// The favourites as rows of one column. Shows the list as it was at the last resetModel().
 class FavoritesModel : public QAbstractListModel
 {
     Q_OBJECT
 
 public:
-    /// Neither @p list nor @p highlight, the colour behind the row under the mouse, is owned; both outlive
-    /// the model.
+    /// @p list and @p highlight, the colour of the row under the mouse, are not owned and outlive the model.
     FavoritesModel(const QList<Favorite>* list, const QColor* highlight, QObject* parent = nullptr);
 
     int rowCount(const QModelIndex& parent = QModelIndex()) const override;
@@ -25,7 +23,6 @@ public:
 
     /// Takes over what the list holds by now. No row is hovered after it.
     void resetModel();
-    /// Announces the rows from @p from to @p to as changed.
     void refreshModel(const QModelIndex& from, const QModelIndex& to) { emit dataChanged(from, to); }
 
     /// The row under the mouse, -1 for none. Setting it announces nothing.

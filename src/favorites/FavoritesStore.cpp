@@ -143,8 +143,7 @@ void FavoritesStore::take(int error, QList<Favorite>& loaded, Duplicates duplica
     const int rank = Favorite(false, true).favoriteRank();
     int position = insertionPoint(rank);
     if (duplicates == Duplicates::LeftOut) {
-        // What was added in the meantime takes the place of what it would have replaced, and the rest comes
-        // before it.
+        // What was added meanwhile takes the place of what it would have replaced. The rest comes before it.
         loaded.erase(std::remove_if(loaded.begin(), loaded.end(),
                                     [this](const Favorite& favorite) {
                                         return findPersistent(favorite) != m_list->end();

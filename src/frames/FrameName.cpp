@@ -3,7 +3,6 @@
 #include "base/Text.h"
 #include "frames/Placeholder.h"
 
-#include <QStringBuilder>
 #include <climits>
 #include <cstdlib>
 #include <cstring>

@@ -2,8 +2,7 @@
 
 namespace Halvern::Base {
 
-/// One run of frames: `first`, `first + step`, … `last`. A single frame is a run whose `first` equals its
-/// `last`.
+/// One run of frames: `first`, `first + step`, … `last`. A single frame has equal `first` and `last`.
 struct FrameRange
 {
     int first = 0;

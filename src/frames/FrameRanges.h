@@ -86,8 +86,7 @@ public:
     /// Number of frames; up to 2^32, which is more than int holds.
     long long count() const { return m_runs.empty() ? 0 : m_endIndexes.back(); }
     bool contains(int frame) const;
-    /// The frame at @p index in ascending order, from 0. Nothing, and a line on standard output, if there
-    /// is none.
+    /// The frame at @p index in ascending order, from 0. Nothing, and a line on standard output, if none.
     std::optional<int> frame(long long index) const;
 
     Iterator begin() const { return {m_runs.data(), m_runs.data() + m_runs.size()}; }

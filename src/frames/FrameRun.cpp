@@ -70,8 +70,7 @@ std::vector<ListedName> FrameRun::listedNames(bool split) const
     return names;
 }
 
-// Empty if no interval skips a frame at the step that was known by then. A last frame that stands alone is
-// left out.
+// Empty if no interval skips a frame at the step known by then. A last frame that stands alone is left out.
 std::vector<Base::FrameRange> FrameRun::presentRuns() const
 {
     std::vector<Base::FrameRange> runs = m_closedRuns;

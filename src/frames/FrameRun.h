@@ -15,8 +15,7 @@ struct ListedName
     bool isSequence = false;
 };
 
-/// Numbered files of one pattern that follow each other in a sorted listing. Grows one name at a time, then
-/// tells how the names are listed.
+/// Numbered files of one pattern that follow each other in a sorted listing, and how they are listed.
 class FrameRun
 {
 public:
@@ -28,7 +27,6 @@ public:
     /// Adds the next name, if its pattern is the same but for the number of "#" and its frame is larger. Else
     /// false, and nothing changes.
     bool take(const QString& pattern, int frame);
-    /// Names taken so far.
     int size() const { return m_size; }
 
     /// The names under which a run of two or more is listed, in the forms of FileInfoList: a single one, or

@@ -31,8 +31,7 @@ HVCOREUI_EXPORT QString withHashes(const QString& name);
 /// before the name stay as they are.
 HVCOREUI_EXPORT QString withFrame(const QString& path, int frame);
 
-/// The bytes of a pattern with its first "#" widened to @p hashes of them: "img.#.exr" and 4 give
-/// "img.####.exr".
+/// A pattern with its first "#" widened to @p hashes of them: "img.#.exr" and 4 give "img.####.exr".
 HVCOREUI_EXPORT std::string widened(std::string_view pattern, int hashes);
 
 /// The text of a pattern before its first "#" and after its last; all of it, both times, if it has none. They
@@ -50,8 +49,7 @@ struct NameWithRange
 
 /// Takes the range off the name of a sequence, and the list of runs after it: "shot.%04d.exr 1-100 ( 1-50
 /// 60-100 )" gives "shot.%04d.exr", 1 and 100. Numbers beyond int become the largest or the smallest one.
-/// Nothing if no range follows the last blank, or the last blank before the first " (". Folders before the
-/// name are not looked at and stay.
+/// Nothing if no range follows the last blank, or the last before the first " (". Folders stay as they are.
 HVCOREUI_EXPORT std::optional<NameWithRange> splitRange(const QString& path);
 
 /// The range as listed names carry it: "1-100".

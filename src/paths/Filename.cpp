@@ -19,30 +19,22 @@ using Halvern::Base::startsWith;
 
 namespace {
 
-/// What was found out about one name. The process has one.
-struct StatusCache
-{
-    bool used = false;
-    std::string name;
-    std::optional<struct stat> status;
-};
-
-/// The status of @p name, from the cache if it was the last name; null if it can't be examined.
+/// The status of @p name, asked for again only after another name; null if it can't be examined.
 const struct stat* examine(const char* name)
 {
-    static StatusCache cache;
+    static std::optional<std::string> lastName;
+    static std::optional<struct stat> status;
     if (!name)
         return nullptr;
-    if (!cache.used || cache.name != name) {
-        cache.used = true;
-        cache.name = name;
+    if (lastName != name) {
+        lastName = name;
         const QByteArray encoded = QFile::encodeName(QString::fromUtf8(name));
-        cache.status = Halvern::Base::fileStatus(encoded.constData());
+        status = Halvern::Base::fileStatus(encoded.constData());
         // A name that is not UTF-8, or not expressible in the locale, is still a name on disk.
-        if (!cache.status && encoded != name)
-            cache.status = Halvern::Base::fileStatus(name);
+        if (!status && encoded != name)
+            status = Halvern::Base::fileStatus(name);
     }
-    return cache.status ? &*cache.status : nullptr;
+    return status ? &*status : nullptr;
 }
 
 int writeText(char* to, int size, const std::string& text)

@@ -16,8 +16,7 @@
 /// null. Example: "/shots/a.exr" gives "a.exr", "/shots/" gives "".
 HVCOREUI_EXPORT const char* filename_name(const char* path);
 
-/// Writes the absolute form of @p from into @p to, a buffer of @p size bytes, and returns the length of the
-/// text in it.
+/// Writes the absolute form of @p from into the buffer @p to of @p size bytes. Returns the length written.
 ///
 /// What does not fit is cut off silently, always with a terminator; a @p size below 1 or a null @p to writes
 /// nothing and gives 0. The path need not exist, and @p to may be the same buffer as @p from. A null @p from

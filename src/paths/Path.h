@@ -13,8 +13,7 @@ namespace Halvern::Base {
 /// Examples: "//shots/./010//" gives "/shots/010", "a/../../b" gives "../b", "/.." gives "/".
 HVCOREUI_EXPORT std::string normalisedPath(const std::string& path);
 
-/// @p folder ending in a separator, so that a name can follow it. Examples: "/shots" gives "/shots/", "/"
-/// stays.
+/// @p folder with a separator at its end, for a name to follow: "/shots" gives "/shots/", "/" stays.
 HVCOREUI_EXPORT QString withSeparator(const QString& folder);
 
 } // namespace Halvern::Base

@@ -36,8 +36,7 @@ public:
 
     /// Reads one value of that file. Other values are not decoded, so that damaged or hostile ones do no
     /// harm. Nothing is returned for a value that is missing, of another type or out of range: texts of more
-    /// than 4096 characters, sizes below 1 or above 32767 pixels, and all values of a file of more than 16
-    /// MB.
+    /// than 4096 characters, sizes below 1 or above 32767 pixels, and all of a file of more than 16 MB.
     static std::optional<QString> Text(const QString& key);
     static std::optional<int> Number(const QString& key);
     static std::optional<bool> Flag(const QString& key);

@@ -8,8 +8,7 @@ namespace Halvern::UI {
 
 class DisclosureButton;
 
-/// Mix-in for a widget that several disclosure buttons control at once: it is shown only while all of them
-/// are checked.
+/// Mix-in for a widget that several disclosure buttons control: it is shown only while all are checked.
 ///
 /// Derive a widget from QWidget and from this class, in either order, and pass it to
 /// DisclosureButton::addWidget(). A button that is destroyed no longer counts. Buttons are not owned. GUI
@@ -23,8 +22,7 @@ public:
     DisclosableWidget(const DisclosableWidget&) = delete;
     DisclosableWidget& operator=(const DisclosableWidget&) = delete;
 
-    /// Whether every controlling button is checked; true without buttons. It does not matter whether the
-    /// buttons are visible.
+    /// Whether every controlling button is checked, visible or not; true without buttons.
     virtual bool isDisclosed() const;
 
 private:

@@ -138,8 +138,7 @@ QSize FrameSlider::minimumSizeHint() const
     return {LeastWidth, Height};
 }
 
-// In double, because the length of a view and its product with the width exceed int. Both are exact in
-// double.
+// In double: the length of a view and its product with the width exceed int, but are exact in double.
 int FrameSlider::valueToMouse(double v) const
 {
     if (m_viewEnd == m_viewStart)

@@ -7,13 +7,6 @@
 #include <QKeyEvent>
 #include <algorithm>
 
-namespace {
-
-constexpr int PageOfFrames = 10;
-constexpr int StepsAcrossTheView = 10;
-
-} // namespace
-
 /// The slider for screen readers: the value is the head, its range the view.
 class FrameSlider::Accessible : public QAccessibleWidget, public QAccessibleValueInterface
 {
@@ -76,6 +69,8 @@ void FrameSlider::moveHead(qint64 frame)
 void FrameSlider::keyPressEvent(QKeyEvent* event)
 {
     constexpr int Alt = Qt::AltModifier;
+    constexpr int PageOfFrames = 10;
+    constexpr int StepsAcrossTheView = 10;
     const auto modifiers = static_cast<int>(event->modifiers() & ~(Qt::KeypadModifier | Qt::ShiftModifier));
     const qint64 tenth = std::max<qint64>((qint64(m_viewEnd) - m_viewStart) / StepsAcrossTheView, 1);
     switch (event->key() | modifiers) {

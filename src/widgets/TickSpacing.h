@@ -37,8 +37,7 @@ struct ScaleNumber
     int right = 0; ///< The pixel after its last.
 };
 
-/// The numbers of a scale from left to right: the first and the last frame in view, and between them the
-/// frames at the label spacing.
+/// The numbers of a scale from left to right: first and last frame in view, and those at the label spacing.
 ///
 /// A number is centred on its tick. A number that would touch its neighbour is left out, also the last one.
 /// If the number of an end is too wide for the margin, it stands inside, beside its tick. It is left out if

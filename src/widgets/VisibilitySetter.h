@@ -8,11 +8,9 @@
 
 namespace Halvern::UI {
 
-/// Records which widgets are to be shown and hidden, for a tree of disclosure buttons, and then shows and
-/// hides them.
+/// Records which widgets of a tree of disclosure buttons are to be shown and hidden, and then does it.
 ///
-/// Widgets are handled in the order of recording. They are not owned, and destroyed widgets are skipped. GUI
-/// thread only.
+/// Widgets are handled in the order of recording. They are not owned. GUI thread only.
 class HVCOREUI_EXPORT VisibilitySetter
 {
 public:
