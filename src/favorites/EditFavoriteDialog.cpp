@@ -94,7 +94,6 @@ void EditFavoriteDialog::createChooserType(QGridLayout* grid, FaveType type, con
 
 void EditFavoriteDialog::setShowChooserTypes(bool show)
 {
-    m_showChooserTypes = show;
     m_chooserFrame->setVisible(show);
 }
 
@@ -105,7 +104,7 @@ void EditFavoriteDialog::applyTo(Favorite& favorite) const
     favorite.iconPath = FavoritesFile::holdable(m_iconEdit->text());
     favorite.tooltip = FavoritesFile::holdable(m_tooltipEdit->text());
     favorite.type = FaveAll;
-    if (!m_showChooserTypes)
+    if (m_chooserFrame->isHidden())
         return;
     for (const auto& [type, box] : m_chooserTypes)
         favorite.type |= box->isChecked() ? type : 0;

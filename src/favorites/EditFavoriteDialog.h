@@ -39,7 +39,6 @@ private:
     QLineEdit* m_tooltipEdit;
     QLineEdit* m_iconEdit;
     std::map<int, QCheckBox*> m_chooserTypes; // by FaveType
-    bool m_showChooserTypes = true;
 };
 
 } // namespace Halvern::UI
