@@ -182,42 +182,6 @@ private slots:
         }
     }
 
-    // If an allocation fails there are all rows or none, in a read and in an update.
-    void saysThatThereIsNoMemoryForRows()
-    {
-        if (!failsAllocations)
-            QSKIP("a sanitizer allocates");
-        QVERIFY(SampleFiles::makeFrames(m_folder->path(), "f%02d.exr", 1, 40));
-        QVERIFY(SampleFiles::makeFrames(m_folder->path(), "f%02d.txt", 1, 40));
-        BrowserWindow window(m_folder->path());
-        auto& model = *window.model();
-        int rows = 41;
-        int place = 0;
-        const auto isWhole = [&] { return window.isRead() && window.rows().size() == rows; };
-        // After the proxy and the view have got the signal: only the model's own allocations fail.
-        const auto beginToFail = [&] { faults[FirstAllocation] = std::exchange(place, 0); };
-        connect(&model, &QAbstractItemModel::modelAboutToBeReset, this, beginToFail);
-        connect(&model, &FileBrowser::DirectoryModel::rowsAboutToBeUpdated, this, beginToFail);
-        for (const bool isUpdate : {true, false}) {
-            for (const int failing : {1, 2, 3}) {
-                QTRY_VERIFY(isWhole());
-                place = failing;
-                if (isUpdate)
-                    QVERIFY(SampleFiles::make(m_folder->path(), "a" + QByteArray::number(rows++)) &&
-                            model.update());
-                else
-                    model.buildRunningList();
-                QTRY_VERIFY(!model.isUpdating());
-                QVERIFY(place == 0 && faults[FirstAllocation] == 0 && window.rows().isEmpty());
-                QVERIFY(model.readError() == ENOMEM && (!isUpdate || model.updateError() == ENOMEM));
-                QCOMPARE(window.list()->accessibleDescription(),
-                         QString("This folder can't be read: cannot allocate memory"));
-                refresh(window);
-            }
-        }
-        QTRY_VERIFY(isWhole());
-    }
-
     // This thread asks the disk for nothing, and waits for no call of the worker.
     void updateLeavesTheUserAlone()
     {
