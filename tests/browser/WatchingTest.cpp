@@ -151,6 +151,8 @@ private slots:
             QVERIFY(SampleFiles::make(other, {"d"}));
             QTRY_COMPARE(window.rows(), (QStringList{"c", "d"}));
             window.dialog.setDirectory(QDir(m_folder), false, true);
+            QTRY_COMPARE(window.rows(), (QStringList{"a", "b"}));
+            QCOMPARE(faults[DelayedCalls].load(), 1); // the folder is not asked again
         }
         QVERIFY(timer.elapsed() < 15000);
     }

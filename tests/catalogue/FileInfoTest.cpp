@@ -42,21 +42,6 @@ private slots:
         QCOMPARE(sequence->sequenceName(), "x.####.exr 0-2147483647");
     }
 
-    // A run has its own size too.
-    void sumsMembers()
-    {
-        EntryPool pool;
-        FileInfo* sequence = makeSequence(pool, "x.#.exr", {1, 2, 3, 7, 8});
-        sequence->insertSequenceFile(9, nullptr);
-        sequence->insertSequenceFile(8, nullptr); // the first member of a frame stays
-        FileInfo run("x.#.exr", true);
-        run.setParentSequence(sequence);
-        run.setFrameInformation(2, 9, 1);
-        run.setAdditionalInfo({5, false, 0});
-        run.synchSequenceData();
-        QVERIFY(run.size() == 45 && run.modificationTime() == 1008);
-    }
-
     void recyclesEntries()
     {
         EntryPool pool;

@@ -4,11 +4,12 @@
 #include "dialog/FCPreviewInfo.h"
 #include "dialog/Preview.h"
 #include "dialog/PreviewText.h"
-#include "dialog/StatusLine.h"
 #include "support/SampleFiles.h"
 #include "support/Test.h"
 #include "widgets/DisclosureButton.h"
 #include "widgets/FrameSlider.h"
+
+#include <QLabel>
 
 using namespace Halvern::UI;
 
@@ -41,8 +42,7 @@ private slots:
 
     void showsWhatCanBeShown()
     {
-        const QTemporaryDir folder;
-        QVERIFY(SampleFiles::make(folder.path(), {"FONT.TTF", "notes.TXT", "txt"}));
+        const SampleFolder folder{"FONT.TTF", "notes.TXT", "txt"};
         FilePreview pane(nullptr, 3);
         const auto show = [&](const char* name) {
             pane.findChild<FrameSlider*>()->setValue(50);
@@ -86,8 +86,7 @@ private slots:
 
     void followsSliderAndBrowser()
     {
-        const QTemporaryDir folder;
-        QVERIFY(SampleFiles::makeFrames(folder.path(), "shot.%04d.exr", 1, 100));
+        const SampleFolder folder("shot.%04d.exr", 1, 100);
         BrowserWindow window(folder.path());
         auto* pane = new FilePreview(nullptr, 3);
         auto& slider = *pane->findChild<FrameSlider*>();
@@ -136,8 +135,7 @@ private slots:
 
     void showsPictures()
     {
-        const QTemporaryDir folder;
-        QVERIFY(SampleFiles::make(folder.path(), {"good", "clear", "hang", "broken"}));
+        const SampleFolder folder{"good", "clear", "hang", "broken"};
         FilePreview pane(nullptr, 3);
         auto& surface = *pane.findChild<FilePreview::Preview*>();
         const auto& label = *pane.findChild<QLabel*>(QString("label"));
@@ -175,21 +173,9 @@ private slots:
         QCOMPARE(centre(), 0);
     }
 
-    void cutsALongReason()
-    {
-        StatusLine line;
-        line.resize(150, 20);
-        line.say(QString("The file of that name is broken beyond repair."));
-        QLabel cut(line.fontMetrics().elidedText(line.text(), Qt::ElideRight, line.width()));
-        cut.resize(line.size());
-        QVERIFY(cut.text().endsWith(QChar(0x2026)));
-        QCOMPARE(line.grab().toImage(), cut.grab().toImage());
-    }
-
     void scrubsAndPlays()
     {
-        const QTemporaryDir folder;
-        QVERIFY(SampleFiles::makeFrames(folder.path(), "shot.%04d.exr", 1, 20));
+        const SampleFolder folder("shot.%04d.exr", 1, 20);
         QVERIFY(QFile::remove(folder.filePath(QString("shot.0009.exr"))));
         FrameSlider::SetCacheframeColour(0x123456ff);
         FilePreview pane(nullptr, 3);

@@ -101,15 +101,6 @@ private slots:
             QVERIFY(read.size() == 1 && read.first().isSame(favorite));
         }
     }
-
-    // Far more time than linear would exceed the limit of the test.
-    void takesBoundedTime()
-    {
-        for (const char* piece : {"x", " ", "\"", "-geo ", "\\"}) {
-            const std::string line = "add_favorite_dir " + QByteArray(piece).repeated(1 << 20).toStdString();
-            QCOMPARE(FavoritesFile::parse(line).size(), 1);
-        }
-    }
 };
 
 void FavoritesFileTest::formats()

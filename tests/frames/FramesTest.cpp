@@ -89,23 +89,6 @@ private slots:
         QCOMPARE(Placeholder::widened("a", 3), std::string("a"));
     }
 
-    void splitsRanges()
-    {
-        const std::pair<const char*, const char*> rows[] = {
-            {"/p 1-2 (x)/a b.# 1-100 ( 1-50 60-100 )", "/p 1-2 (x)/a b.#, 1 to 100"},
-            {"a -3--1", "a, -3 to -1"},
-            {"a 5-", ""},
-            {"p/ 1-2 /a", ""},
-            {"1-2", ""},
-            {" (1-2", ""}};
-        for (const auto& [path, wanted] : rows) {
-            const auto split = Placeholder::splitRange(path);
-            QCOMPARE(split ? QString("%1, %2 to %3").arg(split->name).arg(split->first).arg(split->last)
-                           : QString(),
-                     QString(wanted));
-        }
-    }
-
     void readsAndWritesText()
     {
         const std::pair<const char*, const char*> rows[] = {
