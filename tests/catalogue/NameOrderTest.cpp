@@ -44,16 +44,6 @@ private slots:
         }
     }
 
-    void keepsPlacesIfOneHasNoRank()
-    {
-        FileInfo b("b", false);
-        FileInfo a("a", false);
-        FileInfo tooLong(QByteArray(129, 'a').constData(), false);
-        const NameOrder order({&b, nullptr, &a, &tooLong, &b});
-        QCOMPARE(order.places(), (std::vector<int>{0, 1, 2, 3, 4}));
-        QCOMPARE(order.ranks(), (std::vector<int>{2, NameOrder::NoRank, 1, NameOrder::NoRank, 2}));
-    }
-
     void ordersNaturally()
     {
         const auto atOnce = NaturalOrder::DecideAtOnce;

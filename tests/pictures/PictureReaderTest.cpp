@@ -92,7 +92,7 @@ private slots:
             m_reader->setTimeLimit(10000);
             read("good");
             QTRY_COMPARE(m_log.last(), QStringLiteral("good"));
-            QCOMPARE(children().size(), 1);
+            QTRY_COMPARE(children().size(), 1);
         }
     }
 
