@@ -49,8 +49,7 @@ HVCOREUI_EXPORT bool isWritable(const std::string& path);
 
 /// Makes a directory and those above it; true if it is there afterwards.
 HVCOREUI_EXPORT bool makeDirectories(const std::string& path);
-/// Removes a file, or a directory with all that is in it; links are removed, never what they point to. True
-/// if nothing of the name is left, or was there before.
+/// Removes a file, or a directory with all in it, but never what links point to. True if nothing is left.
 HVCOREUI_EXPORT bool removeAll(const std::string& path);
 /// Gives a file or directory another name, in one step that replaces a file of that name.
 HVCOREUI_EXPORT bool renameFile(const std::string& from, const std::string& to);

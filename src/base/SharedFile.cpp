@@ -94,8 +94,7 @@ void copyPermissions(const OpenFile& file, const std::string& path, const Status
     static_cast<void>(given);
 }
 
-// Writes over the file. Its blocks are reserved and written before it is cut, so that a full disk leaves it
-// as it was, if its file system can reserve space.
+// Writes over the file, with its blocks reserved first if possible, so that a full disk leaves it as it was.
 bool writeOver(const OpenFile& file, const std::string& contents)
 {
     const auto size = static_cast<off_t>(contents.size());

@@ -18,8 +18,7 @@ using Clock = std::chrono::steady_clock;
 
 // What is answered from memory takes a few microseconds, an answer from a server a few hundred.
 constexpr auto Slow = std::chrono::microseconds(100);
-// By how many the slow calls must outnumber the quick ones: a thread that has to wait for a processor, as on
-// a busy machine, looks slow now and then.
+// By how many the slow calls must outnumber the quick ones. On a busy machine any thread looks slow at times.
 constexpr int ManySlow = 8;
 
 using Call = std::function<void(std::size_t index)>;

@@ -200,8 +200,7 @@ void FileBrowser::DirectoryModel::buildRunningList()
         return;
     }
     const FileInfo* hoveredEntry = entry(m_hoveredRow);
-    // The host's code runs before the model changes. If it makes the browser read another directory, its
-    // answer is about entries that are gone.
+    // The host's code runs before the model changes. It may make the browser read another directory.
     const unsigned generation = m_manager->generation();
     const FileSequenceEvaluator* const asked = m_evaluator;
     m_wantedAgain = false;

@@ -94,8 +94,7 @@ public:
     void setSequenceMode(SequenceMode mode);
     /// Whether the built-in rules split sequences at gaps (default: no); takes effect in the same way.
     void setSplitSequences(bool split) { m_splitSequences = split; }
-    /// Null for the built-in rules, which also stand in for one that was destroyed. Takes effect in the same
-    /// way; not owned.
+    /// Null for the built-in rules, also used if it is destroyed. Takes effect in the same way. Not owned.
     void setEvaluator(FileSequenceEvaluator* evaluator);
     bool hasEvaluator() const { return !m_evaluatorLifetime.expired(); }
 

@@ -75,7 +75,7 @@ FileBrowser::~FileBrowser()
     if (d->m_favoritesChanged || FavoritesStore::instance().isSaveDue())
         SaveFavorites();
     AppSettings::Store(
-        {{Private::s_classWide.directoryKey, d->m_directory.absolutePath()},
+        {{Private::s_classWide.directoryKey(), d->m_directory.absolutePath()},
          {Private::s_classWide.previewKey, d->m_controls.previewButton->checkState() == Qt::Checked}});
 }
 

@@ -160,7 +160,7 @@ void FileBrowser::showSequences(bool state)
     d->m_controls.splitCheck->setEnabled(state);
     const SequenceMode mode = state ? SequenceMode::Collapsed : SequenceMode::Expanded;
     if (d->m_sequencesEnabled)
-        AppSettings::Store({{Private::s_classWide.sequencesKey, static_cast<int>(mode)}});
+        AppSettings::Store({{Private::s_classWide.sequencesKey(), static_cast<int>(mode)}});
     d->m_model->setSequenceMode(mode);
     d->buildRows();
 }
@@ -177,7 +177,7 @@ void FileBrowser::setSequencesEnabled(bool enabled)
 void FileBrowser::splitIncompleteSequences(bool state)
 {
     if (d->m_sequencesEnabled)
-        AppSettings::Store({{Private::s_classWide.splitSequencesKey, state}});
+        AppSettings::Store({{Private::s_classWide.splitSequencesKey(), state}});
     d->m_model->setSplitSequences(state);
     d->buildRows();
 }

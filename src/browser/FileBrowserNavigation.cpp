@@ -15,6 +15,7 @@
 #include <QKeyEvent>
 #include <QMessageBox>
 #include <QPushButton>
+#include <algorithm>
 
 namespace Halvern::UI {
 
@@ -204,12 +205,9 @@ QString FileBrowser::Private::getCommonPrefix() const
     for (int row = 1; row < rows; ++row) {
         const QString other = completionText(row).toLower();
         length = qMin(length, other.length());
-        if (length < 1)
-            break;
-        int agreeing = 0;
-        while (agreeing < length && agreeing < firstLower.length() &&
-               firstLower.at(agreeing) == other.at(agreeing))
-            ++agreeing;
+        const auto* const end = firstLower.constBegin() + qMin(length, firstLower.length());
+        const auto agreeing = static_cast<decltype(length)>(
+            std::mismatch(firstLower.constBegin(), end, other.constBegin()).first - firstLower.constBegin());
         // A row that shares nothing ends the comparison with the length that was reached before it.
         if (agreeing == 0)
             break;

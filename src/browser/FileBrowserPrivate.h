@@ -27,7 +27,7 @@ class RowChanges;
 class FileBrowser::Private
 {
 public:
-    /// What all browsers of the process share. The first five settings keys get a namespace.
+    /// What all browsers of the process share.
     struct ClassWide
     {
         QMutex colourMutex;
@@ -38,12 +38,13 @@ public:
         bool assumeZeroPadding = false;
         QString defaultPath;
 
-        QString sortColumnKey = QStringLiteral("FileBrowser/orderlogicalindex");
-        QString sortOrderKey = QStringLiteral("FileBrowser/sortorder");
-        QString sequencesKey = QStringLiteral("FileBrowser/sequences");
-        QString splitSequencesKey = QStringLiteral("FileBrowser/splitsequences");
-        QString directoryKey = QStringLiteral("FileBrowser/directory");
-        QString previewKey = QStringLiteral("FileBrowser/preview");
+        QString settingsGroup = QStringLiteral("FileBrowser/");
+        QString sortColumnKey() const { return settingsGroup + QLatin1String("orderlogicalindex"); }
+        QString sortOrderKey() const { return settingsGroup + QLatin1String("sortorder"); }
+        QString sequencesKey() const { return settingsGroup + QLatin1String("sequences"); }
+        QString splitSequencesKey() const { return settingsGroup + QLatin1String("splitsequences"); }
+        QString directoryKey() const { return settingsGroup + QLatin1String("directory"); }
+        const QString previewKey = QStringLiteral("FileBrowser/preview");
     };
     static ClassWide s_classWide;
 

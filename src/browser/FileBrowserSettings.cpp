@@ -16,21 +16,15 @@ void FileBrowser::buildSettingsNamespace(const QString& ns)
 {
     if (ns.isEmpty())
         return;
-    const QString prefix = QLatin1String("FileBrowser/") + ns;
-    Private::ClassWide& keys = Private::s_classWide;
-    keys.sortColumnKey = prefix + QLatin1String("/orderlogicalindex");
-    keys.sortOrderKey = prefix + QLatin1String("/sortorder");
-    keys.sequencesKey = prefix + QLatin1String("/sequences");
-    keys.splitSequencesKey = prefix + QLatin1String("/splitsequences");
-    keys.directoryKey = prefix + QLatin1String("/directory");
+    Private::s_classWide.settingsGroup = QLatin1String("FileBrowser/") + ns + QLatin1Char('/');
     updateFromPreferences();
 }
 
 void FileBrowser::updateFromPreferences()
 {
     if (d->m_sequencesEnabled) {
-        const int mode = AppSettings::Number(Private::s_classWide.sequencesKey).value_or(0);
-        const bool split = AppSettings::Flag(Private::s_classWide.splitSequencesKey).value_or(false);
+        const int mode = AppSettings::Number(Private::s_classWide.sequencesKey()).value_or(0);
+        const bool split = AppSettings::Flag(Private::s_classWide.splitSequencesKey()).value_or(false);
         const bool expanded = mode == static_cast<int>(SequenceMode::Expanded);
         {
             // The slots of the boxes would build the rows for each.
@@ -50,8 +44,8 @@ void FileBrowser::updateFromPreferences()
 
 void FileBrowser::Private::loadSortOrder()
 {
-    const int column = AppSettings::Number(s_classWide.sortColumnKey).value_or(0);
-    const int order = AppSettings::Number(s_classWide.sortOrderKey).value_or(0);
+    const int column = AppSettings::Number(s_classWide.sortColumnKey()).value_or(0);
+    const int order = AppSettings::Number(s_classWide.sortOrderKey()).value_or(0);
     // A column that the list does not have would leave it in the order of the disk.
     const bool known = column >= 0 && column < DirectoryModel::ColumnCount;
     m_filesList->header()->setSortIndicator(
@@ -60,13 +54,13 @@ void FileBrowser::Private::loadSortOrder()
 
 void FileBrowser::sortingChanged(int region, Qt::SortOrder sort)
 {
-    AppSettings::Store({{Private::s_classWide.sortColumnKey, region},
-                        {Private::s_classWide.sortOrderKey, static_cast<int>(sort)}});
+    AppSettings::Store({{Private::s_classWide.sortColumnKey(), region},
+                        {Private::s_classWide.sortOrderKey(), static_cast<int>(sort)}});
 }
 
 void FileBrowser::loadDirectorySettings()
 {
-    const std::optional<QString> stored = AppSettings::Text(Private::s_classWide.directoryKey);
+    const std::optional<QString> stored = AppSettings::Text(Private::s_classWide.directoryKey());
     const QDir candidate(GetUseLastSavedDir() && stored ? *stored : QDir::currentPath());
     setDirectory(candidate, false, false);
     if (!Private::isOnDisk(candidate))

@@ -273,8 +273,7 @@ QModelIndex FileBrowser::FilesList::nextStaying(QModelIndex index, const RowChan
     return {};
 }
 
-// The first row that is seen is to stay where it is. If the current row vanishes, the next one becomes the
-// current one; of itself Qt would also select it.
+// The first row in view is to stay there. Qt would select the row that takes the place of the current one.
 void FileBrowser::FilesList::beginUpdate(const RowChanges& changes)
 {
     m_held = nextStaying(indexAt(viewport()->rect().topLeft()), changes);
@@ -302,8 +301,7 @@ void FileBrowser::FilesList::endUpdate()
     resumeRange();
 }
 
-// Qt ends a Shift selection when rows come or go: the next click with Shift would add to it. It is to take
-// the place of the range that the current row is in.
+// Qt ends a Shift selection when rows come or go. The next click with Shift is to replace that range.
 void FileBrowser::FilesList::resumeRange()
 {
     QItemSelection others = selectionModel()->selection();

@@ -54,8 +54,7 @@ Path pathOf(const QString& text)
 }
 
 // Of many "*", each but the last takes no more than it must and never gives it back. The text between two "*"
-// has a fixed length, so the first place that it fits is as good as any. Trying all places takes time that
-// grows with every "*", until the matcher gives up.
+// has a fixed length, so the first place that it fits is as good as any. To try all takes exponential time.
 QRegularExpression expressionOf(const QString& pattern)
 {
     constexpr int FewStars = 2;

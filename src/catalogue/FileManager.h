@@ -108,8 +108,7 @@ public:
     void forgetFollowers();
     /// Whether names are ordered while they arrive (default: no); true takes effect with the next read.
     void setNamesOrdered(bool ordered);
-    /// The order of the names of all files, by their places in reading order, once for each read. Empty
-    /// before refreshList(), and if names are not ordered.
+    /// The order of all names, once for each read. Empty before refreshList(), and if names are not ordered.
     NameOrder takeNameOrder();
     bool isInfoComplete() const; ///< Whether every entry has its attributes.
     /// Changes whenever all entries die. Pointers taken under another value must not be followed.

@@ -63,8 +63,7 @@ FileDialog::~FileDialog()
     delete m_browser;
 }
 
-// QDialog gives the focus to its first field as if by Tab, which selects the whole text. The first key would
-// then replace the directory at the start of the field.
+// QDialog focuses its first field as if by Tab, with all text selected. The first key would replace it.
 void FileDialog::setVisible(bool visible)
 {
     const int cursor = m_filenameEdit->cursorPosition();

@@ -13,8 +13,7 @@ public:
     /// The icon of the folder with this absolute path: the home and the root folder have their own.
     QIcon folderIcon(const QString& path);
     static QIcon driveIcon();
-    /// The icon in an image file, read at the size that icons are shown in. Null if @p path names no image
-    /// file, or one that has more than 16 million pixels.
+    /// The icon in an image file, at the size of icons. Null if @p path is none, or above 16 million pixels.
     static QIcon iconOfFile(const QString& path);
 
 private:

@@ -23,8 +23,7 @@ using Owned = std::unique_ptr<PyObject, Release>;
 /// Prints the pending error and clears it, as PyErr_Print() does. SystemExit is only printed, too.
 void printError();
 
-/// Whether @p text is not null and ASCII, as names must be. Otherwise false, with a Python error that names
-/// the number @p argument, counted from 1.
+/// Whether @p text is not null and ASCII. If not, a Python error names the number @p argument, from 1.
 bool isName(const char* text, int argument);
 
 /// Whether toText() accepts @p object: text, bytes or None.

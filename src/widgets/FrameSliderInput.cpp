@@ -181,8 +181,7 @@ void FrameSlider::hover(int x)
     update(hoverBand());
 }
 
-// Watches the application: a popup that opens gets the release instead of the slider, and a slider that is
-// hidden, disabled or blocked by a modal box gets none.
+// Watches the application: a slider below a popup, hidden, disabled or blocked gets no release.
 void FrameSlider::takeMouse(DragMode mode)
 {
     s_dragMode = mode;

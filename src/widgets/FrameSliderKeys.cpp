@@ -1,5 +1,4 @@
-// The two rows of marks of a frame slider. If frames are denser than pixels, a paint goes from pixel to
-// pixel. So long views and large sets are not slow.
+// The rows of marks of a frame slider. If frames are denser than pixels, a paint goes from pixel to pixel.
 
 #include "widgets/FrameSlider.h"
 #include "widgets/Rounding.h"

@@ -15,8 +15,7 @@ std::optional<QByteArray> find(const QByteArray& ini, const QString& key);
 /// Returns @p ini with @p value after the "=" of @p key. Comments and all other lines stay as they are.
 QByteArray replaced(const QByteArray& ini, const QString& key, const QByteArray& value);
 
-/// The text of a value: the bytes "/a\x4e2d" give "/a中". Nothing if it is not text but, for example,
-/// "@Variant(...)".
+/// The text of a value: the bytes "/aN2d" give "/a中". Nothing for others, such as "@Variant(...)".
 std::optional<QString> decoded(const QByteArray& value);
 
 /// The value for @p text.

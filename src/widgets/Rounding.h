@@ -5,8 +5,7 @@
 #include <cmath>
 #include <limits>
 
-/// The roundings of the frame slider. Results are limited to a range, so that views of all 32-bit frame
-/// numbers and drags far outside the widget don't overflow.
+/// The roundings of the frame slider, limited so that long views and drags far outside don't overflow.
 namespace Rounding {
 
 /// Limited to 32 bits.

@@ -6,8 +6,10 @@
 #include "support/Test.h"
 
 #include <QAbstractItemModelTester>
+#include <QContextMenuEvent>
 #include <QDialog>
 #include <QLineEdit>
+#include <QMenu>
 #include <QTextDocument>
 #include <functional>
 
@@ -165,7 +167,15 @@ private slots:
         FileBrowser::RemoveFavoriteDir("all", 0, true);
         panel.control("editFavoriteButton")->click();
         panel.control("removeFavoriteButton")->click();
-        panel.choose("gone");
+        for (const bool isThere : {false, true}) {
+            QContextMenuEvent event(QContextMenuEvent::Mouse, {1, 1},
+                                    panel.favorites->mapToGlobal(QPoint(1, 1)));
+            QApplication::sendEvent(panel.favorites->viewport(), &event);
+            const auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+            QVERIFY(menu && menu->actions().constFirst()->isEnabled() == isThere);
+            QTest::keyClick(QApplication::activePopupWidget(), Qt::Key_Escape);
+            panel.choose("gone");
+        }
         panel.press("removeFavoriteButton", Qt::Key_Return, [](QDialog&) {
             FileBrowser::ResetFavorites();
             FileBrowser::RemoveFavoriteDir("gone", 0, true);
