@@ -55,7 +55,8 @@ HVCOREUI_EXPORT bool removeAll(const std::string& path);
 HVCOREUI_EXPORT bool renameFile(const std::string& from, const std::string& to);
 
 /// Calls @p visit with the path of everything below @p folder, directories before what is in them, in the
-/// order of the disk. Links are visited, not followed; what can't be read is skipped. False if @p folder is.
+/// order of the disk. Links are visited, not followed. Folders below that can't be read are skipped. False if
+/// @p folder can't be read.
 HVCOREUI_EXPORT bool walk(const std::string& folder,
                           const std::function<void(const std::string& path)>& visit);
 
