@@ -15,9 +15,8 @@ int channelNamed(const OIIO::ImageSpec& spec, const std::string& layer,
                  std::initializer_list<const char*> names)
 {
     for (const char* name : names) {
-        const auto isIt = [&](const std::string& other) {
-            return OIIO::Strutil::iequals(other, layer + name);
-        };
+        const std::string wanted = layer + name;
+        const auto isIt = [&](const std::string& other) { return OIIO::Strutil::iequals(other, wanted); };
         const auto found = std::find_if(spec.channelnames.begin(), spec.channelnames.end(), isIt);
         if (found != spec.channelnames.end())
             return int(found - spec.channelnames.begin());
@@ -27,8 +26,10 @@ int channelNamed(const OIIO::ImageSpec& spec, const std::string& layer,
 
 std::optional<Layer> layerNamed(const OIIO::ImageSpec& spec, const std::string& layer)
 {
-    const Layer channels{channelNamed(spec, layer, {"R", "red"}), channelNamed(spec, layer, {"G", "green"}),
-                         channelNamed(spec, layer, {"B", "blue"}), channelNamed(spec, layer, {"A", "alpha"})};
+    // The colours of a Cineon file that does not name them are called "I", "I2" and "I3".
+    const Layer channels{
+        channelNamed(spec, layer, {"R", "red", "I"}), channelNamed(spec, layer, {"G", "green", "I2"}),
+        channelNamed(spec, layer, {"B", "blue", "I3"}), channelNamed(spec, layer, {"A", "alpha"})};
     if (std::min({channels[0], channels[1], channels[2]}) < 0)
         return {};
     return channels;
@@ -39,12 +40,15 @@ std::optional<Layer> firstRgbLayer(const OIIO::ImageSpec& spec)
 {
     if (auto channels = layerNamed(spec, {}))
         return channels;
+    std::string before;
     for (const std::string& name : spec.channelnames) {
         const size_t dot = name.rfind('.');
-        if (dot == std::string::npos)
+        const std::string layer = dot == std::string::npos ? std::string() : name.substr(0, dot + 1);
+        if (layer == before)
             continue;
-        if (auto channels = layerNamed(spec, name.substr(0, dot + 1)))
+        if (auto channels = layerNamed(spec, layer))
             return channels;
+        before = layer;
     }
     return {};
 }
