@@ -27,16 +27,19 @@ ColorConfig& configuration()
 std::string spaceByRules(const std::string& path)
 {
     static const OCIO_NAMESPACE::ConstConfigRcPtr config = OCIO_NAMESPACE::GetCurrentConfig();
-    return config->getColorSpaceFromFilepath(path.c_str());
+    const char* name = config->getColorSpaceFromFilepath(path.c_str());
+    const auto space = config->getColorSpace(name); // the name may be that of a role
+    return space ? space->getName() : name;
 }
 
 OiioColour configuredColour(const std::string& path)
 {
     OiioColour colour;
     ColorConfig& config = configuration();
-    // It has a built-in one where it cannot read that of the environment.
-    if (config.has_error()) {
-        colour.error = "The OCIO configuration cannot be read: " + config.geterror();
+    // It has a built-in one if it cannot read that of the environment, and says so once.
+    static const std::string error = config.has_error() ? config.geterror() : std::string();
+    if (!error.empty()) {
+        colour.error = "The OCIO configuration cannot be read: " + error;
         return colour;
     }
     colour.space = spaceByRules(path);

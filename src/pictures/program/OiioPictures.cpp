@@ -5,6 +5,7 @@
 #include "pictures/program/OiioScaling.h"
 #include "pictures/program/QtPictures.h"
 
+#include <OpenImageIO/filesystem.h>
 #include <OpenImageIO/imagebufalgo.h>
 #include <algorithm>
 
@@ -33,6 +34,26 @@ bool isReadable(const ImageSpec& spec)
            spec.nchannels > 0 && spec.tile_depth <= 1;
 }
 
+// How a file is to be turned before it is shown, from 1 to 8 as Exif counts. Other values mean nothing.
+int orientationOf(const ImageSpec& spec)
+{
+    const int orientation = spec.get_int_attribute("Orientation", 1);
+    return orientation >= 1 && orientation <= 8 ? orientation : 1;
+}
+
+// OpenImageIO takes a question mark in a name for the beginning of options. A reader that is known by the
+// extension takes the name as it is.
+std::unique_ptr<ImageInput> openInput(const std::string& path)
+{
+    ImageSpec wishes;
+    wishes.attribute("oiio:UnassociatedAlpha", 1);
+    if (path.find('?') == std::string::npos)
+        return ImageInput::open(path, &wishes);
+    auto input = ImageInput::create(Filesystem::extension(path, false));
+    ImageSpec spec;
+    return input && input->open(path, spec, wishes) ? std::move(input) : nullptr;
+}
+
 // A byte for each channel, and an alpha that is never below a colour.
 void copyRow(const float* rgba, uchar* to, int count)
 {
@@ -44,7 +65,7 @@ void copyRow(const float* rgba, uchar* to, int count)
     }
 }
 
-// The pixels of a file that is to be turned before it is shown, as the Orientation of Exif says.
+// Turns the pixels.
 void turn(Answer& answer, int orientation)
 {
     ImageBuf picture(ImageSpec(answer.size.width(), answer.size.height(), 4, TypeDesc::UINT8),
@@ -61,7 +82,7 @@ void turn(Answer& answer, int orientation)
 void readPixels(Answer& answer, ImageInput& input, OiioPart part, const Request& request,
                 const OiioColour& colour)
 {
-    const int orientation = part.spec.get_int_attribute("Orientation", 1);
+    const int orientation = orientationOf(part.spec);
     Request room = request;
     if (orientation > 4) // lying on its side
         std::swap(room.width, room.height);
@@ -89,9 +110,7 @@ void readPixels(Answer& answer, ImageInput& input, OiioPart part, const Request&
 std::optional<Answer> readWithOiio(const Request& request)
 {
     const std::string path = request.path.toStdString();
-    ImageSpec wishes;
-    wishes.attribute("oiio:UnassociatedAlpha", 1);
-    const auto input = ImageInput::open(path, &wishes);
+    const auto input = openInput(path);
     Answer answer;
     if (!input) {
         geterror();
@@ -105,11 +124,13 @@ std::optional<Answer> readWithOiio(const Request& request)
     describe(answer, part.spec);
     const OiioColour colour = findColour(path, part.spec);
     answer.colourSpace = QString::fromStdString(colour.space);
-    if (!colour.error.empty())
+    if (part.spec.deep)
+        answer.reason = QStringLiteral("Deep pictures are not shown.");
+    else if (!colour.error.empty())
         answer.reason = firstLine(colour.error);
     else if (request.width > 0 && request.height > 0)
         readPixels(answer, *input, part, request, colour);
-    if (part.spec.get_int_attribute("Orientation", 1) > 4) {
+    if (orientationOf(part.spec) > 4) {
         answer.fullSize.transpose();
         answer.pixelAspect = 1 / answer.pixelAspect;
     }
