@@ -2,6 +2,7 @@
 
 #include <QPainter>
 #include <QStyle>
+#include <QTextDocument>
 
 namespace Halvern::UI {
 
@@ -15,7 +16,7 @@ StatusLine::StatusLine(QWidget* parent)
 void StatusLine::say(const QString& text)
 {
     setText(text);
-    setToolTip(text);
+    setToolTip(Qt::mightBeRichText(text) ? Qt::convertFromPlainText(text) : text);
 }
 
 void StatusLine::paintEvent(QPaintEvent* /*event*/)
