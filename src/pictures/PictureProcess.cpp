@@ -1,5 +1,6 @@
 #include "pictures/PictureProcess.h"
 
+#include <QPointer>
 #include <QProcess>
 
 namespace Halvern::UI {
@@ -44,13 +45,15 @@ PictureProcess::PictureProcess()
 PictureProcess::~PictureProcess()
 {
     m_process->disconnect();
-    if (!isRunning()) {
+    if (isRunning()) {
+        m_process->kill();
+        connect(m_process, QOverload<int, QProcess::ExitStatus>::of(&QProcess::finished), m_process,
+                &QObject::deleteLater);
+    } else if (m_isReporting) {
+        m_process->deleteLater(); // it may be one of its signals that leads here
+    } else {
         delete m_process;
-        return;
     }
-    m_process->kill();
-    connect(m_process, QOverload<int, QProcess::ExitStatus>::of(&QProcess::finished), m_process,
-            &QObject::deleteLater);
 }
 
 bool PictureProcess::isRunning() const
@@ -58,7 +61,7 @@ bool PictureProcess::isRunning() const
     return m_process->state() != QProcess::NotRunning;
 }
 
-void PictureProcess::send(const QString& program, const Request& request, int timeLimit)
+void PictureProcess::send(const QString& program, const Request& request)
 {
     if (!isRunning()) {
         m_isGreeted = false;
@@ -70,7 +73,7 @@ void PictureProcess::send(const QString& program, const Request& request, int ti
     m_frames.setLongest(longestAnswer(request));
     if (isRunning())
         m_process->write(frame(request));
-    m_timeLimit.start(timeLimit);
+    m_timeLimit.start(int(request.timeLimit));
 }
 
 void PictureProcess::kill()
@@ -106,7 +109,8 @@ void PictureProcess::read()
             return fail(tr("%1 sent what can't be understood.").arg(m_process->program()));
         m_timeLimit.stop();
         m_isBusy = false;
-        emit answered(*answer);
+        if (!report([&] { emit answered(*answer); }))
+            return;
     }
     if (m_frames.isRefused())
         fail(tr("%1 sent more than it was asked for.").arg(m_process->program()));
@@ -116,8 +120,7 @@ void PictureProcess::fail(const QString& reason)
 {
     const bool wasBusy = m_isBusy;
     kill();
-    emit failed(wasBusy, reason);
-    if (!m_isEnding)
+    if (report([&] { emit failed(wasBusy, reason); }) && !m_isEnding)
         emit ended();
 }
 
@@ -127,6 +130,18 @@ void PictureProcess::finish()
         return fail(tr("The program that reads pictures ended while it read this file."));
     m_isEnding = false;
     emit ended();
+}
+
+// Emits a signal. Returns false if a slot has destroyed this.
+template <class Signal>
+bool PictureProcess::report(Signal signal)
+{
+    const QPointer<PictureProcess> self(this);
+    m_isReporting = true;
+    signal();
+    if (self)
+        m_isReporting = false;
+    return self;
 }
 
 } // namespace Halvern::UI

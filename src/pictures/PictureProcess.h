@@ -10,7 +10,7 @@ class QProcess;
 namespace Halvern::UI {
 
 /// One run after the other of the program that reads pictures. It is given one request at a time and checks
-/// what comes back. GUI thread only; it never waits, but for waitForEnd().
+/// what comes back. GUI thread only; it never waits, but for waitForEnd(). A slot may destroy it.
 class PictureProcess : public QObject
 {
     Q_OBJECT
@@ -29,8 +29,8 @@ public:
     /// The request that it was given last.
     const PictureProtocol::Request& request() const { return m_request; }
 
-    /// Gives the program a request, and starts it if it does not run. It is to be free.
-    void send(const QString& program, const PictureProtocol::Request& request, int timeLimit);
+    /// Gives the program a request, and starts @p program if none runs. It is to be free.
+    void send(const QString& program, const PictureProtocol::Request& request);
     /// Kills the program without saying so, except by ended().
     void kill();
     /// Waits until a killed program has ended, for at most @p milliseconds.
@@ -47,6 +47,8 @@ private:
     void read();
     void fail(const QString& reason);
     void finish();
+    template <class Signal>
+    bool report(Signal signal);
 
     QProcess* m_process;
     QTimer m_timeLimit;
@@ -54,7 +56,8 @@ private:
     PictureProtocol::Request m_request;
     bool m_isGreeted = false;
     bool m_isBusy = false;
-    bool m_isEnding = false; // killed, but still there
+    bool m_isEnding = false;    // killed, but still there
+    bool m_isReporting = false; // in a slot of a listener
 };
 
 } // namespace Halvern::UI

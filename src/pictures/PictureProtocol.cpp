@@ -11,12 +11,13 @@ namespace Halvern::UI::PictureProtocol {
 namespace {
 
 constexpr quint32 Magic = 0x43555049; // "CUPI"
-constexpr quint32 Version = 1;
+constexpr quint32 Version = 2;
 constexpr int LengthBytes = 4;
 constexpr int LongestName = 1024;
 constexpr int LongestChannel = 255;
 constexpr int MostChannels = 128;
 constexpr int FarthestPixel = 1 << 28;
+constexpr double LargestAspect = 100;
 
 QDataStream& operator<<(QDataStream& stream, const FileVersion& version)
 {
@@ -83,8 +84,8 @@ bool isPlausible(const Answer& answer)
             return false;
     }
     const int bytes = answer.size.width() * answer.size.height() * 4;
-    return answer.pixels.size() == bytes && std::isfinite(answer.pixelAspect) && answer.pixelAspect > 0 &&
-           std::isfinite(answer.frameRate) && answer.frameRate >= 0;
+    return answer.pixels.size() == bytes && answer.pixelAspect >= 1 / LargestAspect &&
+           answer.pixelAspect <= LargestAspect && std::isfinite(answer.frameRate) && answer.frameRate >= 0;
 }
 
 } // namespace
@@ -97,7 +98,8 @@ QByteArray hello()
 QByteArray frame(const Request& request)
 {
     return framed([&](QDataStream& stream) {
-        stream << request.id << request.path << request.width << request.height << request.known;
+        stream << request.id << request.path << request.width << request.height << request.known
+               << request.timeLimit;
     });
 }
 
@@ -126,7 +128,8 @@ std::optional<Request> readRequest(const QByteArray& payload)
 {
     Request request;
     const bool isWhole = readWhole(payload, [&](QDataStream& stream) {
-        stream >> request.id >> request.path >> request.width >> request.height >> request.known;
+        stream >> request.id >> request.path >> request.width >> request.height >> request.known >>
+            request.timeLimit;
     });
     if (!isWhole || request.width > LongestSide || request.height > LongestSide)
         return {};

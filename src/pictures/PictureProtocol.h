@@ -28,6 +28,8 @@ struct Request
     quint32 width = 0;  ///< In pixels, at most LongestSide.
     quint32 height = 0; ///< If it or the width is 0, only the description of the picture is wanted.
     FileVersion known;  ///< Of the picture that the application has. It is not read again if it is the same.
+    /// In milliseconds. The application waits no longer, and the program ends itself soon after it.
+    quint32 timeLimit = 10000;
 };
 
 /// A picture and what its file says about it.

@@ -84,6 +84,7 @@ struct PictureReader::Private
     QElapsedTimer clock;
     std::deque<qint64> failures; // times of the clock, ascending
     QString lastReason;
+    QString fatalPath; // was read at the last failure, and is not read ahead
     QTimer restart;
     QTimer patience;
 };
@@ -106,8 +107,10 @@ PictureReader::Private::Private(PictureReader* reader)
                 [this, &worker](bool wasBusy, const QString& reason) {
                     failures.push_back(clock.elapsed());
                     lastReason = reason;
-                    if (wasBusy)
-                        emit q->pictureFailed(worker.job.path, reason);
+                    if (!wasBusy)
+                        return;
+                    fatalPath = worker.job.path;
+                    emit q->pictureFailed(QString(fatalPath), reason);
                 });
         connect(&worker.process, &PictureProcess::ended, q, [this] { dispatch(); });
     }
@@ -125,7 +128,7 @@ void PictureReader::Private::dispatch()
         }
         const Job job = ahead.front();
         ahead.pop_front();
-        if (!isUnderWay(job))
+        if (!isUnderWay(job) && job.path != fatalPath)
             send(*worker, job);
     }
     if (newest)
@@ -154,8 +157,9 @@ bool PictureReader::Private::isUnderWay(const Job& job) const
 
 void PictureReader::Private::send(Worker& worker, const Job& job)
 {
-    const QString program = pictureProgram();
-    if (program.isEmpty()) {
+    const bool isStarted = worker.process.isRunning();
+    const QString program = isStarted ? QString() : pictureProgram();
+    if (!isStarted && program.isEmpty()) {
         ahead.clear();
         QTimer::singleShot(0, q, [this, path = job.path] {
             emit q->pictureFailed(path,
@@ -169,12 +173,15 @@ void PictureReader::Private::send(Worker& worker, const Job& job)
     request.width = quint32(job.room.width());
     request.height = quint32(job.room.height());
     request.known = job.known;
+    request.timeLimit = quint32(timeLimit);
     worker.job = job;
-    worker.process.send(program, request, timeLimit);
+    worker.process.send(program, request);
 }
 
 void PictureReader::Private::receive(const Job& job, const Answer& answer)
 {
+    if (job.path == fatalPath)
+        fatalPath.clear();
     if (answer.isUnchanged)
         emit q->pictureUnchanged(job.path);
     else if (!answer.reason.isEmpty())
@@ -221,7 +228,7 @@ void PictureReader::Private::hurry()
     if (oldest)
         oldest->process.kill();
     else if (newest && timeToStart() == 0)
-        emit q->pictureFailed(newest->path, tr("The storage does not answer."));
+        emit q->pictureFailed(QString(newest->path), tr("The storage does not answer."));
 }
 
 PictureReader::PictureReader(QObject* parent)
@@ -270,7 +277,7 @@ void PictureReader::stop()
 
 void PictureReader::setTimeLimit(int milliseconds)
 {
-    d->timeLimit = milliseconds;
+    d->timeLimit = std::max(0, milliseconds);
 }
 
 void PictureReader::setFailureTime(int milliseconds)

@@ -15,9 +15,11 @@ namespace Halvern::UI {
 ///
 /// The newest request wins: an older one that has not begun is dropped, and one that has begun is finished.
 /// A process that takes too long, dies, or sends something wrong is killed, and started anew for the next
-/// request. After three such failures in ten seconds that waits until the ten seconds are over.
+/// request. After three such failures in ten seconds that waits until the ten seconds are over. The file that
+/// was read at a failure is not read ahead again.
 ///
-/// All calls return at once; signals come from the event loop. GUI thread only. It needs no widget.
+/// All calls return at once; signals come from the event loop, and a slot may destroy the reader. GUI thread
+/// only. It needs no widget.
 class HVCOREUI_EXPORT PictureReader : public QObject
 {
     Q_OBJECT

@@ -50,13 +50,14 @@ private slots:
         for (int i = 0; i < payloads[1].size(); i += 97)
             QVERIFY(!readAnswer(payloads[1].left(i)));
         QVERIFY(!readRequest(frame(Request{1, "a", LongestSide + 1, 1, {}}).mid(4)));
-        std::vector<Answer> damaged(6, sent);
+        std::vector<Answer> damaged(7, sent);
         damaged[0].size = {3, 1};
         damaged[1].size = {-2, -1};
         damaged[2].size = {1 << 30, 1 << 30};
         damaged[3].pixelAspect = std::nan("");
         damaged[4].dataWindow = {INT_MIN, 0, 1, 1};
         damaged[5].frameRate = -1;
+        damaged[6].pixelAspect = 1e-300;
         for (const Answer& one : damaged)
             QVERIFY(!readAnswer(frame(one).mid(4)));
     }

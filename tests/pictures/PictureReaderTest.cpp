@@ -112,6 +112,29 @@ private slots:
         QVERIFY(timer.elapsed() >= 1500);
     }
 
+    void readsADeadlyFileAheadOnce()
+    {
+        for (int i = 0; i < 4; ++i) {
+            read("good", {"die", "ahead"});
+            QTRY_COMPARE(m_log.filter("ahead").size(), i + 1);
+        }
+        QCOMPARE(m_log.filter("die").size(), 1);
+    }
+
+    void mayBeDestroyedByASlot()
+    {
+        for (const char* name : {"good", "broken", "die", "flood", "/no/such/program"}) {
+            init();
+            if (*name == '/')
+                qputenv("COREUI_PICTURES", name);
+            const auto destroy = [this] { m_reader.reset(); };
+            connect(m_reader.get(), &PictureReader::pictureRead, this, destroy);
+            connect(m_reader.get(), &PictureReader::pictureFailed, this, destroy);
+            read(*name == '/' ? "good" : name, {"ahead"});
+            QTRY_VERIFY(!m_reader);
+        }
+    }
+
     void leavesWhatKeepsItWaiting()
     {
         read("hang1");

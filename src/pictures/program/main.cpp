@@ -17,9 +17,11 @@
 using namespace Halvern::UI;
 
 // Limits the address space to COREUI_PICTURES_MEMORY megabytes, 4096 by default, so that a damaged or huge
-// file cannot take the memory of the machine. 0 is no limit.
+// file cannot take the memory of the machine. 0 is no limit. A crash leaves no file.
 static void limitMemory()
 {
+    const rlimit none = {};
+    setrlimit(RLIMIT_CORE, &none);
     bool isNumber = false;
     const int chosen = qEnvironmentVariableIntValue("COREUI_PICTURES_MEMORY", &isNumber);
     const rlim_t megabytes = isNumber && chosen >= 0 ? rlim_t(chosen) : 4096;
@@ -28,9 +30,6 @@ static void limitMemory()
         return;
     limit.rlim_cur = std::min(limit.rlim_max, megabytes << 20);
     setrlimit(RLIMIT_AS, &limit);
-    // No files of crashes.
-    const rlimit none = {};
-    setrlimit(RLIMIT_CORE, &none);
 }
 
 // Reading shares the processors with an application that shows what was read.
@@ -51,11 +50,10 @@ static void limitThreads()
     mallopt(M_ARENA_MAX, 4);
 }
 
-// Ends this program if a damaged file keeps a library in an endless loop.
+// Ends this program if a damaged file keeps a library in an endless loop, and the application does not.
 static PictureProtocol::Answer readInTime(const PictureProtocol::Request& request)
 {
-    constexpr unsigned seconds = 9; // the application waits for 10
-    alarm(seconds);
+    alarm(request.timeLimit / 1000 + 2);
     const auto stop = qScopeGuard([] { alarm(0); });
     return readPicture(request);
 }
