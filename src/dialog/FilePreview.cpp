@@ -36,7 +36,7 @@ struct FilePreview::Private
     StatusLine* label = nullptr;
     PreviewPictures* pictures = nullptr;
     Playback* playback = nullptr;
-    QTimer reading; // until the label and the surface say that a picture is being read
+    QTimer reading; // until the label and the surface say that no picture came for a while
     QTimer request; // reads when the events at hand, perhaps a change of size, are handled
     QString path;
     Base::FrameRanges present; // the frames of a sequence with gaps
@@ -161,6 +161,7 @@ void FilePreview::select(const QString& path, const Base::FrameRanges& present)
     d->present = present;
     d->lastFrame.reset();
     d->step = 0;
+    d->rate = 0;
     d->playback->stop();
     d->pictures->forget();
     if (now.isSequence && (now.path != before.path || now.first != before.first || now.last != before.last))
@@ -239,8 +240,12 @@ void FilePreview::showSelection()
     d->label->say(QString());
     // An empty label would flicker while frames are shown one after the other.
     d->label->setUpdatesEnabled(false);
-    d->reading.start(ReadingTime);
-    d->request.start(0);
+    if (!d->reading.isActive())
+        d->reading.start(ReadingTime);
+    if (d->pictures->cache().contains(d->file, d->preview->room()))
+        readPicture();
+    else
+        d->request.start(0);
 }
 
 void FilePreview::noPreview(bool resetSlider)
@@ -280,6 +285,8 @@ void FilePreview::showPicture(const Picture& picture)
     d->preview->showPicture(picture);
     if (picture.path == d->file)
         say(PreviewText::describe(picture, d->path, d->present));
+    else if (d->reading.isActive())
+        d->reading.start();
 }
 
 void FilePreview::showReason(const QString& reason)

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -36,8 +37,11 @@ List::const_iterator seek(const List& frames, List::const_iterator from, int fra
 
 void FrameSlider::setCacheFrames(const std::set<int>& frames)
 {
+    List list(frames.cbegin(), frames.cend());
+    if (frames == cacheFrames && list == m_cacheList)
+        return;
     cacheFrames = frames;
-    m_cacheList.assign(frames.cbegin(), frames.cend());
+    m_cacheList = std::move(list);
     update();
 }
 

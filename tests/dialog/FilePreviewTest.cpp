@@ -4,6 +4,7 @@
 #include "dialog/FCPreviewInfo.h"
 #include "dialog/Preview.h"
 #include "dialog/PreviewText.h"
+#include "dialog/StatusLine.h"
 #include "support/SampleFiles.h"
 #include "support/Test.h"
 #include "widgets/DisclosureButton.h"
@@ -124,6 +125,9 @@ private slots:
             QCOMPARE(PreviewText::describe(picture, selected, PreviewText::runsOf(selected)),
                      QString(wanted));
         }
+        StatusLine line;
+        line.say(QString("float <img src='/a.png'>")); // a channel, and no picture
+        QVERIFY(line.toolTip().contains(QLatin1String("&lt;img")));
         picture.font = QString("DejaVu Sans Book");
         QCOMPARE(PreviewText::describe(picture, QString("/a/a.ttf"), {}), picture.font);
         const std::set<int> frames = {-3, 7, 123};
@@ -168,6 +172,8 @@ private slots:
         QCOMPARE(centre(), 0);
         show("good");
         QTRY_COMPARE(centre(), 200);
+        const auto select = [&] { pane.fileSelected(FileInfo("good", false), QDir(folder.path())); };
+        QTRY_VERIFY((select(), !label.text().isEmpty())); // from the cache, when it is there in that size
         pane.previewFile(nullptr);
         QCOMPARE(label.text(), QString());
         QCOMPARE(centre(), 0);
