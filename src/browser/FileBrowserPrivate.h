@@ -86,7 +86,9 @@ public:
     void showText(const QString& text);
     QModelIndex shownSequence() const;
     bool isAcceptable() const;
+    QString typedName() const;
     bool isTypedFolder() const;
+    bool isTypedFolderListed() const;
     bool isAcceptable(const FileInfo& info) const;
     bool takesFolders() const;
     void showQueue(bool changed);
@@ -131,6 +133,7 @@ public:
     bool m_rowsUpdating = false; // what is chosen is looked at when all rows are in their places
     bool m_choiceUpdated = false;
     bool m_pickListUpdated = false;
+    bool m_typedFolderWasListed = false;
     bool m_rowsKnow = false; // while changes of an update are announced, nothing is asked of the disk
     bool m_rowsHeld = false; // buildRows() follows when all that decides about them is set
 

@@ -73,14 +73,27 @@ bool FileBrowser::Private::isAcceptable() const
                        [this](const QModelIndex& row) { return isAcceptable(*m_model->fileInfo(row)); });
 }
 
-bool FileBrowser::Private::isTypedFolder() const
+// The name of a file or folder that the filename field has, if it is one of the present folder.
+QString FileBrowser::Private::typedName() const
 {
     const QString text = m_controls.filenameEdit->text();
     const QString folder = Base::withSeparator(m_model->directory().absolutePath());
-    const QString name = text.startsWith(folder) ? text.mid(folder.size()) : QString();
-    if (!m_rowsKnow || name.isEmpty() || name.contains(QLatin1Char('/')))
-        return QFileInfo(text).isDir();
-    const FileInfo* const info = m_model->entry(m_model->find(name.toUtf8()).row());
+    QString name = text.startsWith(folder) ? text.mid(folder.size()) : QString();
+    if (name.endsWith(QLatin1Char('/')))
+        name.chop(1);
+    return name.contains(QLatin1Char('/')) ? QString() : name;
+}
+
+bool FileBrowser::Private::isTypedFolder() const
+{
+    const bool isListed = m_rowsKnow && !typedName().isEmpty();
+    return isListed ? isTypedFolderListed() : QFileInfo(m_controls.filenameEdit->text()).isDir();
+}
+
+bool FileBrowser::Private::isTypedFolderListed() const
+{
+    const QByteArray name = typedName().toUtf8();
+    const FileInfo* const info = name.isEmpty() ? nullptr : m_model->entry(m_model->find(name).row());
     return info && info->isDirectory();
 }
 

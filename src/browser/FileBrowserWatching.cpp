@@ -61,6 +61,7 @@ void FileBrowser::Private::noteReading()
 void FileBrowser::Private::beginUpdate(const RowChanges& changes, const DirectoryRows& rows)
 {
     m_rowsUpdating = true;
+    m_typedFolderWasListed = takesFolders() && isTypedFolderListed();
     updatePickList(changes, rows);
     const int row = shownSequence().row();
     if (row < 0 || changes.vanishes(row))
@@ -116,7 +117,7 @@ void FileBrowser::Private::endUpdate(bool succeeded)
         showText(text);
     if (isChoiceUpdated)
         q->fileSelectionChanged();
-    else if (isPickListUpdated)
+    else if (isPickListUpdated || (takesFolders() && isTypedFolderListed() != m_typedFolderWasListed))
         emit q->choiceChanged();
 }
 

@@ -273,6 +273,24 @@ private slots:
         QCOMPARE(window.edit()->text(), m_folder->filePath("b"));
     }
 
+    // What is typed can be chosen as soon as it is there.
+    void typedFolderComesAndGoes()
+    {
+        BrowserWindow window(m_folder->path());
+        window.browser.setSelectionType(FileBrowser::SelectionType::Directories);
+        QTRY_VERIFY(window.isRead());
+        window.type(m_folder->filePath("new"));
+        QTRY_VERIFY(window.isRead());
+        QSignalSpy choices(&window.browser, &FileBrowser::choiceChanged);
+        for (const bool comes : {true, false}) {
+            QVERIFY(comes ? QDir(m_folder->path()).mkdir("new") : QDir(m_folder->path()).rmdir("new"));
+            QVERIFY(update(window));
+            QCOMPARE(choices.size(), 1);
+            QCOMPARE(window.browser.acceptance() == FileBrowser::Acceptance::Open, comes);
+            choices.clear();
+        }
+    }
+
     void sequenceGrowsInItsRow()
     {
         QVERIFY(SampleFiles::makeFrames(m_folder->path(), "s.%02d.exr", 1, 5));
