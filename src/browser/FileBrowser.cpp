@@ -89,8 +89,6 @@ void FileBrowser::Private::initFilesList()
     QObject::connect(
         m_model, &DirectoryModel::rowsAboutToBeUpdated, q,
         [this](const RowChanges& changes, const DirectoryRows& rows) { beginUpdate(changes, rows); });
-    QObject::connect(m_model, &DirectoryModel::updated, q,
-                     [this](int /*milliseconds*/, bool succeeded) { endUpdate(succeeded); });
     m_notice = new ListNotice(m_model, m_proxy, q);
     QObject::connect(m_notice, &ListNotice::changed, q, [this] { showNotice(); });
 

@@ -33,7 +33,10 @@ void FileBrowser::Private::initWatch()
         if (!m_model->update(m_watch.changedNames()))
             m_watch.endRead(0, false);
     });
+    // The watch first: the host, which endUpdate() calls, may begin another read.
     QObject::connect(m_model, &DirectoryModel::updated, &m_watch, &DirectoryWatch::endRead);
+    QObject::connect(m_model, &DirectoryModel::updated, q,
+                     [this](int /*milliseconds*/, bool succeeded) { endUpdate(succeeded); });
     // Rows are also empty while an evaluator is asked, which reads nothing.
     QObject::connect(m_model, &DirectoryModel::readStarted, &m_watch, [this] {
         if (m_model->isReading())

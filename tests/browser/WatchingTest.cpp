@@ -91,6 +91,24 @@ private slots:
         QVERIFY(resets.isEmpty());
     }
 
+    void hostGoesElsewhereWhenRowsChange()
+    {
+        QVERIFY(SampleFiles::make(m_folder, {"s.1.exr", "s.2.exr"}));
+        const QTemporaryDir other;
+        DialogWindow window(m_folder);
+        watch(window);
+        QTRY_COMPARE(window.rows().size(), 1);
+        window.clickRow(window.rows().first());
+        connect(window.edit(), &QLineEdit::textChanged, &window.dialog,
+                [&] { window.dialog.setDirectory(QDir(other.path()), false, true); });
+        QVERIFY(SampleFiles::make(m_folder, {"s.3.exr"}));
+        QTRY_VERIFY(window.model()->directory() == QDir(other.path()) && window.rows().isEmpty());
+        faults[DelayedCalls] = 0;
+        QTRY_VERIFY(faults[DelayedCalls] > 0); // the system tells of changes there
+        QVERIFY(SampleFiles::make(other.path(), {"new"}));
+        QVERIFY(QTest::qWaitFor([&] { return window.rows() == QStringList("new"); }, 3000));
+    }
+
     // Of a frame that comes, and of a part of the others.
     void asksForFewAttributes()
     {
