@@ -116,6 +116,8 @@ void DirectoryWatch::setActive(bool active)
         m_question.reset();
         forgetNotices();
     }
+    // Nobody told of files that were written in the pause, and the directory has no trace of them.
+    m_looksAgain = m_looksAgain || (active && !m_reading);
     schedule();
 }
 
@@ -139,9 +141,11 @@ void DirectoryWatch::beginRead(const std::string& path)
 void DirectoryWatch::endRead(int milliseconds, bool succeeded)
 {
     constexpr int RestFactor = 4; // the reader works a fifth of the time
-    if (!std::exchange(m_reading, false))
-        return;
     m_looksAgain = m_looksAgain || !succeeded;
+    if (!std::exchange(m_reading, false)) {
+        schedule();
+        return;
+    }
     if (!succeeded && m_told && m_untold)
         m_untold->merge(*m_told);
     else if (!succeeded)
@@ -153,7 +157,8 @@ void DirectoryWatch::endRead(int milliseconds, bool succeeded)
     schedule();
 }
 
-// The first question about a directory does not wait for the reader: what changes while it reads is noticed.
+// The first question about a directory does not wait for the reader: what changes while it reads, and while
+// it rests, is noticed.
 void DirectoryWatch::schedule()
 {
     m_timer.stop();
@@ -162,7 +167,7 @@ void DirectoryWatch::schedule()
     qint64 wait = m_noticed ? 0 : m_interval;
     if (m_looksAgain)
         wait = std::min(wait, m_settling - m_sinceRead.elapsed());
-    m_timer.start(static_cast<int>(std::max(wait, m_rest.remainingTime())));
+    m_timer.start(static_cast<int>(std::max(wait, m_known ? m_rest.remainingTime() : 0)));
 }
 
 void DirectoryWatch::ask()

@@ -45,14 +45,16 @@ public:
     ~DirectoryWatch() override;
 
     /// Whether the directory is watched (default: no). If not, the disk is asked nothing. The first question
-    /// after a pause is asked at once, and changed() follows if something changed meanwhile.
+    /// after a pause is asked at once, and changed() follows, a settling time after the last read began or
+    /// as soon as something is known to have changed.
     void setActive(bool active);
     /// The directory @p path is watched from now on, in place of an earlier one, and the reader begins to
     /// read it now. Call this also while not active.
     void beginRead(const std::string& path);
     /// The reader has ended, after beginRead() or changed(). Reading took @p milliseconds; there is a pause
     /// of four times as long before the next changed(). A read that failed is to be tried again: after more
-    /// than the settling time, and later each time that it fails again, up to Pace::longest.
+    /// than the settling time, and later each time that it fails again, up to Pace::longest. The same without
+    /// beginRead() if the reader could not even begin.
     void endRead(int milliseconds, bool succeeded);
 
     /// The directory of beginRead(), at first empty.

@@ -153,6 +153,12 @@ private slots:
         folder.watch.endRead(0, true);
         QVERIFY(folder.tells() && !changes.wait(200));
         QVERIFY(write(folder.file("a")) && folder.tells() && folder.tells() && !changes.wait(200));
+        folder.watch.setActive(false);
+        QVERIFY(write(folder.file("a"))); // which nobody tells
+        folder.watch.setActive(true);
+        QVERIFY(folder.tells() && !changes.wait(200));
+        folder.watch.endRead(0, false); // the reader could not begin
+        QVERIFY(folder.tells() && !changes.wait(200));
 
         // A read that failed is tried again, later each time.
         QElapsedTimer timer;
@@ -211,6 +217,13 @@ private slots:
                 QVERIFY(writes(i % 2 == 0 ? "h" : "i"));
             QVERIFY(tells(any));
         }
+    }
+
+    void asksBeforeTheReaderHasRested()
+    {
+        Watched folder({Never, Never, Never, Never});
+        folder.watch.endRead(0, true);
+        QTRY_VERIFY(faults[Calls] > 0);
     }
 
     void asksSeldomIfNothingChangesOrAnswersTakeLong()
