@@ -63,10 +63,10 @@ void FileBrowser::DirectoryModel::buildNextRows()
         m_wantedAgain = false;
         const unsigned number = m_update.number();
         evaluatedRows = askEvaluator(m_update.manager());
-        if (!m_update.isRunning() || number != m_update.number())
-            return;
-        if (asked != m_evaluator) {
-            m_update.abandon();
+        const bool isAbandoned = !m_update.isRunning() || number != m_update.number();
+        if (isAbandoned || asked != m_evaluator) {
+            if (!isAbandoned)
+                m_update.abandon();
             if (m_wantedAgain)
                 buildLater();
             return;

@@ -395,6 +395,7 @@ private slots:
         evaluator.interrupt = [&] {
             evaluator.interrupt = [] {};
             window.browser.setDirectory(QDir(other.path()), false, true);
+            QTRY_VERIFY(!window.model()->isReading()); // its list waits for the answer
         };
         QVERIFY(SampleFiles::make(m_folder->path(), {"d"}));
         QVERIFY(!update(window));
