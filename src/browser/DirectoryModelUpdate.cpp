@@ -32,6 +32,9 @@ bool FileBrowser::DirectoryModel::update(ChangedNames changed)
     if (!isRead || m_evaluating || m_update.isRunning())
         return false;
     KnownFiles known = readError() == 0 ? m_manager->knownFiles() : KnownFiles();
+    // Nobody tells that the time of a folder changes with what is in it.
+    if (changed)
+        changed->insert({".", ".."});
     known.setChanged(std::move(changed), m_updateCount++);
     m_update.begin(m_directory.absolutePath().toStdString(), std::move(known),
                    m_sequenceMode == SequenceMode::Expanded);

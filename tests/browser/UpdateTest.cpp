@@ -11,6 +11,7 @@
 #include <numeric>
 #include <random>
 #include <string>
+#include <utime.h>
 
 using namespace Halvern::UI;
 
@@ -381,8 +382,11 @@ private slots:
             evaluator.asked = 0;
             QVERIFY(update(window));
             QCOMPARE(evaluator.asked, 0);
-            QVERIFY(SampleFiles::make(m_folder->path(), makesOwnRows ? "b4" : "b3"));
-            QVERIFY(update(window));
+            const char* name = makesOwnRows ? "b4" : "b3";
+            QVERIFY(SampleFiles::make(m_folder->path(), name));
+            const utimbuf time{0, makesOwnRows ? 2 : 1};
+            QCOMPARE(::utime(qPrintable(m_folder->path()), &time), 0);
+            QVERIFY(update(window, NameSet{name}));
             QCOMPARE(evaluator.asked, 1);
             QCOMPARE(window.rows(), (QStringList{"a 1", makesOwnRows ? "b 4" : "b 3"}));
             QCOMPARE(selectedNames(window), QStringList("a"));
