@@ -109,6 +109,22 @@ private slots:
         QVERIFY(QTest::qWaitFor([&] { return window.rows() == QStringList("new"); }, 3000));
     }
 
+    void filesVanishAtOnce()
+    {
+        QVERIFY(SampleFiles::makeFrames(m_folder, "f%05d.txt", 1, 10000));
+        QVERIFY(SampleFiles::make(m_folder, {"stays"}));
+        DialogWindow window(m_folder, true);
+        watch(window);
+        window.dialog.setSequencesEnabled(false);
+        QTRY_COMPARE(window.rows().size(), 10001);
+        QTRY_VERIFY(window.model()->hasAllAttributes());
+        window.select({"f00042.txt", "stays"});
+        for (int frame = 1; frame <= 10000; ++frame)
+            QVERIFY(QFile::remove(QString::asprintf("%s/f%05d.txt", qPrintable(m_folder), frame)));
+        QTRY_COMPARE_WITH_TIMEOUT(window.rows(), QStringList("stays"), 20000);
+        QTRY_COMPARE(window.dialog.selectedFiles(), QStringList(path("stays")));
+    }
+
     // Of a frame that comes, and of a part of the others.
     void asksForFewAttributes()
     {
