@@ -9,6 +9,7 @@
 #include <QPainter>
 #include <QScrollBar>
 #include <algorithm>
+#include <utility>
 
 namespace Halvern::UI {
 
@@ -279,6 +280,7 @@ void FileBrowser::FilesList::beginUpdate(const RowChanges& changes)
     m_held = nextStaying(indexAt(viewport()->rect().topLeft()), changes);
     const QRect held = visualRect(m_held);
     m_heldTop = held.intersects(viewport()->rect()) ? held.top() : 0;
+    m_range = currentRange();
     const QModelIndex current = currentIndex();
     const QModelIndex next = nextStaying(current, changes);
     if (next == current)
@@ -301,22 +303,33 @@ void FileBrowser::FilesList::endUpdate()
     resumeRange();
 }
 
-// Qt ends a Shift selection when rows come or go. The next click with Shift is to replace that range.
+// The selected rows around the current one. While a Shift selection lasts, these are its rows.
+QItemSelectionRange FileBrowser::FilesList::currentRange() const
+{
+    for (const QItemSelectionRange& range : selectionModel()->selection()) {
+        if (range.contains(currentIndex()))
+            return range;
+    }
+    return {};
+}
+
+// Qt ends a Shift selection when rows come, go or move, and joins it with selected rows beside it. The next
+// click with Shift is to replace that selection alone.
 void FileBrowser::FilesList::resumeRange()
 {
-    QItemSelection others = selectionModel()->selection();
-    const auto isCurrent = [this](const QItemSelectionRange& range) {
-        return range.contains(currentIndex());
-    };
-    const auto found = std::find_if(others.begin(), others.end(), isCurrent);
-    if (found == others.end())
+    const QItemSelectionRange before = std::exchange(m_range, {});
+    const QItemSelectionRange joined = currentRange();
+    if (!joined.isValid())
         return;
-    QItemSelection last;
-    last.append(*found);
-    others.erase(found);
+    QItemSelectionRange last = joined.intersected(before);
+    if (!last.contains(currentIndex()))
+        last = joined;
+    QItemSelection others = selectionModel()->selection();
+    others.removeAll(joined);
+    QItemSelection::split(joined, last, &others);
     const QSignalBlocker blocker(selectionModel());
     selectionModel()->select(others, QItemSelectionModel::ClearAndSelect);
-    selectionModel()->select(last, QItemSelectionModel::Select);
+    selectionModel()->select({last.topLeft(), last.bottomRight()}, QItemSelectionModel::Select);
 }
 
 } // namespace Halvern::UI

@@ -81,6 +81,7 @@ private slots:
     void endUpdate();
 
 private:
+    QItemSelectionRange currentRange() const;
     void resumeRange();
     bool navigates(const QKeyEvent& event);
     bool sorts(const QKeyEvent& event);
@@ -92,6 +93,7 @@ private:
     QString m_pressedFolder;      // in which the mouse was pressed last
     QPersistentModelIndex m_held; // during an update of the model: the row that keeps its place
     int m_heldTop = 0;            // pixels below the upper edge
+    QItemSelectionRange m_range;  // during an update: the rows of a Shift selection
     QString m_notice;
     int m_widthHint = 0;
 };
