@@ -134,7 +134,8 @@ signals:
     void readFailed();
     /// Entries die, or an evaluator is asked, which may free rows of its own making.
     void entriesExpire();
-    /// Each entry of @p before is replaced by that of @p after at its index, null for none, and then dies.
+    /// Each entry of @p before was replaced by the one at the same index of @p after, null if there is none.
+    /// The entries of @p before are about to be destroyed.
     void entriesReplaced(const std::vector<FileInfo*>& before, const std::vector<FileInfo*>& after);
     void rowsAboutToBeUpdated(const Halvern::UI::RowChanges& changes, const Halvern::UI::DirectoryRows& rows);
     /// The rows stand as announced.

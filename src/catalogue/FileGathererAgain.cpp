@@ -64,7 +64,7 @@ void FileGatherer::readAgain(int folder)
     }
 }
 
-// Of each of the names @p known is what is known of it.
+// For each name, @p known has what is known of the file.
 FileGatherer::PresentFiles FileGatherer::presentFiles(const NameQueue::BatchPointer& batch,
                                                       const KnownFiles::File* known, int folder) const
 {

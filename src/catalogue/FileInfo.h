@@ -152,8 +152,7 @@ private:
     void platformSpecificInitialization();
     bool collectFrameRanges();
 
-    // What is used together lies together: a folder has many entries, and each touches as little memory as
-    // may be.
+    // What most entries use comes first, so that it lies on few cache lines.
     unsigned m_flags = 0;
     int m_sequenceFileCount = 0;
     unsigned long long m_size = 0;

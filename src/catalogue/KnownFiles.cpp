@@ -20,8 +20,8 @@ void KnownFiles::setChanged(ChangedNames names, unsigned round)
     m_round = round;
 }
 
-// A directory gives its names in the same order again, but for those that are new or gone. The others are
-// looked up among those that were passed.
+// A directory usually gives its names in the same order again, so each is compared with the next known ones.
+// A name that is not among these is looked up among the known names that no name matched.
 std::vector<KnownFiles::File> KnownFiles::find(const Names& names, const std::atomic<bool>& keepRunning) const
 {
     constexpr std::size_t Near = 16;
