@@ -29,6 +29,11 @@ Pixel grey(float value)
     return {value, value, value, 1};
 }
 
+Pixel light(float value)
+{
+    return grey(srgb(value));
+}
+
 Pixel translucent(float light, float alpha)
 {
     return {0.8F * light, 0.4F * light, 0, alpha};
@@ -39,18 +44,26 @@ Pixels all(Pixel pixel)
     return [pixel](int, int) { return pixel; };
 }
 
+// The colours of 0, 1 / steps, 2 / steps, …
+Pixels across(float steps, Pixel (*colour)(float))
+{
+    return [=](int x, int) { return colour(float(x) / steps); };
+}
+
+Pixels turned(const Pixels& pixels)
+{
+    return [=](int x, int y) { return pixels(y, x); };
+}
+
 float cineon(float code)
 {
     const auto light = [](float of) { return std::pow(10.0F, (of - 685) * 0.002F / 0.6F); };
     return srgb(std::max(0.0F, (light(code) - light(95)) / (1 - light(95))));
 }
 
-ImageSpec specOf(int width, int height, std::vector<std::string> channels, TypeDesc type)
+ImageSpec named(ImageSpec spec, std::vector<std::string> channels)
 {
-    ImageSpec spec(width, height, int(channels.size()), type);
     spec.channelnames = std::move(channels);
-    const auto alpha = std::find(spec.channelnames.begin(), spec.channelnames.end(), "A");
-    spec.alpha_channel = alpha == spec.channelnames.end() ? -1 : int(alpha - spec.channelnames.begin());
     return spec;
 }
 
@@ -80,14 +93,12 @@ ImageSpec tiled(ImageSpec spec)
 bool write(ImageOutput& output, const ImageSpec& spec, const Pixels& pixels)
 {
     std::vector<float> values;
-    for (int y = 0; y < spec.height; ++y) {
-        for (int x = 0; x < spec.width; ++x) {
-            const Pixel pixel = pixels(x, y);
-            for (int c = 0; c < spec.nchannels; ++c)
-                values.push_back(pixel[size_t(c % 4)]);
-        }
+    for (int i = 0; i < spec.width * spec.height; ++i) {
+        const Pixel pixel = pixels(i % spec.width, i / spec.width);
+        for (int c = 0; c < spec.nchannels; ++c)
+            values.push_back(pixel[size_t(c % 4)]);
     }
-    return output.write_image(TypeDesc::FLOAT, values.data());
+    return output.write_image(TypeFloat, values.data());
 }
 
 } // namespace
@@ -110,17 +121,12 @@ class PictureColoursTest : public Test
     static QString fault(const Program::Answer& answer, const QSize& size, const Pixels& wanted)
     {
         if (!answer.reason.isEmpty() || answer.size != size)
-            return QString("%1 %2 x %3")
-                .arg(answer.reason)
-                .arg(answer.size.width())
-                .arg(answer.size.height());
+            return QString::asprintf("%d x %d ", answer.size.width(), answer.size.height()) + answer.reason;
         const auto* byte = reinterpret_cast<const uchar*>(answer.pixels.constData());
-        for (int y = 0; y < size.height(); ++y) {
-            for (int x = 0; x < size.width(); ++x) {
-                for (const float value : wanted(x, y)) {
-                    if (std::abs(*byte++ - std::lround(value * 255)) > 1)
-                        return QString("%1, %2: %3 for %4").arg(x).arg(y).arg(byte[-1]).arg(value * 255);
-                }
+        for (int i = 0; i < size.width() * size.height(); ++i) {
+            for (const float value : wanted(i % size.width(), i / size.width())) {
+                if (std::abs(*byte++ - std::lround(value * 255)) > 1)
+                    return QString("pixel %1: %2 for %3").arg(i).arg(byte[-1]).arg(value * 255);
             }
         }
         return {};
@@ -130,96 +136,67 @@ private slots:
     void showsRightPixels()
     {
         const auto row = [&](const char* title, const char* name, const ImageSpec& spec,
-                             const Pixels& written, const Pixels& wanted, const QSize& room = {4096, 4096},
-                             const QSize& size = {}) {
+                             const Pixels& written, const Pixels& wanted, const QSize& size = {},
+                             const QSize& room = {4096, 4096}) {
             QVERIFY2(make(file(name), spec, written), title);
-            const Program::Answer answer =
-                m_program.ask(file(name), quint32(room.width()), quint32(room.height()));
-            const QSize full(spec.full_width, spec.full_height);
-            QCOMPARE(title + fault(answer, size.isEmpty() ? full : size, wanted), QString(title));
+            const QSize shown = size.isEmpty() ? QSize(spec.full_width, spec.full_height) : size;
+            QCOMPARE(title + fault(m_program.ask(file(name), room), shown, wanted), QString(title));
         };
-        const std::vector<std::string> rgb{"R", "G", "B"};
-        const std::vector<std::string> rgba{"R", "G", "B", "A"};
-        const Pixels ramp = [](int x, int) { return Pixel{float(x) / 255, float(255 - x) / 255, 0.5F, 1}; };
-
-        row("8 bit png", "a.png", specOf(256, 1, rgb, TypeDesc::UINT8), ramp, ramp);
-        row("16 bit tiff", "a.tif", specOf(256, 1, rgb, TypeDesc::UINT16), ramp, ramp);
-        row(
-            "alpha of png", "a.png", with(specOf(256, 1, rgba, TypeDesc::UINT8), "oiio:UnassociatedAlpha", 1),
-            [](int x, int) { return translucent(1, float(x) / 255); },
-            [](int x, int) { return translucent(float(x) / 255, float(x) / 255); });
-        const Pixels bright = [](int x, int) { return Pixel{float(x) / 16, float(x) / 64, 0, 1}; };
-        const Pixels brightShown = [](int x, int) { return shown(float(x) / 16, float(x) / 64, 0); };
-        row("half floats beyond 1", "a.exr", specOf(64, 1, rgb, TypeDesc::HALF), bright, brightShown);
-        row("floats of tiff", "a.tif", specOf(64, 1, rgb, TypeDesc::FLOAT), bright, brightShown);
-        row(
-            "alpha of exr, and light without alpha", "a.exr", specOf(65, 1, rgba, TypeDesc::FLOAT),
-            [](int x, int) {
-                const float a = float(x) / 64;
-                return x == 0 ? Pixel{0.5F, 0, 0, 0} : Pixel{0.5F * a, 0.25F * a, 0, a};
-            },
-            [](int x, int) {
-                return x == 0 ? Pixel{srgb(0.5F), 0, 0, srgb(0.5F)} : shown(0.5F, 0.25F, 0, float(x) / 64);
-            });
-        row(
-            "not a number, and infinite", "a.exr", specOf(3, 1, rgb, TypeDesc::HALF),
-            [](int x, int) { return x == 0   ? grey(NAN)
-                                    : x == 1 ? grey(INFINITY)
-                                             : grey(-INFINITY); },
-            [](int x, int) { return grey(x == 1 ? 1 : 0); });
-        row(
-            "log code values", "a.dpx",
-            with(with(specOf(1024, 1, rgb, TypeDesc::UINT16), "oiio:BitsPerSample", 10), "oiio:ColorSpace",
-                 "KodakLog"),
-            [](int x, int) { return grey(float(x) / 1023); },
-            [](int x, int) { return grey(cineon(float(x))); });
-        row(
-            "linear dpx", "a.dpx",
-            with(with(specOf(64, 1, rgb, TypeDesc::UINT16), "oiio:BitsPerSample", 10), "oiio:ColorSpace",
-                 "Linear"),
-            [](int x, int) { return grey(float(x) / 64); },
-            [](int x, int) { return grey(srgb(float(x) / 64)); });
+        const Pixels ramp = across(255, [](float value) { return Pixel{value, 1 - value, 0.5F, 1}; });
+        row("8 bit png", "a.png", ImageSpec(256, 1, 3, TypeUInt8), ramp, ramp);
+        row("16 bit tiff", "a.tif", ImageSpec(256, 1, 3, TypeUInt16), ramp, ramp);
+        row("alpha of png", "a.png", with(ImageSpec(256, 1, 4, TypeUInt8), "oiio:UnassociatedAlpha", 1),
+            across(255, [](float alpha) { return translucent(1, alpha); }),
+            across(255, [](float alpha) { return translucent(alpha, alpha); }));
+        const Pixels bright = across(16, [](float value) { return Pixel{value, value / 4, 0, 1}; });
+        const Pixels brightShown = across(16, [](float value) { return shown(value, value / 4, 0); });
+        row("half floats beyond 1", "a.exr", ImageSpec(64, 1, 3, TypeHalf), bright, brightShown);
+        row("floats of tiff", "a.tif", ImageSpec(64, 1, 3, TypeFloat), bright, brightShown);
+        row("alpha of exr", "a.exr", ImageSpec(65, 1, 4, TypeFloat),
+            across(64, [](float a) { return translucent(0.625F * a, a); }),
+            across(64, [](float a) { return shown(0.5F, 0.25F, 0, a); }));
+        row("light without alpha", "a.exr", ImageSpec(1, 1, 4, TypeFloat), all({0.5F, 0, 0, 0}),
+            all({srgb(0.5F), 0, 0, srgb(0.5F)}));
+        row("not a number", "a.exr", ImageSpec(1, 1, 3, TypeHalf), all(grey(NAN)), all(grey(0)));
+        row("infinite", "a.exr", ImageSpec(2, 1, 3, TypeHalf),
+            across(1, [](float x) { return grey(x > 0 ? INFINITY : -INFINITY); }), across(1, grey));
+        const ImageSpec dpx = with(ImageSpec(1024, 1, 3, TypeUInt16), "oiio:BitsPerSample", 10);
+        row("log code values", "a.dpx", with(dpx, "oiio:ColorSpace", "KodakLog"), across(1023, grey),
+            across(1, [](float code) { return grey(cineon(code)); }));
+        row("linear dpx", "a.dpx", with(dpx, "oiio:ColorSpace", "Linear"), across(1023, grey),
+            across(1023, light));
 
         row("data window beyond the display window", "a.exr",
-            within(specOf(4, 3, rgba, TypeDesc::HALF), -2, -1, 4, 5), all(grey(1)), [](int x, int y) {
+            within(ImageSpec(4, 3, 4, TypeHalf), -2, -1, 4, 5), all(grey(1)), [](int x, int y) {
                 return x < 2 && y < 2 ? grey(1) : Pixel{0, 0, 0, 0};
             });
-        row("data window elsewhere", "a.exr", within(specOf(4, 4, rgba, TypeDesc::HALF), 100, 100, 4, 4),
+        row("data window elsewhere", "a.exr", within(ImageSpec(4, 4, 4, TypeHalf), 100, 100, 4, 4),
             all(grey(1)), all({0, 0, 0, 0}));
-        const Pixels columns = [](int x, int) { return grey(float(x) / 8); };
-        const Pixels columnsShown = [](int x, int) { return grey(srgb(float(x) / 8)); };
-        row("pixels twice as wide", "a.exr",
-            with(specOf(8, 4, rgb, TypeDesc::HALF), "PixelAspectRatio", 2.0F), columns, columnsShown,
-            {4096, 4096}, {8, 2});
-        row(
-            "pixels half as wide", "a.exr", with(specOf(4, 8, rgb, TypeDesc::HALF), "PixelAspectRatio", 0.5F),
-            [](int, int y) { return grey(float(y) / 8); },
-            [](int, int y) { return grey(srgb(float(y) / 8)); }, {4096, 4096}, {2, 8});
+        row("pixels twice as wide", "a.exr", with(ImageSpec(8, 4, 3, TypeHalf), "PixelAspectRatio", 2.0F),
+            across(8, grey), across(8, light), {8, 2});
+        row("pixels half as wide", "a.exr", with(ImageSpec(4, 8, 3, TypeHalf), "PixelAspectRatio", 0.5F),
+            turned(across(8, grey)), turned(across(8, light)), {2, 8});
         // Every pixel of the result is the mean of 4 by 4.
         const Pixels fine = [](int x, int y) {
             return grey(float(x % 4 + y % 4) / 8 + float(y / 4 % 7) / 32);
         };
-        const Pixels mean = [](int, int y) { return grey(srgb(3.0F / 8 + float(y % 7) / 32)); };
-        row("scaled down from rows", "a.exr", specOf(16, 2048, rgb, TypeDesc::HALF), fine, mean, {4, 512},
-            {4, 512});
-        row("scaled down from tiles", "a.exr", tiled(specOf(16, 2048, rgb, TypeDesc::HALF)), fine, mean,
-            {4, 8192}, {4, 512});
-        row(
-            "lying on its side", "a.tif", with(specOf(2, 1, rgb, TypeDesc::UINT8), "Orientation", 6),
-            [](int x, int) { return grey(float(x)); }, [](int, int y) { return grey(float(y)); },
-            {4096, 4096}, {1, 2});
-
-        row("turned in no way", "a.exr", with(specOf(2, 1, rgb, TypeDesc::HALF), "Orientation", 9),
-            all(grey(1)), all(grey(1)));
+        const Pixels mean = [](int, int y) { return light(3.0F / 8 + float(y % 7) / 32); };
+        const ImageSpec high(16, 2048, 3, TypeHalf);
+        row("scaled down from rows", "a.exr", high, fine, mean, {4, 512}, {4, 512});
+        row("scaled down from tiles", "a.exr", tiled(high), fine, mean, {4, 512}, {4, 8192});
+        row("lying on its side", "a.tif", with(ImageSpec(2, 1, 3, TypeUInt8), "Orientation", 6),
+            across(1, grey), turned(across(1, grey)), {1, 2});
+        row("turned in no way", "a.exr", with(ImageSpec(2, 1, 3, TypeHalf), "Orientation", 9), all(grey(1)),
+            all(grey(1)));
 
         const Pixels values = all({0.5F, 0.25F, 0.125F, 0.5F});
-        row("one channel", "a.exr", specOf(1, 1, {"Z"}, TypeDesc::FLOAT), values, all(grey(srgb(0.5F))));
-        row("grey and alpha", "a.exr", specOf(1, 1, {"Y", "A"}, TypeDesc::FLOAT), all({0.25F, 0.5F, 0, 0}),
-            all(shown(0.5F, 0.5F, 0.5F, 0.5F)));
-        row("two channels", "a.exr", specOf(1, 1, {"u", "v"}, TypeDesc::FLOAT), values,
-            all(grey(srgb(0.5F))));
+        row("one channel", "a.exr", named(ImageSpec(1, 1, 1, TypeFloat), {"Z"}), values, all(light(0.5F)));
+        row("grey and alpha", "a.exr", named(ImageSpec(1, 1, 2, TypeFloat), {"Y", "A"}),
+            all({0.25F, 0.5F, 0, 0}), all(shown(0.5F, 0.5F, 0.5F, 0.5F)));
+        row("two channels", "a.exr", named(ImageSpec(1, 1, 2, TypeFloat), {"u", "v"}), values,
+            all(light(0.5F)));
         row("a layer beside others", "a.exr",
-            specOf(1, 1, {"N.X", "beauty.R", "beauty.G", "beauty.B", "x.Y"}, TypeDesc::HALF), values,
+            named(ImageSpec(1, 1, 5, TypeHalf), {"N.X", "beauty.R", "beauty.G", "beauty.B", "x.Y"}), values,
             all(shown(0.25F, 0.125F, 0.5F)));
     }
 
@@ -227,7 +204,7 @@ private slots:
     {
         const std::string path = file("mip.exr").toStdString();
         auto output = ImageOutput::create(path);
-        ImageSpec spec = tiled(specOf(64, 64, {"R", "G", "B"}, TypeDesc::HALF));
+        ImageSpec spec = tiled(ImageSpec(64, 64, 3, TypeHalf));
         spec.attribute("textureformat", "Plain Texture");
         for (int side = 64; side > 0; side /= 2) {
             spec.width = spec.height = spec.full_width = spec.full_height = side;
@@ -238,8 +215,8 @@ private slots:
         output.reset();
         const std::pair<int, float> rows[] = {{64, 0.125F}, {40, 0.125F}, {32, 0.25F}, {16, 0.5F}, {1, 0.5F}};
         for (const auto& [side, value] : rows) {
-            const auto answer = m_program.ask(file("mip.exr"), quint32(side), quint32(side));
-            QCOMPARE(fault(answer, {side, side}, all(grey(srgb(value)))), QString());
+            const QSize size(side, side);
+            QCOMPARE(fault(m_program.ask(file("mip.exr"), size), size, all(light(value))), QString());
         }
     }
 
@@ -264,16 +241,12 @@ private slots:
             "  - !<ColorSpace> {name: shown, from_reference: !<ExponentTransform> {value: [2, 2, 2, 1]}}\n");
         config.close();
         Program program(QString("coreui-pictures-oiio"), config.fileName());
-        const Pixels written = [](int x, int) { return grey(float(x) / 15); };
         for (const char* name : {"dark.exr", "other.exr", "other.jpg", "dark.dpx"}) {
             const bool isDark = name[0] == 'd';
-            QVERIFY(make(file(name), specOf(16, 1, {"R", "G", "B"}, TypeDesc::HALF), written));
+            QVERIFY(make(file(name), ImageSpec(16, 1, 3, TypeHalf), across(15, grey)));
             const Program::Answer answer = program.ask(file(name));
             QCOMPARE(answer.colourSpace, isDark ? QString("dim") : QString("light"));
-            const auto wanted = [=](int x, int) {
-                const float light = float(x) / 15 / (isDark ? 2.0F : 1.0F);
-                return grey(light * light);
-            };
+            const Pixels wanted = across(isDark ? 30 : 15, [](float light) { return grey(light * light); });
             if (!answer.compression.contains(QLatin1String("jpeg")))
                 QCOMPARE(fault(answer, {16, 1}, wanted), QString());
         }
@@ -284,14 +257,15 @@ private slots:
 
     void describesFiles()
     {
-        ImageSpec spec = within(specOf(8, 4, {"R", "G", "B", "depth.Z"}, TypeDesc::HALF), 2, 1, 16, 8);
+        ImageSpec spec = within(ImageSpec(8, 4, 4, TypeHalf), 2, 1, 16, 8);
+        spec.channelnames[3] = "depth.Z";
         const int rate[] = {24000, 1001};
         const unsigned code[] = {0x01020304, 0};
         spec.attribute("FramesPerSecond", TypeRational, rate);
         spec.attribute("smpte:TimeCode", TypeTimeCode, code);
         spec.attribute("compression", "piz");
         QVERIFY(make(file("a.exr"), spec, all(grey(1))));
-        const Program::Answer answer = m_program.ask(file("a.exr"), 0, 0);
+        const Program::Answer answer = m_program.ask(file("a.exr"), {0, 0});
         QCOMPARE(answer.reason, QString());
         QVERIFY(answer.pixels.isEmpty());
         QCOMPARE(answer.fullSize, QSize(16, 8));

@@ -78,17 +78,17 @@ private slots:
         QCOMPARE(answer.depth, QStringLiteral("8 bit"));
         QCOMPARE(answer.channels.join(QString()), QStringLiteral("RGBA"));
 
-        answer = m_program.ask(png, 0, 100);
+        answer = m_program.ask(png, {0, 100});
         QCOMPARE(answer.fullSize, QSize(256, 2));
         QCOMPARE(answer.size, QSize(0, 0));
-        answer = m_program.ask(png, 64, 64);
+        answer = m_program.ask(png, {64, 64});
         QCOMPARE(answer.size, QSize(64, 1));
 
         QImage lying(64, 32, QImage::Format_RGB32);
         lying.fill(Qt::red);
         const QString jpeg = m_folder.filePath(QStringLiteral("red.jpg"));
         QVERIFY(lying.save(jpeg, nullptr, 100));
-        answer = m_program.ask(jpeg, 16, 16);
+        answer = m_program.ask(jpeg, {16, 16});
         QCOMPARE(answer.size, QSize(16, 8));
         QVERIFY(uchar(answer.pixels[0]) > 250 && uchar(answer.pixels[1]) < 5 &&
                 uchar(answer.pixels[3]) == 255);
@@ -99,7 +99,7 @@ private slots:
         const QString file = QStringLiteral("/usr/share/fonts/truetype/dejavu/DejaVuSans.ttf");
         if (!QFile::exists(file))
             QSKIP("This machine has no DejaVu Sans.");
-        const Answer answer = m_program.ask(file, 300, 300);
+        const Answer answer = m_program.ask(file, {300, 300});
         QCOMPARE(answer.reason, QString());
         QVERIFY(answer.font.startsWith(QLatin1String("DejaVu Sans")));
         QCOMPARE(answer.size.width(), 300);
@@ -112,25 +112,20 @@ private slots:
 
     void saysWhyThereIsNoPicture()
     {
-        const QString folder = m_folder.path();
-        SampleFiles::make(folder, {"empty.exr"});
-        SampleFiles::make(folder, "text.png", 5000);
-        QVERIFY(mkfifo(m_folder.filePath(QStringLiteral("pipe.png")).toUtf8().constData(), 0600) == 0);
-        QImage(64, 64, QImage::Format_RGB32).save(m_folder.filePath(QStringLiteral("cut.png")));
-        QFile cut(m_folder.filePath(QStringLiteral("cut.png")));
-        QVERIFY(cut.resize(60));
-        const std::pair<const char*, const char*> rows[] = {
-            {"none.exr", "No such file or directory."},
-            {".", "It is not a file."},
-            {"pipe.png", "It is not a file."},
-            {"empty.exr", "The file is empty."},
-            {"text.png", "It is not a picture that can be read here."},
-            {"cut.png", ""}};
-        for (const auto& [name, reason] : rows) {
-            const Answer answer = m_program.ask(m_folder.filePath(QString::fromLatin1(name)));
-            QVERIFY2(!answer.reason.isEmpty() && answer.pixels.isEmpty(), name);
-            if (*reason)
-                QCOMPARE(answer.reason, QString::fromLatin1(reason));
+        QVERIFY(SampleFiles::make(m_folder.path(), "empty.exr"));
+        QVERIFY(SampleFiles::make(m_folder.path(), "text.png", 5000));
+        QVERIFY(mkfifo(qPrintable(m_folder.filePath("pipe.png")), 0600) == 0);
+        QFile cut(m_folder.filePath("cut.png"));
+        QVERIFY(QImage(64, 64, QImage::Format_RGB32).save(cut.fileName()) && cut.resize(60));
+        for (const auto& [name, reason] : {std::pair("none.exr", "No such file or directory."),
+                                           {".", "It is not a file."},
+                                           {"pipe.png", "It is not a file."},
+                                           {"empty.exr", "The file is empty."},
+                                           {"text.png", "It is not a picture that can be read here."},
+                                           {"cut.png", ""}}) {
+            const Answer answer = m_program.ask(m_folder.filePath(name));
+            QVERIFY2(!answer.reason.isEmpty() && answer.reason.endsWith(reason), name);
+            QVERIFY2(answer.pixels.isEmpty(), name);
         }
     }
 

@@ -59,8 +59,12 @@ private slots:
         QVERIFY(m_log.contains("slow1") && m_log.contains("slow2"));
         QCOMPARE(m_log.last(), QStringLiteral("newest"));
         QCOMPARE(children().size(), 2);
+
+        for (const char* name : {"hang1", "hang2", "good"})
+            read(name);
+        QTRY_COMPARE(m_log.last(), QStringLiteral("good"));
         m_reader->stop();
-        QTRY_COMPARE(children(), QString());
+        QTRY_VERIFY(children().isEmpty());
     }
 
     // … and shows the next file.
@@ -107,7 +111,7 @@ private slots:
         }
         read("good");
         QTRY_VERIFY(m_log.last().startsWith("good: Reading pictures failed too often"));
-        QTRY_COMPARE(children(), QString());
+        QTRY_VERIFY(children().isEmpty());
         QTRY_COMPARE(m_log.last(), QStringLiteral("good"));
         QVERIFY(timer.elapsed() >= 1500);
     }
@@ -135,28 +139,17 @@ private slots:
         }
     }
 
-    void leavesWhatKeepsItWaiting()
-    {
-        read("hang1");
-        read("hang2");
-        read("good");
-        QTRY_COMPARE(m_log, QStringList{"good"});
-    }
-
     // At any moment, and at its end in the middle of a request.
     void survivesKilledProcesses()
     {
         m_reader->setFailureTime(1);
         QRandomGenerator random(7);
-        const auto killOne = [] {
-            for (const qint64 pid : childNumbers().mid(0, 1))
-                ::kill(pid_t(pid), SIGKILL);
-        };
         for (int i = 0; i < 200; ++i) {
             const auto answers = m_log.size();
             read("good", {"ahead1", "ahead2"});
             QTest::qWait(int(random.bounded(6)));
-            killOne();
+            if (const auto processes = children(); !processes.isEmpty())
+                ::kill(processes.first(), SIGKILL);
             if (i % 10 == 0)
                 QTRY_VERIFY(m_log.size() > answers);
         }
@@ -200,7 +193,7 @@ private slots:
     void cleanup()
     {
         m_reader.reset();
-        QTRY_COMPARE(children(), QString());
+        QTRY_VERIFY(children().isEmpty());
         Test::cleanup();
     }
 
@@ -216,21 +209,20 @@ private:
         m_reader->read(path(name), room, {}, paths);
     }
 
-    static QList<qint64> childNumbers()
+    // The processes of ours, zombies too.
+    static QList<pid_t> children()
     {
-        QList<qint64> numbers;
+        QList<pid_t> numbers;
         for (const QString& process : QDir(QStringLiteral("/proc")).entryList(QDir::Dirs)) {
             QFile file(QStringLiteral("/proc/%1/stat").arg(process));
             if (!file.open(QIODevice::ReadOnly))
                 continue;
             const QList<QByteArray> fields = file.readAll().split(' ');
-            if (fields.value(3).toLongLong() == getpid())
-                numbers << process.toLongLong();
+            if (fields.value(3).toInt() == getpid())
+                numbers << process.toInt();
         }
         return numbers;
     }
-    // One letter for each process of ours, zombies too.
-    static QString children() { return QString(childNumbers().size(), QLatin1Char('p')); }
 
     const QTemporaryDir m_folder;
     std::unique_ptr<PictureReader> m_reader;

@@ -4,7 +4,6 @@
 
 #include <QCoreApplication>
 #include <QProcess>
-#include <QProcessEnvironment>
 
 /// A program that reads pictures, asked as an application asks it.
 class Program
@@ -16,11 +15,7 @@ public:
     /// Starts the program @p name of the build, with the environment variable OCIO set to @p ocio or not set.
     explicit Program(const QString& name, const QString& ocio = {})
     {
-        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.remove(QStringLiteral("OCIO"));
-        if (!ocio.isEmpty())
-            environment.insert(QStringLiteral("OCIO"), ocio);
-        m_process.setProcessEnvironment(environment);
+        ocio.isEmpty() ? qunsetenv("OCIO") : qputenv("OCIO", ocio.toUtf8());
         m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
         m_process.start(QCoreApplication::applicationDirPath() + QLatin1Char('/') + name, QStringList());
         m_frames.setLongest(1 << 28);
@@ -45,19 +40,14 @@ public:
         }
     }
 
-    /// The answer to a request for the file's picture in a room of @p width by @p height pixels. Says so if
-    /// there is none.
-    Answer ask(const QString& path, quint32 width = 4096, quint32 height = 4096)
+    /// The answer to a request for the file's picture in a @p room of pixels. Says so if there is none.
+    Answer ask(const QString& path, const QSize& room = {4096, 4096})
     {
         using namespace Halvern::UI::PictureProtocol;
         if (!m_id && !isHello(next()))
             return {};
-        Request request;
-        request.id = ++m_id;
-        request.path = path.toUtf8();
-        request.width = width;
-        request.height = height;
-        m_process.write(frame(request));
+        m_process.write(
+            frame(Request{++m_id, path.toUtf8(), quint32(room.width()), quint32(room.height()), {}}));
         const auto answer = readAnswer(next());
         if (answer && answer->id == m_id)
             return *answer;
