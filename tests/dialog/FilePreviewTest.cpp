@@ -14,6 +14,24 @@
 
 using namespace Halvern::UI;
 
+namespace {
+
+struct Pane : FilePreview
+{
+    using FilePreview::FilePreview;
+    void select(const char* name, const QString& folder) { fileSelected(FileInfo(name, false), {folder}); }
+    /// "name label head"
+    QString state() const
+    {
+        return QString("%1 %2 %3").arg(file().section('/', -1), label.text()).arg(slider.value());
+    }
+
+    FrameSlider& slider = *findChild<FrameSlider*>();
+    const QLabel& label = *findChild<QLabel*>("label");
+};
+
+} // namespace
+
 /// Which file stands for a selection, and what the pane does with it by itself and in a browser.
 class FilePreviewTest : public Test
 {
@@ -44,11 +62,11 @@ private slots:
     void showsWhatCanBeShown()
     {
         const SampleFolder folder{"FONT.TTF", "notes.TXT", "txt"};
-        FilePreview pane(nullptr, 3);
+        Pane pane(nullptr, 3);
         const auto show = [&](const char* name) {
-            pane.findChild<FrameSlider*>()->setValue(50);
-            pane.fileSelected(FileInfo(name, false), QDir(folder.path()));
-            return state(pane);
+            pane.slider.setValue(50);
+            pane.select(name, folder.path());
+            return pane.state();
         };
         pane.show();
         QCOMPARE(show("txt"), QString("txt  50"));
@@ -56,24 +74,24 @@ private slots:
         QCOMPARE(show(folder.path().toUtf8().constData()), QString("  50")); // it is entered
         QCOMPARE(show("FONT.TTF"), QString("FONT.TTF  50"));
         pane.previewFile(nullptr);
-        QCOMPARE(state(pane), QString("  50"));
+        QCOMPARE(pane.state(), QString("  50"));
     }
 
     void showsTheRangeOfEachNewSequence()
     {
-        FilePreview pane(nullptr, 3);
+        Pane pane(nullptr, 3);
         pane.show();
-        auto& slider = *pane.findChild<FrameSlider*>();
+        FrameSlider& slider = pane.slider;
         slider.setValue(7);
         const auto view = [&](const char* name) {
-            pane.fileSelected(FileInfo(name, false), QDir(QString("/gone")));
+            pane.select(name, "/gone");
             return QString("%1-%2 %3").arg(slider.viewStart()).arg(slider.viewEnd()).arg(slider.value());
         };
         QCOMPARE(view("a.#.exr 1-20"), QString("1-20 7"));
         slider.range(3, 9); // zoomed
-        QCOMPARE(view("a.#.exr 1-20"), QString("3-9 7"));
-        QCOMPARE(view("a.#.exr 1-20 ( 1-5 9-20 )"), QString("3-9 7"));
-        QCOMPARE(view("a.#.exr 1-30"), QString("3-9 7")); // it grows
+        // The same, with a gap, and after it has grown.
+        for (const char* name : {"a.#.exr 1-20", "a.#.exr 1-20 ( 1-5 9-20 )", "a.#.exr 1-30"})
+            QCOMPARE(view(name), QString("3-9 7"));
         slider.range(1, 30);
         QCOMPARE(view("a.#.exr 1-40"), QString("1-40 7"));
         QCOMPARE(view("a.#.exr 50-60"), QString("50-60 7")); // another run
@@ -89,41 +107,35 @@ private slots:
     {
         const SampleFolder folder("shot.%04d.exr", 1, 100);
         BrowserWindow window(folder.path());
-        auto* pane = new FilePreview(nullptr, 3);
-        auto& slider = *pane->findChild<FrameSlider*>();
+        auto* pane = new Pane(nullptr, 3);
         window.browser.setPreviewWidget(pane);
         window.clickRow(window.rows().first());
-        QCOMPARE(state(*pane), QString("  0"));
+        QCOMPARE(pane->state(), QString("  0"));
         window.control<DisclosureButton>("previewButton")->click();
-        QCOMPARE(state(*pane), QString("shot.0001.exr  0"));
-        QTest::mouseClick(&slider, Qt::LeftButton, {}, QPoint(slider.valueToMouse(24) + 1, 5));
-        QCOMPARE(state(*pane), QString("shot.0024.exr  24"));
+        QCOMPARE(pane->state(), QString("shot.0001.exr  0"));
+        QTest::mouseClick(&pane->slider, Qt::LeftButton, {}, {pane->slider.valueToMouse(24) + 1, 5});
+        QCOMPARE(pane->state(), QString("shot.0024.exr  24"));
         QVERIFY(QFile::remove(pane->file()));
         pane->gotoFrame(7);
-        QCOMPARE(state(*pane), QString(" No preview available. 24"));
+        QCOMPARE(pane->state(), QString(" No preview available. 24"));
     }
 
     void saysWhatIsShown()
     {
         Picture picture;
         picture.fullSize = QSize(1920, 1080);
-        picture.depth = QString("half float");
+        picture.depth = QString("half");
         picture.path = QString("/a/shot1.0042.exr");
-        const std::tuple<QStringList, double, const char*, const char*> rows[] = {
-            {{"R", "G", "B", "A"},
-             1,
-             "/a/shot1.####.exr 1-100 ( 1-50 53-100 )",
-             "1920 x 1080, half float RGBA, frame 42 of 1-100, 2 frames missing"},
-            {{"R", "G", "x.R", "x.G"},
-             2,
-             "/a/shot1.%04d.exr 42-43",
-             "1920 x 1080, pixel aspect 2, half float RG and 2 more channels, frame 42 of 42-43"},
-            {{"z.Z"}, 1, "/a/shot1.0042.exr", "1920 x 1080, half float z.Z"}};
-        for (const auto& [channels, aspect, selected, wanted] : rows) {
-            picture.channels = channels;
+        const std::tuple<const char*, double, QString, const char*> rows[] = {
+            {"R G B A", 1, "####.exr 1-99 ( 1-50 53-99 )", ", half RGBA, frame 42 of 1-99, 2 frames missing"},
+            {"R G x.R x.G", 1, "%04d.exr 42-43", ", half RG and 2 more channels, frame 42 of 42-43"},
+            {"z.Z", 2, "0042.exr", ", pixel aspect 2, half z.Z"}};
+        for (const auto& [channels, aspect, name, wanted] : rows) {
+            picture.channels = QString(channels).split(' ');
             picture.pixelAspect = aspect;
+            const QString selected = "/a/shot1." + name;
             QCOMPARE(PreviewText::describe(picture, selected, PreviewText::runsOf(selected)),
-                     QString(wanted));
+                     QString("1920 x 1080") + wanted);
         }
         StatusLine line;
         line.say(QString("float <img src='/a.png'>")); // a channel, and no picture
@@ -140,18 +152,17 @@ private slots:
     void showsPictures()
     {
         const SampleFolder folder{"good", "clear", "hang", "broken"};
-        FilePreview pane(nullptr, 3);
+        Pane pane(nullptr, 3);
         auto& surface = *pane.findChild<FilePreview::Preview*>();
-        const auto& label = *pane.findChild<QLabel*>(QString("label"));
         const auto painted = [&] { return surface.grab().toImage(); };
         const auto centre = [&] { return qRed(painted().pixel(painted().rect().center())); };
         const auto show = [&](const char* name) {
-            pane.fileSelected(FileInfo(name, false), QDir(folder.path()));
-            QCOMPARE(label.text(), QString());
+            pane.select(name, folder.path());
+            QCOMPARE(pane.label.text(), QString());
         };
         show("good"); // while hidden
         pane.show();
-        QTRY_VERIFY(label.text().startsWith("1920 x 1080, half float RGBA, ACEScg"));
+        QTRY_VERIFY(pane.label.text().startsWith("1920 x 1080, half float RGBA, ACEScg"));
         if (!surface.isValid())
             QSKIP("no OpenGL");
         QCOMPARE(centre(), 200);
@@ -163,19 +174,19 @@ private slots:
         QTRY_VERIFY(painted() != before);
 
         show("clear");
-        QTRY_VERIFY(!label.text().isEmpty());
+        QTRY_VERIFY(!pane.label.text().isEmpty());
         QVERIFY(centre() == 40 || centre() == 56);
         pane.resize(pane.size() * 1.3);
         show("broken");
-        QTRY_COMPARE(label.text(), QString("The file is broken."));
-        QCOMPARE(label.toolTip(), label.text());
+        QTRY_COMPARE(pane.label.text(), QString("The file is broken."));
+        QCOMPARE(pane.label.toolTip(), pane.label.text());
         QCOMPARE(centre(), 0);
         show("good");
         QTRY_COMPARE(centre(), 200);
-        const auto select = [&] { pane.fileSelected(FileInfo("good", false), QDir(folder.path())); };
-        QTRY_VERIFY((select(), !label.text().isEmpty())); // from the cache, when it is there in that size
+        // From the cache, when it is there in that size.
+        QTRY_VERIFY((pane.select("good", folder.path()), !pane.label.text().isEmpty()));
         pane.previewFile(nullptr);
-        QCOMPARE(label.text(), QString());
+        QCOMPARE(pane.label.text(), QString());
         QCOMPARE(centre(), 0);
     }
 
@@ -184,61 +195,53 @@ private slots:
         const SampleFolder folder("shot.%04d.exr", 1, 20);
         QVERIFY(QFile::remove(folder.filePath(QString("shot.0009.exr"))));
         FrameSlider::SetCacheframeColour(0x123456ff);
-        FilePreview pane(nullptr, 3);
-        auto& slider = *pane.findChild<FrameSlider*>();
-        const auto& label = *pane.findChild<QLabel*>(QString("label"));
+        Pane pane(nullptr, 3);
         const auto cached = [&](int frame) {
-            const QImage shown = slider.grab().toImage();
+            const QImage shown = pane.slider.grab().toImage();
             for (int y = 0; y < shown.height(); ++y) {
-                if (shown.pixel(slider.valueToMouse(frame) + 1, y) == qRgb(0x12, 0x34, 0x56))
+                if (shown.pixel(pane.slider.valueToMouse(frame) + 1, y) == qRgb(0x12, 0x34, 0x56))
                     return true;
             }
             return false;
         };
+        const auto preview = [&](const char* range) {
+            pane.previewFile(folder.filePath(QString("shot.####.exr ") + range).toUtf8().constData());
+        };
         pane.show();
-        pane.previewFile(folder.filePath(QString("shot.####.exr 1-20 ( 1-8 10-20 )")).toUtf8().constData());
-        QTRY_VERIFY(label.text().endsWith("frame 1 of 1-20, 1 frame missing"));
-        slider.setFocus();
+        preview("1-20 ( 1-8 10-20 )");
+        QTRY_VERIFY(pane.label.text().endsWith("frame 1 of 1-20, 1 frame missing"));
+        pane.slider.setFocus();
         for (int frame = 2; frame <= 3; ++frame) {
-            QTest::keyClick(&slider, Qt::Key_Right);
-            QTRY_VERIFY(label.text().contains(QString("frame %1 of").arg(slider.value())));
+            QTest::keyClick(&pane.slider, Qt::Key_Right);
+            QTRY_VERIFY(pane.label.text().contains(QString("frame %1 of").arg(pane.slider.value())));
         }
         QTRY_VERIFY(cached(6)); // read ahead
         QVERIFY(cached(1) && !cached(7));
-        slider.setValue(9);
+        pane.slider.setValue(9);
         pane.gotoFrame(9);
-        QCOMPARE(label.text(), QString("No preview available."));
+        QCOMPARE(pane.label.text(), QString("No preview available."));
 
-        QTest::keyClick(&slider, Qt::Key_Space);
-        QTRY_VERIFY(slider.value() > 12);
-        pane.previewFile(folder.filePath(QString("shot.####.exr 1-21")).toUtf8().constData());
-        QVERIFY(cached(6) && slider.value() > 12);
-        QTRY_VERIFY(slider.value() < 8); // again from the first on
-        QTest::keyClick(&slider, Qt::Key_Space);
-        const int stopped = slider.value();
-        QTRY_VERIFY(label.text().contains(QString("frame %1 of").arg(stopped)));
+        QTest::keyClick(&pane.slider, Qt::Key_Space);
+        QTRY_VERIFY(pane.slider.value() > 12);
+        preview("1-21");
+        QVERIFY(cached(6) && pane.slider.value() > 12);
+        QTRY_VERIFY(pane.slider.value() < 8); // again from the first on
+        QTest::keyClick(&pane.slider, Qt::Key_Space);
+        const int stopped = pane.slider.value();
+        QTRY_VERIFY(pane.label.text().contains(QString("frame %1 of").arg(stopped)));
         QTest::qWait(100);
-        QCOMPARE(slider.value(), stopped);
+        QCOMPARE(pane.slider.value(), stopped);
         // A frame arrives that was missing.
-        slider.setValue(9);
+        pane.slider.setValue(9);
         pane.gotoFrame(9);
         QVERIFY(SampleFiles::make(folder.path(), "shot.0009.exr"));
-        pane.previewFile(folder.filePath(QString("shot.####.exr 1-22")).toUtf8().constData());
-        QTRY_VERIFY(label.text().endsWith("frame 9 of 1-22"));
-        pane.previewFile(folder.filePath(QString("shot.####.exr 1-23")).toUtf8().constData());
-        QVERIFY(!label.text().isEmpty());
-        QTRY_VERIFY(label.text().endsWith("frame 9 of 1-23"));
+        preview("1-22");
+        QTRY_VERIFY(pane.label.text().endsWith("frame 9 of 1-22"));
+        preview("1-23");
+        QVERIFY(!pane.label.text().isEmpty());
+        QTRY_VERIFY(pane.label.text().endsWith("frame 9 of 1-23"));
         pane.hide();
         QVERIFY(!cached(1));
-    }
-
-private:
-    /// "name label head" of a pane.
-    static QString state(const FilePreview& pane)
-    {
-        const QString name = pane.file().section('/', -1);
-        const QString text = pane.findChild<QLabel*>(QString("label"))->text();
-        return QString("%1 %2 %3").arg(name, text).arg(pane.findChild<FrameSlider*>()->value());
     }
 };
 

@@ -25,10 +25,8 @@ private slots:
         int place = 0;
         for (int hit = -1; hit == -1; ++place) {
             QFile file(root.filePath("favorites"));
-            QVERIFY(file.open(QFile::WriteOnly));
-            file.write(
-                "add_later later\nadd_favorite_dir a a \"\" /a/\nadd_favorite_dir gone gone \"\" /g/\n");
-            file.close();
+            QVERIFY(SampleFiles::write(file.fileName(), "add_later later\nadd_favorite_dir a a \"\" /a/\n"
+                                                        "add_favorite_dir gone gone \"\" /g/\n"));
             QVERIFY(AppSettings::Store({{"FileBrowser/directory", root.filePath("data")}, {"Other/key", 7}}));
             failCalls("*", EIO, place + 1);
             faultyFolder = folder.constData();

@@ -1,5 +1,6 @@
 #include "support/Faults.h"
 #include "favorites/FavoritesStore.h"
+#include "support/SampleFiles.h"
 #include "support/Test.h"
 #include "widgets/AppSettings.h"
 
@@ -41,11 +42,9 @@ private slots:
         };
         int hit = -1; // -1 once the call has failed
         const auto loses = [&](const char* call, int error, int place) {
-            QFile file(path);
-            if (!file.open(QFile::WriteOnly) || file.write(text({"stays", "goes"})) < 0 ||
-                !AppSettings::Store({{"key", QString("old")}}) || !AppSettings::Store({{"other", 7}}))
+            if (!SampleFiles::write(path, text({"stays", "goes"})) ||
+                !AppSettings::Store({{"key", QString("old")}, {"other", 7}}))
                 return true;
-            file.close();
             failCalls(call, error, place);
             faultyFolder = folder.constData();
             // All but a byte has its place.

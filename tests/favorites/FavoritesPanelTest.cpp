@@ -3,6 +3,7 @@
 #include "favorites/Evaluator.h"
 #include "favorites/FavoritesList.h"
 #include "favorites/FavoritesModel.h"
+#include "support/SampleFiles.h"
 #include "support/Test.h"
 
 #include <QAbstractItemModelTester>
@@ -152,10 +153,9 @@ private slots:
             {"huge", "P4 24000 24000\n" + QByteArray(100, 'x'), 0, 0},
             {"text", "text", 0, 0}};
         for (const auto& [name, image, least, most] : rows) {
-            QFile file(folder(name));
-            QVERIFY(file.open(QFile::WriteOnly) && file.write(image) == image.size() && file.flush());
+            QVERIFY(SampleFiles::write(folder(name), image));
             const int width =
-                CachedFileIconProvider::iconOfFile(file.fileName()).availableSizes().value(0).width();
+                CachedFileIconProvider::iconOfFile(folder(name)).availableSizes().value(0).width();
             QVERIFY2(qMax(width, 0) >= least && width <= most, name);
         }
     }

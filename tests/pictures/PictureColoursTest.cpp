@@ -1,4 +1,5 @@
 #include "pictures/Program.h"
+#include "support/SampleFiles.h"
 #include "support/Test.h"
 
 #include <OpenImageIO/imageio.h>
@@ -222,25 +223,20 @@ private slots:
 
     void followsAConfiguration()
     {
-        QFile config(file("config.ocio"));
-        QVERIFY(config.open(QIODevice::WriteOnly));
         // Files that are called dark are half as bright as others. The display shows squares.
-        config.write(
+        const QByteArray config =
             "ocio_profile_version: 2\n"
             "roles: {default: light, scene_linear: light}\n"
             "file_rules:\n"
-            "  - !<Rule> {name: dark, pattern: \"*dark*\", extension: \"*\", colorspace: dim}\n"
+            "  - !<Rule> {name: dark, pattern: '*dark*', extension: '*', colorspace: dim}\n"
             "  - !<Rule> {name: Default, colorspace: default}\n"
-            "displays:\n"
-            "  screen:\n"
-            "    - !<View> {name: plain, colorspace: shown}\n"
+            "displays: {screen: [!<View> {name: plain, colorspace: shown}]}\n"
             "colorspaces:\n"
             "  - !<ColorSpace> {name: light}\n"
-            "  - !<ColorSpace> {name: dim, to_reference: !<MatrixTransform> "
-            "{matrix: [0.5, 0, 0, 0, 0, 0.5, 0, 0, 0, 0, 0.5, 0, 0, 0, 0, 1]}}\n"
-            "  - !<ColorSpace> {name: shown, from_reference: !<ExponentTransform> {value: [2, 2, 2, 1]}}\n");
-        config.close();
-        Program program(QString("coreui-pictures-oiio"), config.fileName());
+            "  - !<ColorSpace> {name: dim, to_reference: !<CDLTransform> {slope: [0.5, 0.5, 0.5]}}\n"
+            "  - !<ColorSpace> {name: shown, from_reference: !<ExponentTransform> {value: [2, 2, 2, 1]}}\n";
+        QVERIFY(SampleFiles::write(file("config.ocio"), config));
+        Program program(QString("coreui-pictures-oiio"), file("config.ocio"));
         for (const char* name : {"dark.exr", "other.exr", "other.jpg", "dark.dpx"}) {
             const bool isDark = name[0] == 'd';
             QVERIFY(make(file(name), ImageSpec(16, 1, 3, TypeHalf), across(15, grey)));

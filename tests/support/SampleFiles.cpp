@@ -28,6 +28,12 @@ bool make(const QString& folder, std::initializer_list<const char*> names)
     return true;
 }
 
+bool write(const QString& path, const QByteArray& contents)
+{
+    QFile file(path);
+    return file.open(QFile::WriteOnly) && file.write(contents) == contents.size() && file.flush();
+}
+
 bool makeFrames(const QString& folder, const char* pattern, int first, int last)
 {
     for (int frame = first; frame <= last; ++frame) {

@@ -1,4 +1,5 @@
 #include "widgets/AppSettings.h"
+#include "support/SampleFiles.h"
 #include "support/Test.h"
 #include "widgets/IniText.h"
 #include "widgets/PackedColour.h"
@@ -50,6 +51,7 @@ private slots:
     // Files that others wrote: what QSettings finds is found, and stays for QSettings when a value is stored.
     void understandsWhatQSettingsDoes()
     {
+        int number = 0;
         const QByteArray files[] = {
             "\xef\xbb\xbf[G]\nk=v\n",
             "[ G ]\nk=v\nz=1\n",
@@ -67,21 +69,18 @@ private slots:
             ";[G]\n[G\nk=v\n=\n",
             "",
         };
-        int number = 0;
         for (const QByteArray& text : files) {
             for (const QString key : {"G/k", "G/sub/k", "G//k/", "k", "General/k", "new"}) {
-                AppSettings::SetName("Studio " +
-                                     std::to_string(++number)); // QSettings remembers what it read
-                QFile file(AppSettings::FilePath());
-                QVERIFY(file.open(QFile::WriteOnly) && file.write(text) == text.size());
-                file.close();
+                // Each has a name of its own: QSettings remembers what it read.
+                AppSettings::SetName("Studio " + std::to_string(++number));
+                const QString path = AppSettings::FilePath();
+                QVERIFY(SampleFiles::write(path, text));
                 QVariantMap expected = texts();
-                QVERIFY2(AppSettings::Text(key).value_or("none") ==
-                             AppSettings().value(key, "none").toString(),
-                         qPrintable(file.fileName() + key + '\n' + text));
+                const QString found = AppSettings().value(key, "none").toString();
+                QVERIFY2(AppSettings::Text(key).value_or("none") == found, qPrintable(key + '\n' + text));
                 QVERIFY(AppSettings::Store({{key, "=;stored"}}));
                 AppSettings::SetName("Studio copy " + std::to_string(number));
-                QVERIFY(file.copy(AppSettings::FilePath()));
+                QVERIFY(QFile::copy(path, AppSettings::FilePath()));
                 expected[key == "G//k/" ? QString("G/k") : key] = "=;stored";
                 QVERIFY2(texts() == expected, qPrintable(key + '\n' + text));
             }
@@ -95,8 +94,7 @@ private slots:
             "; note\n[A]\nlist=@Variant(\\0\\0\\0\\t\\x7f\\xff\\xff\\xff)\nlong=" + QByteArray(5000, 'x') +
             "\nwide=@Size(40000 40000)\nminus=@Size(-1 5)\nhuge=99999999999\n";
         QFile file(AppSettings::FilePath());
-        QVERIFY(file.open(QFile::WriteOnly) && file.write(bombs + "[B]\nx=1\n") > 0);
-        file.close();
+        QVERIFY(SampleFiles::write(file.fileName(), bombs + "[B]\nx=1\n"));
         for (const char* key : {"A/list", "A/long", "A/missing", "x", "C/x", "A/wide", "A/minus", "A/huge"})
             QVERIFY2(!AppSettings::Number(key) && !AppSettings::Size(key), key);
         for (const char* key : {"A/list", "A/long", "A/missing", "x", "C/x"})

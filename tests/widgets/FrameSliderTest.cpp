@@ -15,9 +15,9 @@ using Do = std::function<void(Slider&)>;
 struct Gesture
 {
     const char* name;
-    int head; // before
     std::vector<Do> steps;
     const char* wanted; // head, view, play range, events
+    int head = 50;      // before
 };
 
 // For a slider that shows 0 to 100 at two pixels per frame and plays 11 to 89.
@@ -31,8 +31,8 @@ std::vector<Gesture> gestures()
                           Qt::KeyboardModifiers with = {}) {
         return [=](Slider& slider) { slider.mouse(type, at, button, with); };
     };
-    const auto drag = [&](Qt::MouseButton button, Qt::KeyboardModifiers with, QPointF from, QPointF to) {
-        return std::vector<Do>{mouse(QEvent::MouseButtonPress, from, button, with),
+    const auto drag = [&](Qt::MouseButton button, Qt::KeyboardModifiers with, double from, QPointF to) {
+        return std::vector<Do>{mouse(QEvent::MouseButtonPress, {from, 5}, button, with),
                                mouse(QEvent::MouseMove, to, button),
                                mouse(QEvent::MouseButtonRelease, to, button)};
     };
@@ -42,41 +42,38 @@ std::vector<Gesture> gestures()
     const auto key = [](Qt::Key pressed, Qt::KeyboardModifiers with = {}) {
         return std::vector<Do>{[=](Slider& slider) { QTest::keyClick(&slider, pressed, with); }};
     };
-    const Do scrub = mouse(QEvent::MouseButtonPress, {110, 5}, left);
     return {
-        {"rounds", 50, drag(left, Qt::ShiftModifier, {110.5, 5}, {108.4, 5}),
-         "49 0:100 11:89 scrub 51 49 free 49"},
-        {"widens", 50, drag(left, {}, {110, 5}, {-10.5, 5}), "-10 -10:100 11:89 scrub 50 -10 free -10"},
-        {"selects", 50, drag(right, {}, {150, 5}, {111.4, 5}), "50 50:70 11:89 range"},
-        {"short of a drag", 50, drag(right, {}, {110, 5}, {113, 6}), "50 0:100 11:89 range reset"},
-        {"pans", 50, drag(left, alt | ctrl, {110, 5}, {131, 5}), "50 -10:90 11:89 range"},
-        {"zooms downwards", 50, drag(right, alt, {110, 5}, {110, 101}), "50 -50:150 11:89 range"},
-        {"zooms to all", 50, drag(right, alt, {110, 5}, {-1e5, 5}), "50 -2147483648:2147483647 11:89 range"},
-        {"in to the head", 50, drag(left, ctrl, {109, 5}, {150, 5}), "50 0:100 50:89 inout inout"},
-        {"out to the head", 50, drag(left, ctrl, {111, 5}, {50, 5}), "50 0:100 11:50 inout inout"},
-        {"in is nearer", 5, drag(left, ctrl, {110, 5}, {230, 5}), "5 0:100 89:89 inout inout"},
-        {"out is nearer", 5, drag(left, ctrl, {111, 5}, {0, 5}), "5 0:100 11:11 inout inout"},
-        {"double click", 50, {mouse(QEvent::MouseButtonDblClick, {110, 5}, left)}, "50 0:100 11:89 scrub 50"},
+        {"rounds", drag(left, Qt::ShiftModifier, 110.5, {108.4, 5}), "49 0:100 11:89 scrub 51 49 free 49"},
+        {"widens", drag(left, {}, 110, {-10.5, 5}), "-10 -10:100 11:89 scrub 50 -10 free -10"},
+        {"selects", drag(right, {}, 150, {111.4, 5}), "50 50:70 11:89 range"},
+        {"short of a drag", drag(right, {}, 110, {113, 6}), "50 0:100 11:89 range reset"},
+        {"pans", drag(left, alt | ctrl, 110, {131, 5}), "50 -10:90 11:89 range"},
+        {"zooms downwards", drag(right, alt, 110, {110, 101}), "50 -50:150 11:89 range"},
+        {"zooms to all", drag(right, alt, 110, {-1e5, 5}), "50 -2147483648:2147483647 11:89 range"},
+        {"in to the head", drag(left, ctrl, 109, {150, 5}), "50 0:100 50:89 inout inout"},
+        {"out to the head", drag(left, ctrl, 111, {50, 5}), "50 0:100 11:50 inout inout"},
+        {"in is nearer", drag(left, ctrl, 110, {230, 5}), "5 0:100 89:89 inout inout", 5},
+        {"out is nearer", drag(left, ctrl, 111, {0, 5}), "5 0:100 11:11 inout inout", 5},
+        {"double click", {mouse(QEvent::MouseButtonDblClick, {110, 5}, left)}, "50 0:100 11:89 scrub 50"},
         {"second button",
-         50,
-         {scrub, mouse(QEvent::MouseButtonPress, {110, 5}, right),
+         {mouse(QEvent::MouseButtonPress, {110, 5}, left), mouse(QEvent::MouseButtonPress, {110, 5}, right),
           mouse(QEvent::MouseButtonRelease, {110, 5}, left)},
          "50 0:100 11:89 scrub 50 free reset"},
-        {"wheel", 50, wheel(110, {0, 240}), "50 8:92 11:89 range"},
-        {"wheel at the start", 50, wheel(0, {0, 120}), "50 0:84 11:89 range"},
-        {"wheel to the side", 50, wheel(110, {120, 0}), "50 0:100 11:89 range"},
-        {"wheel outside", 50, wheel(219.5, {0, 120}), "50 0:100 11:89"},
-        {"left", 50, key(Qt::Key_Left), "49 0:100 11:89 49"},
-        {"page up", 50, key(Qt::Key_PageUp), "60 0:100 11:89 60"},
-        {"home", 50, key(Qt::Key_Home), "11 0:100 11:89 11"},
-        {"end", 50, key(Qt::Key_End), "89 0:100 11:89 89"},
-        {"pans by key", 50, key(Qt::Key_Left, alt), "50 -10:90 11:89 range"},
-        {"plus", 50, key(Qt::Key_Plus, Qt::ShiftModifier), "50 8:92 11:89 range"},
-        {"minus", 50, key(Qt::Key_Minus, Qt::KeypadModifier), "50 -9:111 11:89 range"},
-        {"in", 50, key(Qt::Key_I), "50 0:100 50:89 inout"},
-        {"out", 50, key(Qt::Key_O), "50 0:100 11:50 inout"},
-        {"reset", 50, key(Qt::Key_F), "50 0:100 11:89 reset"},
-        {"no key of the slider's", 50, key(Qt::Key_Left, ctrl), "50 0:100 11:89"},
+        {"wheel", wheel(110, {0, 240}), "50 8:92 11:89 range"},
+        {"wheel at the start", wheel(0, {0, 120}), "50 0:84 11:89 range"},
+        {"wheel to the side", wheel(110, {120, 0}), "50 0:100 11:89 range"},
+        {"wheel outside", wheel(219.5, {0, 120}), "50 0:100 11:89"},
+        {"left", key(Qt::Key_Left), "49 0:100 11:89 49"},
+        {"page up", key(Qt::Key_PageUp), "60 0:100 11:89 60"},
+        {"home", key(Qt::Key_Home), "11 0:100 11:89 11"},
+        {"end", key(Qt::Key_End), "89 0:100 11:89 89"},
+        {"pans by key", key(Qt::Key_Left, alt), "50 -10:90 11:89 range"},
+        {"plus", key(Qt::Key_Plus, Qt::ShiftModifier), "50 8:92 11:89 range"},
+        {"minus", key(Qt::Key_Minus, Qt::KeypadModifier), "50 -9:111 11:89 range"},
+        {"in", key(Qt::Key_I), "50 0:100 50:89 inout"},
+        {"out", key(Qt::Key_O), "50 0:100 11:50 inout"},
+        {"reset", key(Qt::Key_F), "50 0:100 11:89 reset"},
+        {"no key of the slider's", key(Qt::Key_Left, ctrl), "50 0:100 11:89"},
     };
 }
 
