@@ -170,38 +170,36 @@ private slots:
                                                      "shots/fg.1.exr", "shots/fg.2.exr"}));
         const QString shots = path("shots");
         DialogWindow window(m_folder->path(), true);
-        const auto press = [&](std::initializer_list<Qt::Key> keys, Qt::KeyboardModifiers modifiers = {}) {
-            for (const Qt::Key key : keys)
-                QTest::keyClick(window.dialog.windowHandle(), key, modifiers);
+        const auto press = [&](const char* keys) {
+            QTest::keySequence(window.dialog.windowHandle(), QKeySequence(keys));
         };
         const auto focusByTab = [&](const QWidget* wanted) {
             for (int i = 0; i < 20 && QApplication::focusWidget() != wanted; ++i)
-                press({Qt::Key_Backtab}, Qt::ShiftModifier);
+                press("Shift+Backtab");
             return QApplication::focusWidget() == wanted;
         };
-        press({Qt::Key_S, Qt::Key_H, Qt::Key_Tab});
+        press("S, H, Tab");
         QCOMPARE(window.edit()->text(), shots + '/');
         const QStringList names{"010/", "bg.#.exr 1-2", "fg.#.exr 1-2"};
         QTRY_COMPARE(window.rows(), names);
 
         QVERIFY(focusByTab(window.list()));
-        press({Qt::Key_End, Qt::Key_Home});
-        press({Qt::Key_Down}, Qt::ControlModifier);
+        press("End, Home, Ctrl+Down");
         QCOMPARE(window.dialog.directory().path(), shots + "/010");
-        press({Qt::Key_Backspace});
+        press("Backspace");
         QTRY_COMPARE(window.rows(), names);
 
-        press({Qt::Key_Home});
+        press("Home");
         for (int row = 1; row <= 2; ++row) {
-            press({Qt::Key_Down});
+            press("Down");
             QVERIFY(focusByTab(window.next()));
-            press({Qt::Key_Space});
+            press("Space");
             QCOMPARE(QApplication::focusWidget(), window.list());
         }
         QVERIFY(focusByTab(window.filter()) && window.open()->isEnabled());
-        press({Qt::Key_Return, Qt::Key_Enter});
+        press("Return, Enter");
         QVERIFY(window.dialog.isVisible() && focusByTab(window.edit()));
-        press({Qt::Key_Return});
+        press("Return");
         QCOMPARE(window.dialog.result(), int(QDialog::Accepted));
         QCOMPARE(window.dialog.selectedFiles(),
                  (QStringList{shots + "/bg.#.exr 1-2", shots + "/fg.#.exr 1-2"}));

@@ -24,8 +24,7 @@ private slots:
             {"add_favorite_dir it's k\" i '/f g\nadd_favorite_dir b k i /g", "0|its k|i|/f g|| 0|b|k|i||/g"},
             {"add_favorite_dir a\\n k\\q \\ /f\\", "0|a\\n|k\\q|\\||/f\\"},
             {"add_favorite_dir\nadd_favorite_dir -geo\nadd_favorite_dir a k i", "0||||| 16||||| 0|a|k|i||"},
-            {"add_favorite_dir \xff k i /x//./y/../f//", "0|\xef\xbf\xbd|k|i||/x/f"},
-        };
+            {"add_favorite_dir \xff k i /x//./y/../f//", "0|\xef\xbf\xbd|k|i||/x/f"}};
         for (const auto& [text, records] : rows) {
             QStringList read;
             for (const Favorite& favorite : FavoritesFile::parse(text)) {
@@ -42,20 +41,18 @@ private slots:
         // What was known, what is here and in the file by now, and the outcome. Letters are favourites, and
         // "#" with what follows are lines of others. Upper case: with an option and a field of a later
         // version.
-        const char* const rows[][4] = {
-            {"", "ab", "cd", "cdab"},
-            {"abc", "abc", "abc", "abc"},
-            {"abc", "ac", "abcd", "acd"},
-            {"abc", "abxc", "cb", "bxc"},
-            {"ab", "axb", "#1ab#2", "#1axb#2"},
-            {"abc", "cba", "a#bdc", "cbda#"},
-            {"aa", "a", "aa", "a"},
-            {"a", "aa", "a", "aa"},
-            {"aa", "aa", "a", "a"},
-            {"A", "A", "AB", "AB"},
-            {"A", "", "A#", "#"},
-            {"ab", "xb", "yb", "yxb"},
-        };
+        const char* const rows[][4] = {{"", "ab", "cd", "cdab"},
+                                       {"abc", "abc", "abc", "abc"},
+                                       {"abc", "ac", "abcd", "acd"},
+                                       {"abc", "abxc", "cb", "bxc"},
+                                       {"ab", "axb", "#1ab#2", "#1axb#2"},
+                                       {"abc", "cba", "a#bdc", "cbda#"},
+                                       {"aa", "a", "aa", "a"},
+                                       {"a", "aa", "a", "aa"},
+                                       {"aa", "aa", "a", "a"},
+                                       {"A", "A", "AB", "AB"},
+                                       {"A", "", "A#", "#"},
+                                       {"ab", "xb", "yb", "yxb"}};
         const auto line = [](QChar letter) {
             const QString name = letter.toLower();
             return QString(letter.isUpper() ? "add_favorite_dir -later %1 %1 \"\" \"\" /%1/ later"
@@ -114,8 +111,7 @@ void FavoritesFileTest::formats()
         {"", "", "", 0, R"("" "" "" /)"},
         {"a", "/a", "", 255, R"(-image -script -project -python -font -geo -misc -sequence a a "" /a/)"},
         {"a", "/a", "", ~(255 & ~FaveFont), R"(-font -prepend a a "" /a/)"},
-        {"Möbel", "/fjäll", "", 0, R"(Möbel Möbel "" /fjäll/)"},
-    };
+        {"Möbel", "/fjäll", "", 0, R"(Möbel Möbel "" /fjäll/)"}};
     for (const auto& [name, path, tooltip, type, line] : rows) {
         Favorite favorite(false, true);
         favorite.name = name;

@@ -1,5 +1,6 @@
 #include "favorites/FavoritesStore.h"
 #include "favorites/Evaluator.h"
+#include "support/SampleFiles.h"
 #include "support/Test.h"
 
 #include <QApplication>
@@ -66,9 +67,8 @@ QString messagesOfSaver(const QString& mode, const QString& path, useconds_t lif
 
 bool makeFile(const QString& path, mode_t mode)
 {
-    QFile file(path);
-    return file.open(QFile::WriteOnly) && file.write("add_favorite_dir x x \"\" /x/\n") > 0 &&
-           ::fchmod(file.handle(), mode) == 0;
+    return SampleFiles::write(path, "add_favorite_dir x x \"\" /x/\n") &&
+           ::chmod(qPrintable(path), mode) == 0;
 }
 
 // name:path for persistent ones, (name:path) for others
@@ -224,15 +224,11 @@ private slots:
         const QString link = folder.filePath("link");
         QVERIFY(makeFile(file, 0600) && QFile::link("favorites", link));
         // Version 2; the owner, user 7, the group, the mask and others, each with its rights.
-        const unsigned short list[][4] = {{1, 6, 0xffff, 0xffff},
-                                          {2, 4, 7, 0},
-                                          {4, 0, 0xffff, 0xffff},
-                                          {16, 4, 0xffff, 0xffff},
-                                          {32, 0, 0xffff, 0xffff}};
         const QByteArray acl =
-            QByteArray("\2\0\0\0", 4) + QByteArray(reinterpret_cast<const char*>(list), sizeof list);
+            QByteArray::fromHex("02000000 01000600ffffffff 0200040007000000 04000000ffffffff "
+                                "10000400ffffffff 20000000ffffffff");
         const bool hasLists = ::setxattr(qPrintable(file), "system.posix_acl_access", acl.constData(),
-                                         static_cast<std::size_t>(acl.size()), 0) == 0;
+                                         size_t(acl.size()), 0) == 0;
         // Another process writes through a link.
         QCOMPARE(messagesOfSaver("plain", link), QString());
         char kept[256] = "";
@@ -246,11 +242,10 @@ private slots:
     {
         const QByteArray line = "add_favorite_dir a a a /a\n";
         for (const QByteArray& text : {line + QByteArray(1 << 17, 'x'), line.repeated(1 << 20)}) {
-            QFile huge(file);
-            QVERIFY(huge.open(QFile::WriteOnly) && huge.write(text) == text.size() && huge.flush());
+            QVERIFY(SampleFiles::write(file, text));
             QCOMPARE(messagesOfSaver("plain", file),
                      QString("Can't read %1: File too large\nCan't write %1: File too large\n").arg(file));
-            QVERIFY(huge.size() == text.size() && files() == QStringList("favorites"));
+            QVERIFY(QFile(file).size() == text.size() && files() == QStringList("favorites"));
         }
     }
 

@@ -13,19 +13,17 @@ private slots:
     void makesNamesAbsolute()
     {
         // Folder, name, result.
-        const char* rows[][3] = {
-            {"/x/y", "/a/./b", "/a/./b"},
-            {"/x/y/", "", "/x/y/"},
-            {"/x/y", "./../a/../b", "/x/a/../b"},
-            {"/x/y", "../../../z", "/../z"},
-            {"/x/y/", "../z", "/x/y/z"},
-            {"/x/y", "../..", "/x/.."},
-            {"/x/y", "~/a", "/x/y/~/a"},
-            {nullptr, "../a", "/p/a"},
-            {nullptr, "~", "/h/ann/"},
-            {nullptr, "~bob/a", "/h/bob/a"},
-            {nullptr, "~../a", "/a"},
-        };
+        const char* rows[][3] = {{"/x/y", "/a/./b", "/a/./b"},
+                                 {"/x/y/", "", "/x/y/"},
+                                 {"/x/y", "./../a/../b", "/x/a/../b"},
+                                 {"/x/y", "../../../z", "/../z"},
+                                 {"/x/y/", "../z", "/x/y/z"},
+                                 {"/x/y", "../..", "/x/.."},
+                                 {"/x/y", "~/a", "/x/y/~/a"},
+                                 {nullptr, "../a", "/p/a"},
+                                 {nullptr, "~", "/h/ann/"},
+                                 {nullptr, "~bob/a", "/h/bob/a"},
+                                 {nullptr, "~../a", "/a"}};
         qputenv("PWD", "/p/w");
         qputenv("HOME", "/h/ann");
         for (const auto& [folder, from, expected] : rows) {
@@ -52,20 +50,18 @@ private slots:
     void matches()
     {
         // Pattern, matching names, others. Two blanks have the empty name between them.
-        const char* rows[][3] = {
-            {"x?z", "xyz x/z", "xz xyyz x\xc3\xa4z"},
-            {"*a*?", "ab aab a/b", "a ba b"},
-            {"[!a-c]x", "dx !x", "ax cx x"},
-            {"[]^-]", "] ^ -", "a ]] "},
-            {"[a-c", "a b c", "d [a-c "},
-            {"[a-\xff]", "a", "b \xff"},
-            {"{a,{b,c|}d}*e", "ae bde cdxe de", "be bd cd"},
-            {"{a\\,b,c\\}}d", "a,bd c}d", "ad bd cd"},
-            {"{a{b,c", "ab ac", "a abc {a"},
-            {"{[,]}x", ",x ]x", "x [x"},
-            {"a,{b}\\}c}d", "ad", "a acd ac}d"},
-            {"\\*\\\\a\\", "*\\a\\", "\\a x\\a\\"},
-        };
+        const char* rows[][3] = {{"x?z", "xyz x/z", "xz xyyz x\xc3\xa4z"},
+                                 {"*a*?", "ab aab a/b", "a ba b"},
+                                 {"[!a-c]x", "dx !x", "ax cx x"},
+                                 {"[]^-]", "] ^ -", "a ]] "},
+                                 {"[a-c", "a b c", "d [a-c "},
+                                 {"[a-\xff]", "a", "b \xff"},
+                                 {"{a,{b,c|}d}*e", "ae bde cdxe de", "be bd cd"},
+                                 {"{a\\,b,c\\}}d", "a,bd c}d", "ad bd cd"},
+                                 {"{a{b,c", "ab ac", "a abc {a"},
+                                 {"{[,]}x", ",x ]x", "x [x"},
+                                 {"a,{b}\\}c}d", "ad", "a acd ac}d"},
+                                 {"\\*\\\\a\\", "*\\a\\", "\\a x\\a\\"}};
         for (const auto& [pattern, matching, others] : rows) {
             for (const bool expected : {true, false}) {
                 for (const QByteArray& name : QByteArray(expected ? matching : others).split(' '))
