@@ -50,6 +50,10 @@ def open_browser(frames):
     return make
 
 
+def evaluator_of(answer):
+    return type("Evaluator", (Halvern.UI.FileSequenceEvaluator,), {"evaluateFiles": answer})()
+
+
 def until(condition):
     assert any(condition() or QTest.qWait(10) for _ in range(500)), "it did not happen"
 

@@ -1,20 +1,11 @@
 import pytest
-from conftest import files, rows, until
+from conftest import evaluator_of, files, rows, until
 from qt import binding
 from shots import Shots
 
 from _HvMirefoldCoreUI import Halvern
 
 FileInfo, FileSequenceEvaluator = Halvern.UI.FileInfo, Halvern.UI.FileSequenceEvaluator
-
-
-class Evaluator(FileSequenceEvaluator):
-    def __init__(self, answer):
-        super().__init__()
-        self.answer = answer
-
-    def evaluateFiles(self, files):
-        return self.answer(self, files)
 
 
 Without = type("Without", (FileSequenceEvaluator,), {})
@@ -46,7 +37,7 @@ def test_regroups_a_directory(open_browser):
      "unbound" if binding == "PyQt5" else "RecursionError", []),
 ])
 def test_prints_what_fails_and_lives_on(open_browser, capfd, answer, printed, shown):
-    evaluator = Evaluator(answer) if answer else Without(maker)
+    evaluator = evaluator_of(answer) if answer else Without(maker)
     browser = open_browser(evaluator)
     assert [row for row in rows(browser) if row] == shown
     browser.grab()
@@ -57,7 +48,8 @@ def test_prints_what_fails_and_lives_on(open_browser, capfd, answer, printed, sh
 
 def test_reaches_overrides_through_the_native_call():
     kept = FileInfo("a", False)
-    native = super(Evaluator, Evaluator(lambda _, files: files[::-1])).evaluateFiles
+    evaluator = evaluator_of(lambda _, files: files[::-1])
+    native = super(type(evaluator), evaluator).evaluateFiles
     assert native((kept, None)) == (None, kept)
     for wrong in ([kept], (kept, 1), None):
         pytest.raises(TypeError, native, wrong).match(r"FileSequenceEvaluator\.evaluateFiles\(\)")

@@ -3,7 +3,7 @@ import weakref
 from concurrent.futures import ThreadPoolExecutor
 
 import pytest
-from conftest import rows, until
+from conftest import evaluator_of, rows, until
 from qt import QtCore, QtWidgets, sip
 from shots import Shots
 
@@ -42,7 +42,7 @@ def test_deletes_a_browser_without_a_parent_and_leaves_others(release):
 
 
 def test_browser_and_evaluator_survive_each_other(open_browser, frames):
-    evaluator = type("PassOn", (Halvern.UI.FileSequenceEvaluator,), {"evaluateFiles": lambda self, files: files})()
+    evaluator = evaluator_of(lambda _, files: files)
     first, second = open_browser(evaluator), open_browser(evaluator)
     sip.delete(first)
     assert evaluator.buildFileSequence("one", (1,), (None,)).fileName() == "one"
@@ -59,24 +59,23 @@ def test_browser_and_evaluator_survive_each_other(open_browser, frames):
 
 
 def test_entries_may_outlive_who_made_them(open_browser):
-    class Keeping(Halvern.UI.FileSequenceEvaluator):
-        def evaluateFiles(self, files):
-            kept[:] = [*files, self.buildFileSequence("kept", (1,), files[:1])]
-            return tuple(kept)
+    def keep(evaluator, files):
+        kept[:] = [*files, evaluator.buildFileSequence("kept", (1,), files[:1])]
+        return tuple(kept)
 
     kept, entry = [], Halvern.UI.FileInfo("sh010_a.1.exr", False)
     for _ in range(3):  # memory that was freed is used again
         evaluated, = Shots().evaluateFiles((entry,))
         wrapped_again, = super(Shots, Shots()).evaluateFiles((entry,))
-        built = Keeping().buildFileSequence("built", (1,), (entry,))
-        evaluator = Keeping()
+        built = evaluator_of(keep).buildFileSequence("built", (1,), (entry,))
+        evaluator = evaluator_of(keep)
         sip.delete(open_browser(evaluator))
         evaluator = None
         open_browser().grab()
         assert evaluated.fileName() == wrapped_again.fileName() == "sh010 (1 files)"
         assert built.fileName() == "built"
         assert {"sh010_a.1.exr", "notes.txt", "kept"} <= {file.fileName() for file in kept}
-        evaluator = Keeping()
+        evaluator = evaluator_of(keep)
         with pytest.raises(RuntimeError, match="deleted"):
             evaluator.buildFileSequence("deleted", (sip.delete(evaluator) or 1 for _ in range(1)), ())
 
@@ -88,13 +87,12 @@ def test_entries_may_outlive_who_made_them(open_browser):
     ids=["browser deleted", "evaluator deleted", "evaluator dropped"])
 @pytest.mark.parametrize("asked_by_the_read", [False, True])
 def test_either_may_go_while_the_evaluator_is_asked(open_browser, frames, leave, asked_by_the_read):
-    class Impatient(Halvern.UI.FileSequenceEvaluator):
-        def evaluateFiles(self, files):
-            if leaving and (len(files) > 8 or not asked_by_the_read):
-                leaving.pop()(browser, evaluators)
-            return files
+    def answer(_, files):
+        if leaving and (len(files) > 8 or not asked_by_the_read):
+            leaving.pop()(browser, evaluators)
+        return files
 
-    leaving, evaluators, browser = [], [Impatient()], open_browser()
+    leaving, evaluators, browser = [], [evaluator_of(answer)], open_browser()
     browser.setFileSequenceEvaluator(evaluators[0])
     leaving.append(leave)
     if asked_by_the_read:

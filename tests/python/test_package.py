@@ -102,10 +102,9 @@ def test_signals_hand_over_entries_that_outlive_the_browser(open_browser, frames
         (frames / name).touch()
     (frames / "sub").mkdir()
     browser = open_browser(kind=FileBrowser)
-    taken, infos = [], []
+    taken, infos, preview = [], [], Preview()
     browser.fileSelected.connect(lambda info, folder: (infos.append(info), taken.append(Entry.from_info(info, folder))))
     choose(browser, "sh010_a.#.exr 1-2")
-    preview = Preview()
     browser.setPreviewWidget(preview)
     choose(browser, "notes.txt")
     assert browser.acceptance() is FileBrowser.Acceptance.Open and preview.text() == str(frames / "notes.txt")
@@ -184,13 +183,11 @@ def test_lists_the_remembered_folder(frames):
         del browser
 
 
-def test_favorites_take_paths(tmp_path):
-    FileBrowser.SetPreferencesPath(tmp_path / "kept", "Tests")
-    FileBrowser.ResetFavorites()
+def test_favorites_take_paths(tmp_path, preferences):
     FileBrowser.AddFavoriteDir("plates", "", tmp_path)
     FileBrowser.AddFavoriteDir("none", "", None)
     FileBrowser.SaveFavorites()
-    assert f'plates "" {tmp_path}/\n' in (tmp_path / "kept").read_text()
+    assert f'plates "" {tmp_path}/\n' in preferences.read_text()
     pytest.raises(TypeError, FileBrowser.AddFavoriteDir, "x", "", 3)
 
 
