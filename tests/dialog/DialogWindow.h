@@ -12,8 +12,11 @@ class DialogWindow : public BrowserParts
 public:
     using FileDialog = Halvern::UI::FileDialog;
 
-    explicit DialogWindow(const QString& folder, bool multiple = false, bool waits = true)
-        : DialogWindow(new FileDialog(nullptr, "Import", nullptr))
+    explicit DialogWindow(const QString& folder, bool multiple = false, bool waits = true,
+                          FileDialog* made = new FileDialog(nullptr, "Import", nullptr))
+        : BrowserParts(*made)
+        , owned(made)
+        , dialog(*made)
     {
         dialog.setSequencesEnabled(true);
         dialog.setMultipleSelections(multiple);
@@ -23,8 +26,7 @@ public:
         if (waits)
             QTRY_VERIFY(isRead());
     }
-    DialogWindow(const DialogWindow&) = delete;
-    DialogWindow& operator=(const DialogWindow&) = delete;
+    Q_DISABLE_COPY(DialogWindow)
     ~DialogWindow() { delete owned; }
 
     QPushButton* open() const { return control("openButton"); }
@@ -38,12 +40,4 @@ public:
 
     const QPointer<FileDialog> owned;
     FileDialog& dialog;
-
-private:
-    explicit DialogWindow(FileDialog* made)
-        : BrowserParts(*made)
-        , owned(made)
-        , dialog(*made)
-    {
-    }
 };

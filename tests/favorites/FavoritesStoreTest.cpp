@@ -144,9 +144,8 @@ private slots:
             store.add(favorite);
         }
         store.load();
-        QCOMPARE(
-            shown(store),
-            QString("(3:) (7:) (11:) (15:) 6: 14: 2: 10: x:/x (0:) (1:) (4:) (5:) (8:) (9:) (12:) (13:)"));
+        const QString passing = "(0:) (1:) (4:) (5:) (8:) (9:) (12:) (13:)";
+        QCOMPARE(shown(store), "(3:) (7:) (11:) (15:) 6: 14: 2: 10: x:/x " + passing);
     }
 
     void reportsErrorsAndKeepsTheFile()

@@ -79,8 +79,7 @@ ImageSpec within(ImageSpec spec, int x, int y, int fullWidth, int fullHeight)
 {
     spec.x = x;
     spec.y = y;
-    spec.full_width = fullWidth;
-    spec.full_height = fullHeight;
+    spec.set_roi_full(ROI(0, fullWidth, 0, fullHeight));
     return spec;
 }
 

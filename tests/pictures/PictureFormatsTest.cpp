@@ -27,23 +27,20 @@ QByteArray photoshop()
 // green in one row, green and blue in the next.
 QByteArray cameraRaw()
 {
-    struct Field
-    {
-        quint32 tag, type, count, value;
-    };
     constexpr quint32 byte = 1, ascii = 2, shortNumber = 3, number = 4;
-    const Field fields[] = {{256, number, 1, 64},          {257, number, 1, 64},
-                            {258, shortNumber, 1, 16},     {259, shortNumber, 1, 1}, // not compressed
-                            {262, shortNumber, 1, 32803},                            // filters
-                            {271, ascii, 4, 0x00656e4f},                             // "One"
-                            {272, ascii, 4, 0x006f7754},   {273, number, 1, 256},    // where the pixels begin
-                            {277, shortNumber, 1, 1},      {278, number, 1, 64},
-                            {279, number, 1, 64 * 64 * 2}, {33421, shortNumber, 2, 0x00020002},
-                            {33422, byte, 4, 0x02010100}, // red, green, green, blue
-                            {50706, byte, 4, 0x00000401}};
+    const quint32 fields[][4] = {
+        {256, number, 1, 64},          {257, number, 1, 64},
+        {258, shortNumber, 1, 16},     {259, shortNumber, 1, 1}, // not compressed
+        {262, shortNumber, 1, 32803},                            // filters
+        {271, ascii, 4, 0x00656e4f},                             // "One"
+        {272, ascii, 4, 0x006f7754},   {273, number, 1, 256},    // where the pixels begin
+        {277, shortNumber, 1, 1},      {278, number, 1, 64},
+        {279, number, 1, 64 * 64 * 2}, {33421, shortNumber, 2, 0x00020002},
+        {33422, byte, 4, 0x02010100}, // red, green, green, blue
+        {50706, byte, 4, 0x00000401}};
     QByteArray file = QByteArray("II*\0", 4) + littleEndian({8}) + QByteArray("\x0e\0", 2);
-    for (const Field& field : fields)
-        file += littleEndian({field.tag | field.type << 16, field.count, field.value});
+    for (const auto& [tag, type, count, value] : fields)
+        file += littleEndian({tag | type << 16, count, value});
     return file.leftJustified(256, '\0') + QByteArray("\0\x60", 2).repeated(64 * 64);
 }
 

@@ -48,12 +48,10 @@ public:
             return {};
         m_process.write(
             frame(Request{++m_id, path.toUtf8(), quint32(room.width()), quint32(room.height()), {}}));
-        const auto answer = readAnswer(next());
-        if (answer && answer->id == m_id)
-            return *answer;
-        Answer none;
-        none.reason = QStringLiteral("no answer");
-        return none;
+        Answer answer = readAnswer(next()).value_or(Answer());
+        if (answer.id != m_id)
+            answer.reason = QStringLiteral("no answer");
+        return answer;
     }
 
 private:

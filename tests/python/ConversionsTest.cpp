@@ -8,19 +8,17 @@ class ConversionsTest : public Test
     Q_OBJECT
 
 private slots:
-    void givesPythonTextAndNumbers();
+    void givesPythonTextAndNumbers()
+    {
+        const auto written = [](PyObject* object) {
+            return QByteArray(PyBytes_AsString(PyUnicode_AsUTF8String(PyObject_ASCII(object))));
+        };
+        QCOMPARE(written(Python::fromNumbers({1, -2})), "(1, -2)");
+        QCOMPARE(written(Python::fromText({"\xc3\xa9\0b", 4})), "'\\xe9\\x00b'");
+        QCOMPARE(written(Python::fromText({"ok\0\xff", 4})), "'ok'");
+        QVERIFY(!Python::fromText("\xff") && PyErr_ExceptionMatches(PyExc_UnicodeDecodeError));
+    }
 };
-
-void ConversionsTest::givesPythonTextAndNumbers()
-{
-    const auto written = [](PyObject* object) {
-        return QByteArray(PyBytes_AsString(PyUnicode_AsUTF8String(PyObject_ASCII(object))));
-    };
-    QCOMPARE(written(Python::fromNumbers({1, -2})), "(1, -2)");
-    QCOMPARE(written(Python::fromText({"\xc3\xa9\0b", 4})), "'\\xe9\\x00b'");
-    QCOMPARE(written(Python::fromText({"ok\0\xff", 4})), "'ok'");
-    QVERIFY(!Python::fromText("\xff") && PyErr_ExceptionMatches(PyExc_UnicodeDecodeError));
-}
 
 int main(int argc, char** argv)
 {

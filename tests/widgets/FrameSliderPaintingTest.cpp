@@ -14,12 +14,10 @@ class FrameSliderPaintingTest : public Test
     {
         const QImage image = slider.grab().toImage();
         QRect found;
-        for (int x = 0; x < image.width(); ++x) {
-            for (int y = 0; y < 8; ++y) {
-                const QColor colour = image.pixelColor(x, y);
-                if (colour.red() < 230 && colour.red() == colour.blue())
-                    found |= QRect(x, 0, 1, 8);
-            }
+        for (int i = 0; i < image.width() * 8; ++i) {
+            const QColor colour = image.pixelColor(i / 8, i % 8);
+            if (colour.red() < 230 && colour.red() == colour.blue())
+                found |= QRect(i / 8, 0, 1, 8);
         }
         return found;
     }
