@@ -275,8 +275,7 @@ int main(int argc, char** argv)
         FileBrowser::InitFavs();
         FileBrowser::LoadFavorites();
     }
-    QFile file(folder.filePath("favorites"));
-    if (!file.open(QFile::ReadOnly) || !file.readAll().contains("kept"))
+    if (!SampleFiles::read(folder.filePath("favorites")).contains("kept"))
         return 1;
     FileBrowser::SetPreferencesPath(QString(), QString());
     const QApplication application(argc, argv);

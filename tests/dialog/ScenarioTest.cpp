@@ -24,9 +24,9 @@ private slots:
         QVERIFY(SampleFiles::makeFrames(root.filePath("data"), "f%04d.exr", 1, 3));
         int place = 0;
         for (int hit = -1; hit == -1; ++place) {
-            QFile file(root.filePath("favorites"));
-            QVERIFY(SampleFiles::write(file.fileName(), "add_later later\nadd_favorite_dir a a \"\" /a/\n"
-                                                        "add_favorite_dir gone gone \"\" /g/\n"));
+            const QString file = root.filePath("favorites");
+            QVERIFY(SampleFiles::write(file, "add_later later\nadd_favorite_dir a a \"\" /a/\n"
+                                             "add_favorite_dir gone gone \"\" /g/\n"));
             QVERIFY(AppSettings::Store({{"FileBrowser/directory", root.filePath("data")}, {"Other/key", 7}}));
             failCalls("*", EIO, place + 1);
             faultyFolder = folder.constData();
@@ -34,8 +34,7 @@ private slots:
             hit = faults[CallPlace];
             endFaults();
             // "gone" is edited or as it was, the others are there, and so are the settings.
-            QVERIFY(file.open(QFile::ReadOnly));
-            const QString what = QString::number(place) + ' ' + file.readAll();
+            const QString what = QString::number(place) + ' ' + SampleFiles::read(file);
             const QString lines = QString("add_later later\nadd_\\w+ a .*\nadd_\\w+ %1 ");
             const QRegularExpression kept(lines.arg(isEdited ? "edited" : "gone"));
             QVERIFY2(what.contains(kept) && what.count("add_") == 3, qPrintable(what));

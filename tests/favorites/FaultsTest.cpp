@@ -36,10 +36,6 @@ private slots:
         const QByteArray folder = QFile::encodeName(root.path());
         const QString path = root.filePath("favorites");
         QSettings::setPath(QSettings::IniFormat, QSettings::UserScope, root.path());
-        const auto read = [&] {
-            QFile file(path);
-            return file.open(QFile::ReadOnly) ? file.readAll() : QByteArray("missing");
-        };
         int hit = -1; // -1 once the call has failed
         const auto loses = [&](const char* call, int error, int place) {
             if (!SampleFiles::write(path, text({"stays", "goes"})) ||
@@ -64,10 +60,11 @@ private slots:
                 return true;
             const QByteArray done = text(wasRead ? QByteArrayList{"stays"} : QByteArrayList{"stays", "goes"},
                                          "add_favorite_dir new new \"\" /new/\n");
-            const QByteArray saved = read();
+            const QByteArray saved = SampleFiles::read(path);
             const bool isDue = store.isSaveDue();
             store.save();
-            return (saved != done && (!isDue || saved != text({"stays", "goes"}))) || read() != done;
+            return (saved != done && (!isDue || saved != text({"stays", "goes"}))) ||
+                   SampleFiles::read(path) != done;
         };
         // Each call about files in the folder fails once in turn, and some fail always.
         const QByteArrayList lasting{"open", "read", "write", "fsync"};

@@ -163,6 +163,14 @@ private slots:
             QCOMPARE(stored(path).count(':'), messages.isEmpty() ? SavedFavorites : 1);
             QCOMPARE(QDir(place.path()).entryList(QDir::Files | QDir::Hidden), QStringList("favorites"));
         }
+        // What is no favourites file.
+        const QByteArray line = "add_favorite_dir a a a /a\n";
+        for (const QByteArray& text : {line + QByteArray(1 << 17, 'x'), line.repeated(1 << 20)}) {
+            QVERIFY(SampleFiles::write(file, text));
+            QCOMPARE(messagesOfSaver("plain", file),
+                     QString("Can't read %1: File too large\nCan't write %1: File too large\n").arg(file));
+            QVERIFY(QFile(file).size() == text.size() && files() == QStringList("favorites"));
+        }
     }
 
     void fileIsWholeWheneverTheSaverDies()
@@ -235,17 +243,6 @@ private slots:
         QCOMPARE(QByteArray(kept, size > 0 ? int(size) : 0), hasLists ? acl : QByteArray());
         QVERIFY(stored(file).startsWith("0:/0 0:/1 ") && QFileInfo(link).isSymLink());
         QVERIFY(!QFile::permissions(file).testFlag(QFile::ReadOther));
-    }
-
-    void refusesWhatIsNoFavoritesFile()
-    {
-        const QByteArray line = "add_favorite_dir a a a /a\n";
-        for (const QByteArray& text : {line + QByteArray(1 << 17, 'x'), line.repeated(1 << 20)}) {
-            QVERIFY(SampleFiles::write(file, text));
-            QCOMPARE(messagesOfSaver("plain", file),
-                     QString("Can't read %1: File too large\nCan't write %1: File too large\n").arg(file));
-            QVERIFY(QFile(file).size() == text.size() && files() == QStringList("favorites"));
-        }
     }
 
     void evaluatorMaySaveWhileItIsAsked()

@@ -6,8 +6,6 @@
 #include <QFile>
 #include <QThread>
 #include <csignal>
-#include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 using namespace Halvern::UI;
@@ -25,9 +23,6 @@ static Answer readPicture(const Request& request)
         return request.path.mid(request.path.lastIndexOf('/') + 1).startsWith(word);
     };
     Answer answer;
-    struct stat status = {};
-    if (stat(request.path.constData(), &status) == 0 && S_ISFIFO(status.st_mode))
-        answer.id = quint32(open(request.path.constData(), O_RDONLY)); // waits for somebody who writes
     if (named("hang"))
         QThread::sleep(1000);
     if (named("slow"))

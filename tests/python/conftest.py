@@ -58,12 +58,13 @@ def until(condition):
     assert any(condition() or QTest.qWait(10) for _ in range(500)), "it did not happen"
 
 
-def files(browser):
-    return browser.findChild(QtWidgets.QTreeView, "filesList").model()
+def files(browser, view="filesList"):
+    return browser.findChild(QtWidgets.QAbstractItemView, view).model()
 
 
-def rows(browser):
-    return [files(browser).index(row, 0).data() for row in range(files(browser).rowCount())]
+def rows(browser, view="filesList"):
+    model = files(browser, view)
+    return [model.index(row, 0).data() for row in range(model.rowCount())]
 
 
 # Clicks rows of the file list.

@@ -34,6 +34,12 @@ bool write(const QString& path, const QByteArray& contents)
     return file.open(QFile::WriteOnly) && file.write(contents) == contents.size() && file.flush();
 }
 
+QByteArray read(const QString& path)
+{
+    QFile file(path);
+    return file.open(QFile::ReadOnly) ? file.readAll() : QByteArray();
+}
+
 bool makeFrames(const QString& folder, const char* pattern, int first, int last)
 {
     for (int frame = first; frame <= last; ++frame) {

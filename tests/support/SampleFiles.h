@@ -15,6 +15,8 @@ bool make(const QString& folder, std::initializer_list<const char*> names);
 
 /// Writes the file @p path; false if the system refuses it.
 bool write(const QString& path, const QByteArray& contents);
+/// What the file @p path holds; empty if the system does not tell.
+QByteArray read(const QString& path);
 
 /// Makes the empty files of the frames @p first to @p last, named by the printf pattern @p pattern.
 bool makeFrames(const QString& folder, const char* pattern, int first, int last);
