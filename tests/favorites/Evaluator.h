@@ -5,16 +5,13 @@
 #include <functional>
 
 /// Answers as a function does.
-class Evaluator : public Halvern::UI::FavoriteExpressionEvaluator
+struct Evaluator : Halvern::UI::FavoriteExpressionEvaluator
 {
-public:
-    using Answer = std::function<QString(const Halvern::UI::Favorite&)>;
-    explicit Evaluator(Answer answer)
+    explicit Evaluator(std::function<QString(const Halvern::UI::Favorite&)> answer)
         : m_answer(std::move(answer))
     {
     }
     QString evaluate(const Halvern::UI::Favorite& favorite) override { return m_answer(favorite); }
 
-private:
-    const Answer m_answer;
+    const std::function<QString(const Halvern::UI::Favorite&)> m_answer;
 };

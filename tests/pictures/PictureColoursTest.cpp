@@ -83,12 +83,6 @@ ImageSpec within(ImageSpec spec, int x, int y, int fullWidth, int fullHeight)
     return spec;
 }
 
-ImageSpec tiled(ImageSpec spec)
-{
-    spec.tile_width = spec.tile_height = 16;
-    return spec;
-}
-
 // Values of a pixel in the data window, for the channels of the spec.
 bool write(ImageOutput& output, const ImageSpec& spec, const Pixels& pixels)
 {
@@ -183,7 +177,9 @@ private slots:
         const Pixels mean = [](int, int y) { return light(3.0F / 8 + float(y % 7) / 32); };
         const ImageSpec high(16, 2048, 3, TypeHalf);
         row("scaled down from rows", "a.exr", high, fine, mean, {4, 512}, {4, 512});
-        row("scaled down from tiles", "a.exr", tiled(high), fine, mean, {4, 512}, {4, 8192});
+        ImageSpec tiled = high;
+        tiled.tile_width = tiled.tile_height = 16;
+        row("scaled down from tiles", "a.exr", tiled, fine, mean, {4, 512}, {4, 8192});
         row("lying on its side", "a.tif", with(ImageSpec(2, 1, 3, TypeUInt8), "Orientation", 6),
             across(1, grey), turned(across(1, grey)), {1, 2});
         row("turned in no way", "a.exr", with(ImageSpec(2, 1, 3, TypeHalf), "Orientation", 9), all(grey(1)),
@@ -204,7 +200,8 @@ private slots:
     {
         const std::string path = file("mip.exr").toStdString();
         auto output = ImageOutput::create(path);
-        ImageSpec spec = tiled(ImageSpec(64, 64, 3, TypeHalf));
+        ImageSpec spec(64, 64, 3, TypeHalf);
+        spec.tile_width = spec.tile_height = 16;
         spec.attribute("textureformat", "Plain Texture");
         for (int side = 64; side > 0; side /= 2) {
             spec.width = spec.height = spec.full_width = spec.full_height = side;
