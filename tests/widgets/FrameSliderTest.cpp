@@ -73,8 +73,7 @@ std::vector<Gesture> gestures()
         {"in", key(Qt::Key_I), "50 0:100 50:89 inout"},
         {"out", key(Qt::Key_O), "50 0:100 11:50 inout"},
         {"reset", key(Qt::Key_F), "50 0:100 11:89 reset"},
-        {"no key of the slider's", key(Qt::Key_Left, ctrl), "50 0:100 11:89"},
-    };
+        {"no key of the slider's", key(Qt::Key_Left, ctrl), "50 0:100 11:89"}};
 }
 
 } // namespace
