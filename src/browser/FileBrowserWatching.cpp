@@ -54,6 +54,8 @@ void FileBrowser::Private::noteReading()
 {
     if (m_watch.path() != m_model->path())
         m_watch.beginRead(m_model->path());
+    if (!m_model->isReading())
+        m_watch.endNames();
     const bool failed = m_model->readError() != 0;
     if (!m_model->isReading() && !m_model->isUpdating() && (failed || m_model->hasAllAttributes()))
         m_watch.endRead(0, !failed);

@@ -51,6 +51,8 @@ public:
     /// The directory @p path is watched from now on, in place of an earlier one, and the reader begins to
     /// read it now. Call this also while not active.
     void beginRead(const std::string& path);
+    /// The reader has all names, and goes on to attributes. May be called again.
+    void endNames();
     /// The reader has ended, after beginRead() or changed(). Reading took @p milliseconds; there is a pause
     /// of four times as long before the next changed(). A read that failed is to be tried again: after more
     /// than the settling time, and later each time that it fails again, up to Pace::longest. The same without
@@ -87,6 +89,7 @@ private:
     };
 
     void schedule();
+    void askSoon();
     void ask();
     void makeNotices();
     void takeNotices();
@@ -99,6 +102,8 @@ private:
     std::string m_path;
     bool m_active = false;
     bool m_reading = false;
+    bool m_readingNames = false;
+    bool m_asksSoon = false;                 // even if the reader works or rests
     bool m_noticed = false;                  // a change that was not told yet
     ChangedNames m_told;                     // see changedNames()
     ChangedNames m_untold;                   // names that changed since, as far as they were taken

@@ -226,6 +226,25 @@ private slots:
         QTRY_VERIFY(faults[Calls] > 0);
     }
 
+    // Files made while names are read, and files written while attributes are, are told after the read.
+    void noticesChangesInTheFirstRead()
+    {
+        for (const char* changed : {"c", "b"}) {
+            const bool isNew = *changed == 'c';
+            const int calls = faults[Calls];
+            faultyCall = isNew ? nullptr : "fstatat"; // the first answer comes late
+            faults[CallDelay] = 50000;
+            Watched folder({Never, Never, 1, Never});
+            QTRY_COMPARE(faults[Calls], calls + 1);
+            QVERIFY(!isNew || write(folder.file(changed)));
+            folder.watch.endNames();
+            QTRY_COMPARE(faults[Calls], calls + 3); // with notices and for the state
+            QVERIFY(isNew || write(folder.file(changed)));
+            folder.watch.endRead(0, true);
+            QVERIFY(folder.tells());
+        }
+    }
+
     void asksSeldomIfNothingChangesOrAnswersTakeLong()
     {
         Watched folder({20, 160, 1, Never});
@@ -261,6 +280,7 @@ private slots:
             folder.watch.setActive(true);
             QTest::qWait(20);
             folder.watch.beginRead(folder.path.toStdString());
+            folder.watch.endNames();
         }
         QTRY_VERIFY(faults[DelayedCalls] > 1);
         QVERIFY(write(folder.file("c")));
