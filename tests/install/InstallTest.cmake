@@ -99,8 +99,9 @@ run(${CMAKE_COMMAND} -S ${SOURCE_DIR}/install/client -B ${WORK_DIR}/build -G Nin
     -DCMAKE_PREFIX_PATH=${prefix} -DGUIDE=${SOURCE_DIR}/../examples/guide)
 run(${CMAKE_COMMAND} --build ${WORK_DIR}/build)
 math(EXPR other "11 - ${QT}")
-execute_process(COMMAND ${CMAKE_COMMAND} -S ${SOURCE_DIR}/install/client -B ${WORK_DIR}/other -G Ninja
-    -DCMAKE_PREFIX_PATH=${prefix} -DCOREUI_QT=${other} RESULT_VARIABLE result OUTPUT_QUIET ERROR_VARIABLE output)
+file(WRITE ${WORK_DIR}/other.cmake "find_package(HvMirefoldCoreUI REQUIRED NO_DEFAULT_PATH PATHS \"${prefix}\")")
+execute_process(COMMAND ${CMAKE_COMMAND} -DCOREUI_QT=${other} -P ${WORK_DIR}/other.cmake
+    RESULT_VARIABLE result OUTPUT_QUIET ERROR_VARIABLE output)
 string(REGEX REPLACE "[ \n]+" " " output "${output}")
 if(result EQUAL 0 OR NOT output MATCHES "built with Qt ${QT}, but this project uses Qt ${other}")
     message(FATAL_ERROR "a project with Qt ${other}: ${result}\n${output}")
