@@ -201,13 +201,11 @@ private slots:
 
     void joinsWhatOthersChanged()
     {
-        FavoritesStore mine;
-        FavoritesStore theirs;
-        for (FavoritesStore* store : {&mine, &theirs}) {
-            store->setPreferences(file, "p");
-            store->initialize(); // when there is no file, and when it holds nothing
-        }
-        for (FavoritesStore* store : {&theirs, &mine, &theirs, &mine}) {
+        Store mine(file);
+        mine.initialize(); // when there is no file
+        Store theirs(file);
+        theirs.initialize(); // when it holds nothing
+        for (Store* store : {&theirs, &mine, &theirs, &mine}) {
             const int type = int(store->favorites()->size());
             store->addFolder(store == &mine ? "m" : "t", "", "/", "", "", type, true);
             store->save();

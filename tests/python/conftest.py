@@ -23,14 +23,18 @@ def preferences(tmp_path):
     return path
 
 
+# Makes files that hold their names.
+def make(folder, *names):
+    folder.mkdir(exist_ok=True)
+    for name in names:
+        (folder / name).write_text(name, errors="surrogateescape")
+    return folder
+
+
 @pytest.fixture
 def frames(tmp_path):
     # Two layers of one shot, one frame of another, and a text.
-    folder = tmp_path / "frames"
-    folder.mkdir()
-    for name in ["sh010_a.1.exr", "sh010_a.2.exr", "sh010_b.1.exr", "sh020_a.7.exr", "notes.txt"]:
-        (folder / name).write_text(name)
-    return folder
+    return make(tmp_path / "frames", "sh010_a.1.exr", "sh010_a.2.exr", "sh010_b.1.exr", "sh020_a.7.exr", "notes.txt")
 
 
 @pytest.fixture

@@ -4,7 +4,7 @@ import sys
 import typing
 
 import pytest
-from conftest import choose, rows, until
+from conftest import choose, make, rows, until
 from qt import QtCore, QtWidgets
 
 import HvMirefoldCoreUI as CoreUI
@@ -14,16 +14,15 @@ from HvMirefoldCoreUI.frames import placeholder
 
 def test_lists_a_folder(frames):
     odd = os.fsdecode(b"\xe9.1.png")
-    for name in ["sh010_a.5.exr", "b.01.png", "b.1.png", "b.2.png", odd, odd.replace("1", "2"), ".hidden"]:
-        (frames / name).write_text("12345")
-    (frames / "sub").mkdir()
+    make(frames, "sh010_a.5.exr", "b.01.png", "b.1.png", "b.2.png", odd, odd.replace("1", "2"), ".hidden")
+    make(frames / "sub")
     listed = {entry.name: entry for entry in list_directory(frames)}
     assert list(listed) == ["b.##.png 1-2", "notes.txt", "sh010_a.#.exr 1-5", "sh010_b.1.exr", "sh020_a.7.exr", "sub",
                             odd.replace("1", "#") + " 1-2"]
     shot = listed["sh010_a.#.exr 1-5"]
     assert (shot.is_sequence, shot.is_directory, str(shot.frames), str(shot.missing), shot.padding) == (
         True, False, "1-2,5", "3-4", 1)
-    assert shot.size == 2 * len("sh010_a.1.exr") + 5
+    assert shot.size == 3 * len("sh010_a.1.exr")
     assert shot.modified == max(int(os.stat(file).st_mtime) for file in shot.files())
     assert shot.path == f"{frames}/{shot.name}" and shot.pattern == f"{frames}/sh010_a.#.exr"
     for entry in listed.values():
@@ -98,9 +97,8 @@ class Preview(QtWidgets.QLabel):
 
 
 def test_signals_hand_over_entries_that_outlive_the_browser(open_browser, frames):
-    for name in ("b.1.png", "b.02.png", "b.003.png"):
-        (frames / name).touch()
-    (frames / "sub").mkdir()
+    make(frames, "b.1.png", "b.02.png", "b.003.png")
+    make(frames / "sub")
     browser = open_browser(kind=FileBrowser)
     taken, infos, preview = [], [], Preview()
     browser.fileSelected.connect(lambda info, folder: (infos.append(info), taken.append(Entry.from_info(info, folder))))

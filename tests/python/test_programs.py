@@ -8,7 +8,7 @@ import _HvMirefoldCoreUI
 import import_shots
 import pytest
 import shot_dock
-from conftest import QTest, choose
+from conftest import QTest, choose, make
 from qt import QtCore, QtWidgets, binding
 
 MODULE = _HvMirefoldCoreUI.__file__
@@ -27,8 +27,7 @@ def output(*command, **variables):
 
 
 def test_programs_list_the_same_and_write_nothing(frames, tmp_path):
-    home = tmp_path / "home"
-    home.mkdir()
+    home = make(tmp_path / "home")
     expected = ["notes.txt", "sh010_a.#.exr 1-2", "sh010_b.1.exr", "sh020_a.7.exr"]
     assert sorted(output(PROGRAMS / "seqls", frames).splitlines()) == expected
     arguments = (PROGRAMS / "browse", "--list", "--screenshot", tmp_path / "picture.png", frames)
@@ -59,9 +58,8 @@ def test_library_is_loaded_once_by_a_host_with_python_in_it(frames, tmp_path):
 
 
 def test_imports_shots(frames, tmp_path):
-    others = [tmp_path / f"sh010_x.{frame}.exr" for frame in (7, 8, 9)]
-    for other in others:
-        other.touch()
+    others = [f"sh010_x.{frame}.exr" for frame in (7, 8, 9)]
+    make(tmp_path, *others)
 
     def act():
         dialog = QtWidgets.QApplication.activeModalWidget()
@@ -69,14 +67,14 @@ def test_imports_shots(frames, tmp_path):
         dialog.findChild(QtWidgets.QPushButton, "nextButton").click()
         dialog.setDirectory(tmp_path)
         dialog.findChild(QtWidgets.QCheckBox, "sequencesCheck").setChecked(False)
-        choose(dialog, others[2].name)
+        choose(dialog, others[2])
         dialog.accept()
 
     QtCore.QTimer.singleShot(100, act)
     chosen = import_shots.choose(str(frames))
     names = ["notes.txt", "sh010_a.1.exr", "sh010_a.2.exr", "sh010_b.1.exr"]
-    assert sorted(chosen) == [*(str(frames / name) for name in names), str(others[2])]
-    assert import_shots.files(f"{tmp_path}/sh010 (3 files)") == list(map(str, others))
+    assert sorted(chosen) == [*(str(frames / name) for name in names), str(tmp_path / others[2])]
+    assert import_shots.files(f"{tmp_path}/sh010 (3 files)") == [str(tmp_path / other) for other in others]
 
 
 def test_reports_missing_frames(frames):
@@ -85,9 +83,7 @@ def test_reports_missing_frames(frames):
         return done.returncode, done.stdout, done.stderr
 
     assert report(frames) == (0, "1 sequences, 0 incomplete\n", "")
-    (frames / "sub").mkdir()
-    for frame in (1, 2, 5):
-        (frames / "sub" / f"x.{frame:04}.exr").touch()
+    make(frames / "sub", "x.0001.exr", "x.0002.exr", "x.0005.exr")
     assert report(frames.parent) == (1, "frames/sub/x.####.exr: has 1-2,5, lacks 3-4 (2 frames)\n"
                                         "2 sequences, 1 incomplete\n", "")
     status, _, error = report(frames / "nowhere")
