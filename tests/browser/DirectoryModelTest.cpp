@@ -43,8 +43,6 @@ class DirectoryModelTest : public Test
     Q_OBJECT
 
 private slots:
-    void init() { AppSettings().clear(); }
-
     void filtersRows()
     {
         const SampleFolder folder{"dark/",     "day.01.exr", "day.02.exr",

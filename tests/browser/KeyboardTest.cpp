@@ -3,7 +3,6 @@
 #include "favorites/EditFavoriteDialog.h"
 #include "support/SampleFiles.h"
 #include "support/Test.h"
-#include "widgets/AppSettings.h"
 
 #include <QAccessible>
 #include <QHeaderView>
@@ -17,8 +16,6 @@ class KeyboardTest : public Test
     Q_OBJECT
 
 private slots:
-    void init() { AppSettings().clear(); }
-
     void everyControlHasItsOwnName()
     {
         FileBrowser browser;

@@ -1,7 +1,6 @@
 #include "browser/BrowserWindow.h"
 #include "support/SampleFiles.h"
 #include "support/Test.h"
-#include "widgets/AppSettings.h"
 
 #include <QInputDialog>
 #include <QMessageBox>
@@ -15,12 +14,7 @@ class NavigationTest : public Test
     Q_OBJECT
 
 private slots:
-    void init()
-    {
-        AppSettings().clear();
-        m_folder = std::make_unique<SampleFolder>(
-            std::initializer_list<const char*>{"a/", "b/", "c/", "a/in_a.1.exr", "a/in_a.2.exr"});
-    }
+    void init() { QVERIFY(make({"a/", "b/", "c/", "a/in_a.1.exr", "a/in_a.2.exr"})); }
 
     void filtersRows()
     {
@@ -89,7 +83,7 @@ private slots:
         window.type(QString("~/"));
         qputenv("HOME", home);
         QCOMPARE(window.edit()->text(), path("c/"));
-        FileBrowser::SetDefaultPath(m_folder->path());
+        FileBrowser::SetDefaultPath(path());
         window.type(QString("./a/"));
         FileBrowser::SetDefaultPath(QString());
         QCOMPARE(window.browser.directory().path(), path("a"));
@@ -151,11 +145,6 @@ private slots:
         window.control("newFolderButton")->click();
         QCOMPARE(warning, QString("Can't create folder <b>no</b>/such/parent"));
     }
-
-private:
-    QString path(const char* name) const { return m_folder->path() + '/' + name; }
-
-    std::unique_ptr<SampleFolder> m_folder;
 };
 
 QTEST_MAIN(NavigationTest)

@@ -35,8 +35,6 @@ class SettingsTest : public Test
     Q_OBJECT
 
 private slots:
-    void init() { AppSettings().clear(); }
-
     // Before the others, which leave a namespace to all browsers.
     void nonsenseGivesDefaults()
     {

@@ -2,7 +2,6 @@
 #include "support/Faults.h"
 #include "support/SampleFiles.h"
 #include "support/Test.h"
-#include "widgets/AppSettings.h"
 
 #include <QClipboard>
 #include <QLabel>
@@ -16,20 +15,15 @@ class SlowStorageTest : public Test
     Q_OBJECT
 
 private slots:
-    void init()
-    {
-        endFaults();
-        AppSettings().clear();
-        m_folder = std::make_unique<QTemporaryDir>();
-    }
+    void init() { endFaults(); }
 
     // Rows are selected by keys, from one on, while attributes come and move them about.
     void keysExtendTheSelectionWhileAttributesArrive()
     {
-        QVERIFY(SampleFiles::makeFrames(m_folder->path(), "f%04d.txt", 1, 6000));
+        QVERIFY(SampleFiles::makeFrames(path(), "f%04d.txt", 1, 6000));
         for (const int column : {0, 2}) {
             delayCalls("fstatat", 2000);
-            BrowserWindow window(m_folder->path(), false);
+            BrowserWindow window(path(), false);
             window.browser.setMultipleSelections(true);
             window.list()->sortByColumn(column, Qt::AscendingOrder);
             QTRY_COMPARE(window.rows().size(), 6000);
@@ -59,8 +53,8 @@ private slots:
     // Nothing can be chosen while the cells are empty, and everything is chosen again afterwards.
     void whatIsReadAgainStaysChosen()
     {
-        QVERIFY(SampleFiles::make(m_folder->path(), {"a", "b", "c"}));
-        const DialogWindow window(m_folder->path(), true);
+        QVERIFY(make({"a", "b", "c"}));
+        const DialogWindow window(path(), true);
         window.dialog.setSelectionType(FileBrowser::SelectionType::FilesAndDirectories);
         window.focusList();
         window.select({"a", "c"});
@@ -95,20 +89,20 @@ private slots:
     // Their names change with their range.
     void sequencesStayChosenWhenTheyGrow()
     {
-        QVERIFY(SampleFiles::make(m_folder->path(), {"a.1.exr", "a.2.exr", "b.1.exr", "b.2.exr"}));
-        const DialogWindow window(m_folder->path(), true);
+        QVERIFY(make({"a.1.exr", "a.2.exr", "b.1.exr", "b.2.exr"}));
+        const DialogWindow window(path(), true);
         window.focusList();
         window.select({"a.#.exr 1-2"});
         delayCalls("readdir", 20000);
-        QVERIFY(SampleFiles::make(m_folder->path(), {"a.3.exr"}));
+        QVERIFY(make({"a.3.exr"}));
         QTest::keyClick(window.list(), Qt::Key_F5);
         QTRY_COMPARE(window.dialog.selectedFiles(), QStringList(path("a.#.exr 1-3")));
         QTest::keyClick(window.list(), Qt::Key_Down, Qt::ShiftModifier);
         // The field shows the first of them.
-        QVERIFY(SampleFiles::make(m_folder->path(), {"a.4.exr", "b.4.exr", "b.5.exr"}));
+        QVERIFY(make({"a.4.exr", "b.4.exr", "b.5.exr"}));
         QTest::keyClick(window.list(), Qt::Key_F5);
         QTRY_COMPARE(window.dialog.selectedFiles(), (QStringList{path("a.#.exr 1-4"), path("b.#.exr 1-5")}));
-        QVERIFY(SampleFiles::make(m_folder->path(), {"a.5.exr", "b.6.exr"}) && window.model()->update());
+        QVERIFY(make({"a.5.exr", "b.6.exr"}) && window.model()->update());
         QTRY_COMPARE(window.dialog.selectedFiles(), (QStringList{path("a.#.exr 1-5"), path("b.#.exr 1-6")}));
         // One row that becomes two leaves open which is meant.
         window.control<QCheckBox>("splitCheck")->click();
@@ -118,10 +112,10 @@ private slots:
 
     void typedRowBecomesCurrentWhenItIsListed()
     {
-        QVERIFY(SampleFiles::make(m_folder->path(), {"sub/", "sub/only", "sub/only.bak", "sub/other"}));
+        QVERIFY(make({"sub/", "sub/only", "sub/only.bak", "sub/other"}));
         for (const char* name : {"only", "other"}) {
             endFaults();
-            const DialogWindow window(m_folder->path());
+            const DialogWindow window(path());
             delayCalls("readdir", 20000);
             QApplication::clipboard()->setText(path("sub/") + name);
             window.edit()->selectAll();
@@ -136,21 +130,21 @@ private slots:
     // What the list says, and that F5 reads what could not be read.
     void saysWhyThereIsNothing()
     {
-        QVERIFY(SampleFiles::make(m_folder->path(),
-                                  {"empty/", "locked/", "locked/a.exr", "locked/b.exr", "locked/.hidden"}));
+        QVERIFY(make({"empty/", "locked/", "locked/a.exr", "locked/b.exr", "locked/.hidden"}));
         BrowserWindow window(path("empty"));
         const auto says = [&](const QString& text) { return window.list()->accessibleDescription() == text; };
         const auto problem = [&] {
             const auto* label = window.control<QLabel>("problemLabel");
             return label->isVisible() ? label->text() : QString();
         };
+        const auto refresh = [&] { QMetaObject::invokeMethod(&window.browser, "refreshDirectory"); };
         QVERIFY(says("This folder is empty."));
 
         failCalls("opendir", EACCES);
         window.browser.setDirectory(QDir(path("locked")), false, true);
         QVERIFY(says("This folder can't be read: permission denied"));
         delayCalls("readdir", 100000);
-        refresh(window);
+        refresh();
         QTRY_VERIFY(says(QString("Reading ") + QChar(0x2026)));
         endFaults();
         const QStringList names = {"a.exr", "b.exr"}; // a row that is read again has none
@@ -167,32 +161,33 @@ private slots:
 
         // The rows stay if the folder can't be opened again.
         failCalls("opendir", EIO);
-        refresh(window);
+        refresh();
         QCOMPARE(problem(), QString("Not all of this folder could be read: input/output error"));
         QCOMPARE(window.rows(), names);
         // Half of it, and nothing of it.
         for (const int most : {5, 1}) {
             endFaults();
-            refresh(window);
+            refresh();
             QTRY_VERIFY(problem().isEmpty() && window.rows() == names);
             faults[MostNames] = most;
-            refresh(window);
+            refresh();
             QTRY_VERIFY(most > 1 ? window.rows().size() < 3 && problem().contains("input/output")
                                  : says("This folder can't be read: input/output error"));
         }
+        endFaults(); // so that the folder can be removed
     }
 
     // This thread asks the disk for nothing, and waits for no call of the worker.
     void updateLeavesTheUserAlone()
     {
-        QVERIFY(QDir(m_folder->path()).mkdir("a") && QDir(m_folder->path()).mkdir("b"));
-        BrowserWindow window(m_folder->path());
+        QVERIFY(QDir(path()).mkdir("a") && QDir(path()).mkdir("b"));
+        BrowserWindow window(path());
         window.browser.setSelectionType(FileBrowser::SelectionType::Directories);
         window.list()->setCurrentIndex(window.row("b/"));
         std::vector<FileBrowser::Acceptance> answers;
         connect(&window.browser, &FileBrowser::choiceChanged, this,
                 [&] { answers.push_back(window.browser.acceptance()); });
-        QVERIFY(QDir(m_folder->path()).rmdir("b"));
+        QVERIFY(QDir(path()).rmdir("b"));
         takeCalls();
         QVERIFY(window.model()->update());
         QTRY_COMPARE(window.rows(), QStringList("a/"));
@@ -211,21 +206,11 @@ private slots:
         delayCalls("fstatat", 200000);
         QVERIFY(window.model()->update());
         QTRY_VERIFY(faults[DelayedCalls] > 1);
-        QVERIFY(m_folder->remove());
+        QVERIFY(QDir(path()).removeRecursively());
         QTRY_VERIFY(!window.model()->isUpdating());
         QCOMPARE(window.model()->updateError(), ENOENT);
         QCOMPARE(window.rows(), QStringList("a/"));
     }
-
-private:
-    QString path(const char* name) const { return m_folder->path() + '/' + name; }
-
-    static void refresh(BrowserWindow& window)
-    {
-        QVERIFY(QMetaObject::invokeMethod(&window.browser, "refreshDirectory"));
-    }
-
-    std::unique_ptr<QTemporaryDir> m_folder;
 };
 
 QTEST_MAIN(SlowStorageTest)

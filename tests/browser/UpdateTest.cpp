@@ -2,7 +2,6 @@
 #include "catalogue/FileSequenceEvaluator.h"
 #include "support/SampleFiles.h"
 #include "support/Test.h"
-#include "widgets/AppSettings.h"
 
 #include <QAbstractItemModelTester>
 #include <QRegularExpression>
@@ -51,33 +50,6 @@ public:
     int asked = 0;
 };
 
-// Counts paints of the list, and those in which a row had an empty cell.
-class PaintWatch : public QObject
-{
-public:
-    explicit PaintWatch(const BrowserParts& parts)
-        : m_parts(parts)
-    {
-        parts.list()->viewport()->installEventFilter(this);
-    }
-    bool eventFilter(QObject* /*watched*/, QEvent* event) override
-    {
-        if (event->type() != QEvent::Paint)
-            return false;
-        ++paints;
-        for (int row = 0; row < m_parts.proxy()->rowCount(); ++row) {
-            for (int column = 0; column < 3; ++column)
-                blank += m_parts.proxy()->index(row, column).data().isValid() ? 0 : 1;
-        }
-        return false;
-    }
-    int paints = 0;
-    int blank = 0;
-
-private:
-    const BrowserParts& m_parts;
-};
-
 // Whether the update succeeded.
 bool update(const BrowserParts& parts, const ChangedNames& changed = std::nullopt)
 {
@@ -85,16 +57,40 @@ bool update(const BrowserParts& parts, const ChangedNames& changed = std::nullop
     return parts.model()->update(changed) && (!ends.isEmpty() || ends.wait()) && ends.first().at(1).toBool();
 }
 
-// The texts of all cells.
-QStringList cells(const BrowserParts& parts)
+QVariantList cells(const BrowserParts& parts)
 {
-    QStringList texts;
+    QVariantList all;
     for (int row = 0; row < parts.proxy()->rowCount(); ++row) {
         for (int column = 0; column < 3; ++column)
-            texts.append(parts.proxy()->index(row, column).data().toString());
+            all.append(parts.proxy()->index(row, column).data());
     }
-    return texts;
+    return all;
 }
+
+// Watches whether the list is painted, and never with an empty cell.
+class PaintWatch : public QObject
+{
+public:
+    explicit PaintWatch(const BrowserParts& shown)
+        : parts(shown)
+    {
+        parts.list()->viewport()->installEventFilter(this);
+    }
+    bool eventFilter(QObject* /*watched*/, QEvent* event) override
+    {
+        if (event->type() == QEvent::Paint) {
+            ++paints;
+            for (const QVariant& cell : cells(parts))
+                blank += cell.isValid() ? 0 : 1;
+        }
+        return false;
+    }
+    bool sawOnlyFullRows() const { return paints > 0 && blank == 0; }
+
+    const BrowserParts& parts;
+    int paints = 0;
+    int blank = 0;
+};
 
 QStringList selectedNames(const BrowserParts& parts)
 {
@@ -108,8 +104,7 @@ QStringList selectedNames(const BrowserParts& parts)
 // The names with "#" in place of a frame.
 QStringList patterns(const QStringList& names)
 {
-    QStringList all = names;
-    return all.replaceInStrings(QRegularExpression("[0-9#]+"), "#");
+    return QStringList(names).replaceInStrings(QRegularExpression("[0-9#]+"), "#");
 }
 
 } // namespace
@@ -120,12 +115,6 @@ class UpdateTest : public Test
     Q_OBJECT
 
 private slots:
-    void init()
-    {
-        AppSettings().clear();
-        m_folder = std::make_unique<QTemporaryDir>();
-    }
-
     void followsRandomEdits_data()
     {
         QTest::addColumn<QString>("mode");
@@ -145,7 +134,7 @@ private slots:
         ByLetter evaluators[2];
         std::mt19937 random(static_cast<unsigned>(qHash(mode)));
         edit(random, 60);
-        BrowserWindow windows[2]{BrowserWindow(m_folder->path()), BrowserWindow(m_folder->path())};
+        BrowserWindow windows[2]{BrowserWindow(path()), BrowserWindow(path())};
         for (BrowserWindow& window : windows) {
             window.browser.setMultipleSelections(true);
             if (mode == "evaluated")
@@ -155,7 +144,7 @@ private slots:
             if (mode == "split")
                 window.control<QCheckBox>("splitCheck")->click();
             if (mode == "typed")
-                window.type(m_folder->filePath("a"));
+                window.type(path("a"));
             if (mode == "filtered")
                 window.control<QComboBox>("filterCombo")->setEditText("*.exr *.txt");
             window.list()->sortByColumn(column, descends ? Qt::DescendingOrder : Qt::AscendingOrder);
@@ -192,15 +181,14 @@ private slots:
             }
         }
         QCOMPARE(resets.size(), 0);
-        QVERIFY(paints.paints > 0);
-        QCOMPARE(paints.blank, 0);
+        QVERIFY(paints.sawOnlyFullRows());
     }
 
     // What a person looks at, points at and has chosen stays in its place.
     void keepsThePlace()
     {
-        QVERIFY(SampleFiles::makeFrames(m_folder->path(), "f%03d.txt", 100, 400));
-        BrowserWindow window(m_folder->path());
+        QVERIFY(SampleFiles::makeFrames(path(), "f%03d.txt", 100, 400));
+        BrowserWindow window(path());
         window.browser.setMultipleSelections(true);
         // The display server may move the mouse at any other time.
         auto* model = window.model();
@@ -222,15 +210,14 @@ private slots:
             // Rows come above, in the selection and below, and the first that is seen goes.
             NameSet changed{"f200.txt", "f150.txt", "f300.txt"};
             for (const std::string& name : changed)
-                QCOMPARE(QFile::remove(m_folder->filePath(name.c_str())), column == 0);
+                QCOMPARE(QFile::remove(path(name.c_str())), column == 0);
             for (const char* name : {"a", "f1000.txt", "f203b.txt", "z"}) {
                 changed.insert(name + std::to_string(column));
-                QVERIFY(SampleFiles::make(m_folder->path(), (name + std::to_string(column)).c_str(), 5));
+                QVERIFY(SampleFiles::make(path(), (name + std::to_string(column)).c_str(), 5));
             }
             const PaintWatch paints(window);
             QVERIFY(update(window, column == 0 ? ChangedNames() : changed));
-            QTRY_VERIFY(paints.paints > 0);
-            QCOMPARE(paints.blank, 0);
+            QTRY_VERIFY(paints.sawOnlyFullRows());
             QCOMPARE(window.place("f201.txt"), place);
             QCOMPARE(selectedNames(window), (QStringList{"f202.txt", "f203.txt", "f204.txt", "f205.txt"}));
             QCOMPARE(window.list()->currentIndex().data(), QVariant("f205.txt"));
@@ -244,7 +231,7 @@ private slots:
         window.list()->selectAll();
         const auto rows = window.rows().size();
         for (int frame = 210; frame < 300; frame += 2)
-            QVERIFY(QFile::remove(m_folder->filePath(QString::asprintf("f%d.txt", frame))));
+            QVERIFY(QFile::remove(path(QString::asprintf("f%d.txt", frame))));
         const QSignalSpy removals(window.proxy(), &QAbstractItemModel::rowsRemoved);
         QVERIFY(update(window));
         QCOMPARE(removals.size(), 1);
@@ -255,8 +242,8 @@ private slots:
     // Nothing else is chosen in place of what vanished.
     void whatVanishesIsNotChosen()
     {
-        QVERIFY(SampleFiles::make(m_folder->path(), {"a", "b", "c"}));
-        const BrowserWindow window(m_folder->path());
+        QVERIFY(make({"a", "b", "c"}));
+        BrowserWindow window(path());
         window.clickRow("b");
         QCOMPARE(window.browser.acceptance(), FileBrowser::Acceptance::Open);
         QSignalSpy choices(&window.browser, &FileBrowser::choiceChanged);
@@ -264,7 +251,7 @@ private slots:
         connect(&window.browser, &FileBrowser::fileSelected, this, [&] { ++files; });
         QVERIFY(update(window));
         QCOMPARE(choices.size(), 0);
-        QVERIFY(QFile::remove(m_folder->filePath("b")));
+        QVERIFY(QFile::remove(path("b")));
         QVERIFY(update(window));
         QCOMPARE(window.rows(), (QStringList{"a", "c"}));
         QVERIFY(!window.list()->selectionModel()->hasSelection());
@@ -272,31 +259,26 @@ private slots:
         QCOMPARE(choices.size(), 1);
         QCOMPARE(files, 0);
         QCOMPARE(window.browser.acceptance(), FileBrowser::Acceptance::None);
-        QCOMPARE(window.edit()->text(), m_folder->filePath("b"));
-    }
+        QCOMPARE(window.edit()->text(), path("b"));
 
-    // What is typed can be chosen as soon as it is there.
-    void typedFolderComesAndGoes()
-    {
-        BrowserWindow window(m_folder->path());
+        // What is typed can be chosen as soon as it is there.
         window.browser.setSelectionType(FileBrowser::SelectionType::Directories);
         QTRY_VERIFY(window.isRead());
-        window.type(m_folder->filePath("new"));
+        window.type(path("new"));
         QTRY_VERIFY(window.isRead());
-        QSignalSpy choices(&window.browser, &FileBrowser::choiceChanged);
         for (const bool comes : {true, false}) {
-            QVERIFY(comes ? QDir(m_folder->path()).mkdir("new") : QDir(m_folder->path()).rmdir("new"));
+            choices.clear();
+            QVERIFY(comes ? QDir(path()).mkdir("new") : QDir(path()).rmdir("new"));
             QVERIFY(update(window));
             QCOMPARE(choices.size(), 1);
             QCOMPARE(window.browser.acceptance() == FileBrowser::Acceptance::Open, comes);
-            choices.clear();
         }
     }
 
     void sequenceGrowsInItsRow()
     {
-        QVERIFY(SampleFiles::makeFrames(m_folder->path(), "s.%02d.exr", 1, 5));
-        const BrowserWindow window(m_folder->path());
+        QVERIFY(SampleFiles::makeFrames(path(), "s.%02d.exr", 1, 5));
+        const BrowserWindow window(path());
         const auto toolTip = [&] { return window.proxy()->index(0, 0).data(Qt::ToolTipRole).toString(); };
         QCOMPARE(toolTip(), "5 frames are empty: 1, 2, 3, 4, 5");
         window.clickRow("s.##.exr 1-5");
@@ -309,68 +291,67 @@ private slots:
         });
         window.edit()->setCursorPosition(4);
         for (const char* name : {"s.02.exr", "s.07.exr", "s.10.exr", "s.11.exr"})
-            QVERIFY(SampleFiles::make(m_folder->path(), name, 7));
+            QVERIFY(SampleFiles::make(path(), name, 7));
         QVERIFY(update(window));
         QCOMPARE(window.rows(), QStringList("s.##.exr 1-11 ( 1-5 7 10-11 )"));
         QCOMPARE(selectedNames(window), QStringList("s.##.exr"));
         QCOMPARE(toolTip(), "4 frames are empty: 1, 3, 4, 5\nMissing: 6, 8-9");
-        QCOMPARE(window.edit()->text(), m_folder->filePath("s.##.exr 1-11"));
+        QCOMPARE(window.edit()->text(), path("s.##.exr 1-11"));
         QCOMPARE(window.edit()->cursorPosition(), 4);
         QVERIFY(disconnect(announced));
         QCOMPARE(files, 1);
         QCOMPARE(window.browser.acceptance(), FileBrowser::Acceptance::Open);
 
         // Typed in full, it stays when the range grows beyond what is typed. What is half typed stays too.
-        window.type(m_folder->filePath("s.##.exr 1-11"));
+        window.type(path("s.##.exr 1-11"));
         QTRY_COMPARE(selectedNames(window), QStringList("s.##.exr"));
         QTRY_VERIFY(window.isRead());
-        QVERIFY(SampleFiles::makeFrames(m_folder->path(), "s.%02d.exr", 12, 30));
+        QVERIFY(SampleFiles::makeFrames(path(), "s.%02d.exr", 12, 30));
         QVERIFY(update(window));
         QCOMPARE(selectedNames(window), QStringList("s.##.exr"));
         QVERIFY(toolTip().startsWith("23 frames are empty: 1, 3, 4, 5, 12, 13, 14, 15, \u2026\n"));
-        window.type(m_folder->filePath("s.##"));
+        window.type(path("s.##"));
         QTRY_VERIFY(window.isRead());
-        QVERIFY(SampleFiles::make(m_folder->path(), {"s.31.exr", "t"}));
+        QVERIFY(make({"s.31.exr", "t"}));
         QVERIFY(update(window));
         QCOMPARE(window.rows().size(), 1);
         QVERIFY(window.rows().first().startsWith("s.##.exr 1-31"));
-        QCOMPARE(window.edit()->text(), m_folder->filePath("s.##"));
+        QCOMPARE(window.edit()->text(), path("s.##"));
     }
 
     // A row that is selected and in the pick list stays so when its name changes.
     void singleFrameBecomesASequence()
     {
-        QVERIFY(SampleFiles::make(m_folder->path(), "s.02.exr"));
-        BrowserWindow window(m_folder->path());
+        QVERIFY(SampleFiles::make(path(), "s.02.exr"));
+        BrowserWindow window(path());
         window.browser.setMultipleSelections(true);
         window.clickRow("s.02.exr");
         window.control<QPushButton>("nextButton")->click();
         window.clickRow("s.02.exr");
-        const std::pair<const char*, const char*> states[] = {{"s.01.exr", "s.##.exr 1-2"},
-                                                              {"s.03.exr", "s.##.exr 1-3"}};
-        for (const auto& [name, row] : states) {
+        for (const auto& [name, row] :
+             {std::pair("s.01.exr", "s.##.exr 1-2"), {"s.03.exr", "s.##.exr 1-3"}}) {
             const QSignalSpy choices(&window.browser, &FileBrowser::choiceChanged);
-            QVERIFY(SampleFiles::make(m_folder->path(), name));
+            QVERIFY(SampleFiles::make(path(), name));
             QVERIFY(update(window));
             QCOMPARE(window.rows(), QStringList(row));
             QCOMPARE(selectedNames(window), QStringList("s.##.exr"));
-            QCOMPARE(window.browser.pickedFiles(), QStringList(m_folder->filePath(row)));
+            QCOMPARE(window.browser.pickedFiles(), QStringList(path(row)));
             QCOMPARE(window.browser.selectedFiles(), window.browser.pickedFiles());
-            QCOMPARE(window.edit()->text(), m_folder->filePath(row));
+            QCOMPARE(window.edit()->text(), path(row));
             QCOMPARE(choices.size(), 1);
         }
         for (const char* name : {"s.02.exr", "s.03.exr"})
-            QVERIFY(QFile::remove(m_folder->filePath(name)));
+            QVERIFY(QFile::remove(path(name)));
         QVERIFY(update(window));
         QCOMPARE(selectedNames(window), QStringList("s.01.exr"));
-        QCOMPARE(window.browser.pickedFiles(), QStringList(m_folder->filePath("s.01.exr")));
+        QCOMPARE(window.browser.pickedFiles(), QStringList(path("s.01.exr")));
     }
 
     void evaluatorIsAskedOnceForEachState()
     {
         ByLetter evaluator;
-        QVERIFY(SampleFiles::make(m_folder->path(), {"a1", "b1", "b2"}));
-        BrowserWindow window(m_folder->path());
+        QVERIFY(make({"a1", "b1", "b2"}));
+        BrowserWindow window(path());
         for (const bool makesOwnRows : {false, true}) {
             evaluator.makesOwnRows = makesOwnRows;
             evaluator.interrupt = [&] { window.browser.grab(); };
@@ -384,16 +365,16 @@ private slots:
             QVERIFY(update(window));
             QCOMPARE(evaluator.asked, 0);
             const char* name = makesOwnRows ? "b4" : "b3";
-            QVERIFY(SampleFiles::make(m_folder->path(), name));
+            QVERIFY(SampleFiles::make(path(), name));
             const utimbuf time{0, makesOwnRows ? 2 : 1};
-            QCOMPARE(::utime(qPrintable(m_folder->path()), &time), 0);
+            QCOMPARE(::utime(qPrintable(path()), &time), 0);
             QVERIFY(update(window, NameSet{name}));
             QCOMPARE(evaluator.asked, 1);
             QCOMPARE(window.rows(), (QStringList{"a 1", makesOwnRows ? "b 4" : "b 3"}));
             QCOMPARE(selectedNames(window), QStringList("a"));
             QVERIFY(update(window));
             QCOMPARE(evaluator.asked, 1);
-            QVERIFY(paints.paints > 0 && paints.blank == 0);
+            QVERIFY(paints.sawOnlyFullRows());
         }
         // Asked, it goes to another folder.
         const SampleFolder other{"x"};
@@ -402,7 +383,7 @@ private slots:
             window.browser.setDirectory(QDir(other.path()), false, true);
             QTRY_VERIFY(!window.model()->isReading()); // its list waits for the answer
         };
-        QVERIFY(SampleFiles::make(m_folder->path(), {"d"}));
+        QVERIFY(make({"d"}));
         QVERIFY(!update(window));
         QTRY_COMPARE(window.rows(), QStringList("x 1"));
     }
@@ -411,8 +392,8 @@ private slots:
     void updateGivesWay()
     {
         const SampleFolder other{"x"};
-        QVERIFY(SampleFiles::make(m_folder->path(), {"a", "b"}));
-        BrowserWindow window(m_folder->path());
+        QVERIFY(make({"a", "b"}));
+        BrowserWindow window(path());
         const std::pair<bool, std::function<void()>> ways[] = {
             {true, [&] { window.model()->refreshList(); }},
             {false, [&] { window.browser.setSequencesEnabled(true); }},
@@ -441,20 +422,18 @@ private:
             const char* const patterns[] = {"a.%04d.exr", "b%d.dpx", "B%d.dpx",
                                             "c.%d.txt",   "a%d",     "d%03d.exr"};
             const QString name = QString::asprintf(patterns[random() % std::size(patterns)], number);
-            const QString path = m_folder->filePath(name);
+            const QString file = path(name);
             names.insert(name.toStdString());
-            QDir(path).removeRecursively();
-            QFile::remove(path);
+            QDir(file).removeRecursively();
+            QFile::remove(file);
             const auto kind = random() % 8;
             if (kind == 0)
-                QDir(m_folder->path()).mkdir(name);
+                QDir(path()).mkdir(name);
             else if (kind > 3)
-                SampleFiles::make(m_folder->path(), name.toUtf8(), static_cast<int>(random() % 3000));
+                SampleFiles::make(path(), name.toUtf8(), static_cast<int>(random() % 3000));
         }
         return names;
     }
-
-    std::unique_ptr<QTemporaryDir> m_folder;
 };
 
 QTEST_MAIN(UpdateTest)

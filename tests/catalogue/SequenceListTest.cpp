@@ -60,13 +60,10 @@ class SequenceListTest : public Test
 {
     Q_OBJECT
 
-private slots:
-    void initTestCase()
-    {
-        Test::initTestCase();
-        FileInfo::addSequenceFileExtension("exr");
-    }
+public:
+    SequenceListTest() { FileInfo::addSequenceFileExtension("exr"); }
 
+private slots:
     void buildsRows()
     {
         // The ordinary rows of each list type are in docs/sequences.md, which the documents' test checks.

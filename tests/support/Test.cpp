@@ -45,6 +45,9 @@ void Test::initTestCase()
 
 void Test::cleanup()
 {
+    m_folder = std::make_unique<QTemporaryDir>();
+    QDir(m_settings.path()).removeRecursively();
+    QDir().mkdir(m_settings.path());
     const QMutexLocker lock(&mutex);
     const QStringList warnings = unexpected;
     const bool missed = !expected.isEmpty();
