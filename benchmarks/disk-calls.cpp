@@ -33,7 +33,7 @@ class Walk
 public:
     explicit Walk(const QString& folder)
         : path(folder)
-        , window(folder, false)
+        , window(folder, false, false)
     {
         window.browser.setSequencesEnabled(false);
     }

@@ -100,10 +100,11 @@ private:
 class BrowserWindow : public BrowserParts
 {
 public:
-    explicit BrowserWindow(const QString& folder, bool waits = true)
+    explicit BrowserWindow(const QString& folder, bool multiple = false, bool waits = true)
         : BrowserParts(browser)
     {
         browser.setSequencesEnabled(true);
+        browser.setMultipleSelections(multiple);
         browser.setDirectory(QDir(folder), false, true);
         browser.resize(900, 600);
         browser.show();

@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <functional>
 #include <unistd.h>
+#include <utime.h>
 
 using namespace Halvern::UI;
 
@@ -28,13 +29,6 @@ struct Evaluator : FileSequenceEvaluator
     std::function<Files(Evaluator&, Files)> answer;
 };
 
-void setTime(const QString& path, qint64 time)
-{
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::ReadWrite) &&
-            file.setFileTime(QDateTime::fromSecsSinceEpoch(time), QFileDevice::FileModificationTime));
-}
-
 } // namespace
 
 /// What the list shows of a directory, and in which order.
@@ -45,11 +39,10 @@ class DirectoryModelTest : public Test
 private slots:
     void filtersRows()
     {
-        const SampleFolder folder{"dark/",     "day.01.exr", "day.02.exr",
-                                  "notes.txt", "Other.TXT",  ".hidden.txt"};
         const QByteArray many = 'b' + QByteArray(40, 'a') + "xcb" + QByteArray(40, 'a');
-        QVERIFY(SampleFiles::make(folder.path(), many));
-        const BrowserWindow window(folder.path());
+        QVERIFY(make({"dark/", "day.01.exr", "day.02.exr", "notes.txt", "Other.TXT", ".hidden.txt"}));
+        QVERIFY(SampleFiles::make(path(), many));
+        BrowserWindow window(path());
         // Pattern, prefix, rows.
         const std::tuple<const char*, const char*, QStringList> table[] = {
             {"", ".h", {".hidden.txt"}},
@@ -65,15 +58,23 @@ private slots:
             window.proxy()->apply();
             QCOMPARE(window.rows(), expected);
         }
+        QStringList filters{"*.exr", "*.txt *.dpx"};
+        window.browser.setFilters(filters, true);
+        QCOMPARE(window.rows(), (QStringList{"dark/", "day.##.exr 1-2"}));
+        window.control<QComboBox>("filterCombo")->setCurrentIndex(1);
+        QCOMPARE(window.rows(), (QStringList{"dark/", "notes.txt", "Other.TXT"}));
+        QTest::keyClicks(window.control<QComboBox>("filterCombo"), " *");
+        QCOMPARE(window.rows().size(), 5);
     }
 
     void sortsByEveryColumn()
     {
         const SampleFolder folder{"z/"};
-        qint64 time = 1000000;
+        utimbuf times{0, 1000000};
         for (const char* name : {"n", "a", "B"}) {
+            ++times.modtime;
             QVERIFY(SampleFiles::make(folder.path(), name, *name == 'a' ? 1048576 : 1024));
-            setTime(folder.filePath(name), ++time);
+            QCOMPARE(::utime(qPrintable(folder.filePath(name)), &times), 0);
         }
         const BrowserWindow window(folder.path());
         QCOMPARE(window.rows(), (QStringList{"a", "B", "n", "z/"}));
@@ -101,16 +102,17 @@ private slots:
     {
         const SampleFolder folder{"d", "b", "B", "a", "c"};
         const QStringList given{"c", "B", "d", "a", "b"};
-        Evaluator evaluator([&](Evaluator& /*self*/, Files files) {
-            const auto place = [&](const FileInfo* file) { return given.indexOf(file->fileName()); };
-            files.erase(
-                std::remove_if(files.begin(), files.end(), [&](auto* file) { return place(file) < 0; }),
-                files.end());
-            std::sort(files.begin(), files.end(), [&](auto* a, auto* b) { return place(a) < place(b); });
-            return files;
+        Evaluator evaluator([&](Evaluator& /*self*/, const Files& files) {
+            Files rows;
+            for (const QString& name : given)
+                rows.push_back(*std::find_if(files.begin(), files.end(),
+                                             [&](const FileInfo* file) { return file->fileName() == name; }));
+            return rows;
         });
-        for (const QString& name : given)
-            setTime(folder.filePath(name), name == "d" ? 2000000 : 1000000);
+        for (const QString& name : given) {
+            const utimbuf times{0, name == "d" ? 2000000 : 1000000};
+            QCOMPARE(::utime(qPrintable(folder.filePath(name)), &times), 0);
+        }
         BrowserWindow window(folder.path());
         window.browser.setFileSequenceEvaluator(&evaluator);
         QCOMPARE(window.rows(), (QStringList{"a", "b", "B", "c", "d"}));

@@ -38,17 +38,13 @@ private slots:
 
     void tabGoesRoundAsItIsLaidOut()
     {
-        const QTemporaryDir folder;
-        BrowserWindow window(folder.path());
-        window.browser.setMultipleSelections(true);
+        BrowserWindow window(path(), true);
         window.focusList();
         // Backwards, since Tab completes the name in the filename field.
-        for (const QString& name :
-             QString(
-                 "filesList addFavoriteButton favoritesList backButton upButton newFolderButton cancelButton "
-                 "nextButton filterCombo splitCheck sequencesCheck filenameEdit filesList")
-                 .split(' ')) {
-            QCOMPARE(QApplication::focusWidget()->objectName(), name);
+        for (const char* name : {"filesList", "addFavoriteButton", "favoritesList", "backButton", "upButton",
+                                 "newFolderButton", "cancelButton", "nextButton", "filterCombo", "splitCheck",
+                                 "sequencesCheck", "filenameEdit", "filesList"}) {
+            QCOMPARE(QApplication::focusWidget()->objectName(), QString(name));
             QTest::keyClick(QApplication::focusWidget(), Qt::Key_Backtab, Qt::ShiftModifier);
         }
     }
@@ -56,7 +52,7 @@ private slots:
     void keysSortAndOpenTheMenu()
     {
         const SampleFolder folder("f%03d.txt", 1, 200);
-        BrowserWindow window(folder.path());
+        BrowserWindow window(folder.path(), true);
         window.focusList();
         QTest::keyClick(window.list(), Qt::Key_1, Qt::ControlModifier);
         QCOMPARE(window.rows().first(), QString("f200.txt"));
@@ -68,7 +64,6 @@ private slots:
         QVERIFY(used.size() == 1 && window.list()->header()->sortIndicatorSection() == 0);
 
         // The menu opens inside the list, wherever the current row is.
-        window.browser.setMultipleSelections(true);
         const QWidget& viewport = *window.list()->viewport();
         QPoint place;
         connect(window.list(), &FileBrowser::FilesList::menuRequested, &window.browser,

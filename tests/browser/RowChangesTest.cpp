@@ -60,8 +60,8 @@ private slots:
             {files({"s1", "s2", "t"}), {folder, sequence}, {2, 1, 3, 0}},
             {{sequence}, files({"a", "s2"}), {1, 0}},
             // An evaluator's names may change with each file.
-            {{run("2 files", 1, 2, "f"), run("x", 1, 2, "g")},
-             {run("x", 1, 3, "g"), run("3 files", 1, 3, "f")},
+            {{run("2 of f", 1, 2, "f"), run("x", 1, 2, "g")},
+             {run("x", 1, 3, "g"), run("3 of f", 1, 3, "f")},
              {1, 0}}};
         for (const auto& [before, after, places] : table)
             QCOMPARE(RowChanges(before, after).places(), places);

@@ -19,12 +19,9 @@ QString describe(const FileBrowser& browser)
         return browser.findChild<QAbstractButton*>(QLatin1String(name))->isChecked() ? 1 : 0;
     };
     const QHeaderView* header = browser.findChild<FileBrowser::FilesList*>()->header();
-    return QString("%1 %2 %3 %4 %5")
-        .arg(browser.directory().absolutePath())
-        .arg(header->sortIndicatorSection())
-        .arg(int(header->sortIndicatorOrder()))
-        .arg(checked("sequencesCheck"))
-        .arg(checked("splitCheck"));
+    return QString::asprintf("%s %d %d %d %d", qPrintable(browser.directory().absolutePath()),
+                             header->sortIndicatorSection(), header->sortIndicatorOrder(),
+                             checked("sequencesCheck"), checked("splitCheck"));
 }
 
 } // namespace
@@ -43,13 +40,11 @@ private slots:
         for (const QByteArray& value :
              {"@Variant(" + nested + ')', QByteArray("@Variant(\\0\\0\\0\\t\\x7f\\xff\\xff\\xff)"),
               QByteArray("@Invalid()")}) {
-            QFile settings(AppSettings::FilePath());
-            QVERIFY(settings.open(QIODevice::WriteOnly));
-            settings.write("[FileBrowser]\norderlogicalindex=" + value + "\ndirectory=" + value +
-                           "\npreview=" + value +
-                           "\nsortorder=99\nsequences=maybe\nsplitsequences=\nsize=@Size(30000 30000)\n"
-                           "noise\n\xff\xfe=\nodd\\orderlogicalindex=-7\nodd\\directory=/nowhere/at/all\n");
-            settings.close();
+            const QByteArray settings(
+                "[FileBrowser]\norderlogicalindex=" + value + "\ndirectory=" + value + "\npreview=" + value +
+                "\nsortorder=99\nsequences=maybe\nsplitsequences=\nsize=@Size(30000 30000)\n"
+                "noise\n\xff\xfe=\nodd\\orderlogicalindex=-7\nodd\\directory=/nowhere/at/all\n");
+            QVERIFY(SampleFiles::write(AppSettings::FilePath(), settings));
             FileDialog dialog;
             dialog.show();
             QVERIFY(QTest::qWaitForWindowExposed(&dialog));
@@ -62,21 +57,18 @@ private slots:
         QCOMPARE(describe(browser), QFileInfo(QDir::currentPath()).path() + " 0 0 1 0");
     }
 
-    void showsThePreview()
+    void previewMayGoAtAnyTime()
     {
-        AppSettings().setValue(QString("FileBrowser/preview"), true);
-        BrowserWindow window(QDir::tempPath());
+        BrowserWindow window(path());
         QString events;
         connect(&window.browser, &FileBrowser::previewOpening, this, [&] { events += 'o'; });
         connect(&window.browser, &FileBrowser::previewClosed, this, [&] { events += 'c'; });
-        auto* button = window.control<DisclosureButton>("previewButton");
         expectWarning("No such slot QWidget::fileSelected");
         auto* preview = new QWidget;
         window.browser.setPreviewWidget(preview);
-        QVERIFY(preview->isVisible());
+        auto* button = window.control<DisclosureButton>("previewButton");
         button->click();
-        QVERIFY(!preview->isVisible() && events == "oc");
-        // It may go at any time.
+        button->click();
         connect(&window.browser, &FileBrowser::previewOpening, preview, [&] { delete preview; });
         button->click();
         button->click();
@@ -85,19 +77,18 @@ private slots:
 
     void remembers()
     {
-        const QTemporaryDir folder;
         {
-            BrowserWindow window(folder.path());
+            BrowserWindow window(path());
             window.browser.buildSettingsNamespace(QString("render"));
-            window.browser.setDirectory(QDir(folder.path()), false, true);
+            window.browser.setDirectory(QDir(path()), false, true);
             window.list()->sortByColumn(2, Qt::DescendingOrder);
             window.control<QCheckBox>("splitCheck")->click();
             window.control<QCheckBox>("sequencesCheck")->click();
         }
-        QCOMPARE(describe(FileBrowser()), folder.path() + " 2 1 1 0");
+        QCOMPARE(describe(FileBrowser()), path() + " 2 1 1 0");
         FileBrowser browser;
         browser.updateFromPreferences();
-        QCOMPARE(describe(browser), folder.path() + " 2 1 0 1");
+        QCOMPARE(describe(browser), path() + " 2 1 0 1");
     }
 
     void namespacesSeparate()
@@ -113,8 +104,7 @@ private slots:
         // One that was listed before it was shown is listed anew.
         const SampleFolder folder{"here"};
         AppSettings().setValue(QString("FileBrowser/b/directory"), folder.path());
-        QStringList filters;
-        second.setFilters(filters, true);
+        QVERIFY(QMetaObject::invokeMethod(&second, "refresh"));
         second.buildSettingsNamespace(QString("b"));
         second.show();
         QTRY_COMPARE(second.findChild<FileBrowser::ProxyModel*>()->index(0, 0).data().toString(),

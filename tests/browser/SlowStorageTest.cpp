@@ -23,8 +23,7 @@ private slots:
         QVERIFY(SampleFiles::makeFrames(path(), "f%04d.txt", 1, 6000));
         for (const int column : {0, 2}) {
             delayCalls("fstatat", 2000);
-            BrowserWindow window(path(), false);
-            window.browser.setMultipleSelections(true);
+            const BrowserWindow window(path(), true, false);
             window.list()->sortByColumn(column, Qt::AscendingOrder);
             QTRY_COMPARE(window.rows().size(), 6000);
             QVERIFY(!window.model()->hasAllAttributes());

@@ -101,12 +101,6 @@ QStringList selectedNames(const BrowserParts& parts)
     return names;
 }
 
-// The names with "#" in place of a frame.
-QStringList patterns(const QStringList& names)
-{
-    return QStringList(names).replaceInStrings(QRegularExpression("[0-9#]+"), "#");
-}
-
 } // namespace
 
 /// Rows that change in place when the folder was read again.
@@ -134,9 +128,8 @@ private slots:
         ByLetter evaluators[2];
         std::mt19937 random(static_cast<unsigned>(qHash(mode)));
         edit(random, 60);
-        BrowserWindow windows[2]{BrowserWindow(path()), BrowserWindow(path())};
+        BrowserWindow windows[2]{BrowserWindow(path(), true), BrowserWindow(path(), true)};
         for (BrowserWindow& window : windows) {
-            window.browser.setMultipleSelections(true);
             if (mode == "evaluated")
                 window.browser.setFileSequenceEvaluator(&evaluators[&window - windows]);
             if (mode == "expanded")
@@ -173,10 +166,12 @@ private slots:
             if (mode != "expanded" && mode != "collapsed")
                 continue;
             const QStringList nowSelected = selectedNames(window);
+            const QRegularExpression frame("[0-9#]+");
+            const QStringList patterns = QStringList(selected).replaceInStrings(frame, "#");
             for (const QString& row : window.rows()) {
                 const QString name = row.section(' ', 0, 0);
                 // A frame that was alone may be in a sequence, or the other way round.
-                if (selected.contains(name) || !patterns(selected).contains(patterns({name}).first()))
+                if (selected.contains(name) || !patterns.contains(QString(name).replace(frame, "#")))
                     QCOMPARE(nowSelected.contains(name), selected.contains(name));
             }
         }
@@ -188,8 +183,7 @@ private slots:
     void keepsThePlace()
     {
         QVERIFY(SampleFiles::makeFrames(path(), "f%03d.txt", 100, 400));
-        BrowserWindow window(path());
-        window.browser.setMultipleSelections(true);
+        BrowserWindow window(path(), true);
         // The display server may move the mouse at any other time.
         auto* model = window.model();
         QString hovered;
@@ -323,8 +317,7 @@ private slots:
     void singleFrameBecomesASequence()
     {
         QVERIFY(SampleFiles::make(path(), "s.02.exr"));
-        BrowserWindow window(path());
-        window.browser.setMultipleSelections(true);
+        BrowserWindow window(path(), true);
         window.clickRow("s.02.exr");
         window.control<QPushButton>("nextButton")->click();
         window.clickRow("s.02.exr");

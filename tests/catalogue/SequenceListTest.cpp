@@ -68,10 +68,6 @@ private slots:
     {
         // The ordinary rows of each list type are in docs/sequences.md, which the documents' test checks.
         const std::tuple<QStringList, FileHandle::ListType, QStringList> table[] = {
-            {frames("s.%04d.exr", {1, 2, 5, 8, 9}),
-             FileHandle::SplitSequences,
-             {"s.####.exr 1-2", "s.0005.exr", "s.####.exr 8-9"}},
-            {{"a.1.exr"}, FileHandle::Sequences, {"a.1.exr"}},
             {frames("a.%d.exr", {1, 2, 5, 6, 100}),
              FileHandle::RegisteredSplitSequences,
              {"a.#.exr 1-2", "a.#.exr 5-6", "a.100.exr"}},
@@ -121,11 +117,9 @@ private slots:
         for (int part = 1; part <= 6; ++part)
             QCOMPARE(index.settle(1000), part == 6);
         QCOMPARE(names(index, FileHandle::Sequences), (QStringList{"a.#.exr 0-2999", "b.#.exr 0-2999"}));
-    }
 
-    void regroupingTakesTheFirstWidth()
-    {
-        SequenceIndex index;
+        // Regrouping takes the first width.
+        index.clear();
         insert(index, frames("a.%03d.exr", {9, 10}) + QStringList("a.0011.exr") + frames("b.%d.exr", {1, 2}));
         QCOMPARE(names(index, FileHandle::Sequences), (QStringList{"a.####.exr 9-11", "b.#.exr 1-2"}));
         index.regroup();
@@ -225,31 +219,29 @@ private slots:
     // Growing the run anew from each of them would take minutes.
     void keepsManyNumberedDirectoriesSeparate()
     {
-        const SampleFolder folder{"take02500", "take02501"};
-        for (int i = 0; i < 2500; ++i)
-            QVERIFY(QDir(folder.path()).mkdir(QString::asprintf("take%05d", i)));
+        QVERIFY(make({"take02500", "take02501"}));
+        QVERIFY(SampleFiles::makeFrames(path(), "take%05d/", 0, 2499));
         FileInfoList list;
         list.setSequencesEnabled(true);
-        list.fill(folder.path());
+        list.fill(path());
         QCOMPARE(texts(list).indexOf(QString("*take##### 2500-2501")), 2500);
     }
 
     void walksOncePerListing()
     {
-        const QTemporaryDir folder;
         FileInfoList list;
         QSignalSpy ends(&list, SIGNAL(fileInfoAvailable()));
         // The step of the first walk that is still in the queue belongs to no walk any more.
-        list.fill(folder.path());
-        list.fill(folder.path());
+        list.fill(path());
+        list.fill(path());
         QTRY_COMPARE(ends.size(), 1);
         QCoreApplication::processEvents();
         QCOMPARE(ends.size(), 1);
         // Nor does a walk that nobody could hear of keep the next one waiting.
         list.blockSignals(true);
-        list.fill(folder.path());
+        list.fill(path());
         list.blockSignals(false);
-        list.fill(folder.path());
+        list.fill(path());
         QTRY_COMPARE(ends.size(), 2);
     }
 };

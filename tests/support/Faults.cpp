@@ -116,19 +116,18 @@ void endFaults()
         fault = 0;
 }
 
-void delayCalls(const char* call, int microseconds)
-{
-    endFaults();
-    faults[CallDelay] = microseconds;
-    faultyCall = call;
-}
-
 void failCalls(const char* call, int error, int place)
 {
     endFaults();
     faults[CallError] = error;
     faults[CallPlace] = place;
     faultyCall = call;
+}
+
+void delayCalls(const char* call, int microseconds)
+{
+    failCalls(call, 0);
+    faults[CallDelay] = microseconds;
 }
 
 QStringList takeCalls()

@@ -43,7 +43,7 @@ QByteArray read(const QString& path)
 bool makeFrames(const QString& folder, const char* pattern, int first, int last)
 {
     for (int frame = first; frame <= last; ++frame) {
-        if (!make(folder, QString::asprintf(pattern, frame).toUtf8()))
+        if (!make(folder, {QString::asprintf(pattern, frame).toUtf8().constData()}))
             return false;
     }
     return true;

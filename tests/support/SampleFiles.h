@@ -13,13 +13,13 @@ bool make(const QString& folder, const QByteArray& name, int size = 0);
 /// Makes empty files, and folders of the names that end in "/"; false at the first that the system refuses.
 bool make(const QString& folder, std::initializer_list<const char*> names);
 
+/// The same for the names that the printf pattern @p pattern gives for the frames @p first to @p last.
+bool makeFrames(const QString& folder, const char* pattern, int first, int last);
+
 /// Writes the file @p path; false if the system refuses it.
 bool write(const QString& path, const QByteArray& contents);
 /// What the file @p path holds; empty if the system does not tell.
 QByteArray read(const QString& path);
-
-/// Makes the empty files of the frames @p first to @p last, named by the printf pattern @p pattern.
-bool makeFrames(const QString& folder, const char* pattern, int first, int last);
 
 } // namespace SampleFiles
 

@@ -3,6 +3,7 @@
 #include <QMutex>
 #include <QSettings>
 #include <QStringList>
+#include <utility>
 
 namespace {
 
@@ -49,10 +50,8 @@ void Test::cleanup()
     QDir(m_settings.path()).removeRecursively();
     QDir().mkdir(m_settings.path());
     const QMutexLocker lock(&mutex);
-    const QStringList warnings = unexpected;
-    const bool missed = !expected.isEmpty();
-    unexpected.clear();
-    expected.clear();
+    const QStringList warnings = std::exchange(unexpected, {});
+    const bool missed = !std::exchange(expected, {}).isEmpty();
     QVERIFY2(warnings.isEmpty(), qPrintable("unexpected warning: " + warnings.join(QStringLiteral(" | "))));
     QVERIFY2(!missed, "an announced warning did not come");
 }
