@@ -243,7 +243,8 @@ private slots:
             folder.watch.beginRead(folder.path.toStdString());
             folder.watch.endNames();
         }
-        QTRY_VERIFY(faults[DelayedCalls] > 1);
+        const int before = faults[DelayedCalls];
+        QTRY_VERIFY(faults[DelayedCalls] > before); // about the last read
         QVERIFY(folder.writes("c"));
         QElapsedTimer sinceRead;
         sinceRead.start();
