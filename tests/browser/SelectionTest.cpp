@@ -102,7 +102,7 @@ private slots:
         // The button asks nobody whether a row is queued already.
         m_window->clickRow("b");
         m_window->control("nextButton")->click();
-        // Of nothing it takes the folder, if folders are chosen.
+        // With no selected row it takes the folder, if folders can be chosen.
         m_window->control("nextButton")->click();
         QVERIFY(picked({"b", "a", m_sequence, "b"}));
         m_window->browser.setSelectionType(FileBrowser::SelectionType::Directories);
