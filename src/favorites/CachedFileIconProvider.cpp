@@ -18,6 +18,25 @@ QIcon platformIcon(QFileIconProvider::IconType type)
                                                                      : QIcon();
 }
 
+QIcon commonFolderIcon()
+{
+    return platformIcon(QFileIconProvider::Folder);
+}
+
+QIcon homeIcon()
+{
+    return qobject_cast<QApplication*>(QCoreApplication::instance())
+               ? QApplication::style()->standardIcon(QStyle::SP_DirHomeIcon)
+               : QIcon();
+}
+
+const QIcon& madeOnce(QIcon& icon, QIcon (*make)())
+{
+    if (icon.isNull())
+        icon = make();
+    return icon;
+}
+
 } // namespace
 
 QIcon CachedFileIconProvider::driveIcon()
@@ -47,14 +66,10 @@ QIcon CachedFileIconProvider::folderIcon(const QString& path)
 {
     QIcon icon;
     if (path == QDir::rootPath())
-        icon = driveIcon();
-    else if (path == QDir::homePath() && qobject_cast<QApplication*>(QCoreApplication::instance()))
-        icon = QApplication::style()->standardIcon(QStyle::SP_DirHomeIcon);
-    if (!icon.isNull())
-        return icon;
-    if (m_folder.isNull())
-        m_folder = platformIcon(QFileIconProvider::Folder);
-    return m_folder;
+        icon = madeOnce(m_drive, driveIcon);
+    else if (path == QDir::homePath())
+        icon = madeOnce(m_home, homeIcon);
+    return icon.isNull() ? madeOnce(m_folder, commonFolderIcon) : icon;
 }
 
 } // namespace Halvern::UI

@@ -5,8 +5,8 @@
 namespace Halvern::UI {
 
 /// The platform's icons of folders and drives. No icon is looked up on disk by the folder it is for: a folder
-/// on storage that does not answer has its icon at once. The icon that most folders share is made once.
-/// Without a QApplication all icons are null. GUI thread only.
+/// on storage that does not answer has its icon at once. Each icon is made once, so that Qt's cache of
+/// pixmaps does not grow with each browser. Without a QApplication all icons are null. GUI thread only.
 class CachedFileIconProvider
 {
 public:
@@ -17,6 +17,8 @@ public:
     static QIcon iconOfFile(const QString& path);
 
 private:
+    QIcon m_drive;
+    QIcon m_home;
     QIcon m_folder;
 };
 
