@@ -18,11 +18,6 @@ QIcon platformIcon(QFileIconProvider::IconType type)
                                                                      : QIcon();
 }
 
-QIcon commonFolderIcon()
-{
-    return platformIcon(QFileIconProvider::Folder);
-}
-
 QIcon homeIcon()
 {
     return qobject_cast<QApplication*>(QCoreApplication::instance())
@@ -41,7 +36,7 @@ const QIcon& madeOnce(QIcon& icon, QIcon (*make)())
 
 QIcon CachedFileIconProvider::driveIcon()
 {
-    return platformIcon(QFileIconProvider::Drive);
+    return madeOnce(m_drive, [] { return platformIcon(QFileIconProvider::Drive); });
 }
 
 QIcon CachedFileIconProvider::iconOfFile(const QString& path)
@@ -66,10 +61,10 @@ QIcon CachedFileIconProvider::folderIcon(const QString& path)
 {
     QIcon icon;
     if (path == QDir::rootPath())
-        icon = madeOnce(m_drive, driveIcon);
+        icon = driveIcon();
     else if (path == QDir::homePath())
         icon = madeOnce(m_home, homeIcon);
-    return icon.isNull() ? madeOnce(m_folder, commonFolderIcon) : icon;
+    return icon.isNull() ? madeOnce(m_folder, [] { return platformIcon(QFileIconProvider::Folder); }) : icon;
 }
 
 } // namespace Halvern::UI

@@ -12,7 +12,7 @@ class CachedFileIconProvider
 public:
     /// The icon of the folder with this absolute path: the home and the root folder have their own.
     QIcon folderIcon(const QString& path);
-    static QIcon driveIcon();
+    QIcon driveIcon();
     /// The icon in an image file, at the size of icons. Null if @p path is none, or above 16 million pixels.
     static QIcon iconOfFile(const QString& path);
 

@@ -287,8 +287,8 @@ void FavoritesStore::resolve(Favorite& favorite)
     const QString folder = m_evaluator ? m_evaluator->evaluate(favorite) : favorite.path;
     favorite.dir = QDir(folder);
     favorite.resolved = !folder.isEmpty();
-    favorite.icon = favorite.isDrive ? CachedFileIconProvider::driveIcon()
-                                     : CachedFileIconProvider::iconOfFile(favorite.iconPath);
+    favorite.icon =
+        favorite.isDrive ? m_iconProvider.driveIcon() : CachedFileIconProvider::iconOfFile(favorite.iconPath);
     if (favorite.icon.isNull())
         favorite.icon = m_iconProvider.folderIcon(favorite.dir.absolutePath());
 }
